@@ -1,0 +1,293 @@
+// file_commands.cpp: Open, Close, Save, Save As, Merge, and what they share. The program's end is in
+// program_end.cpp.
+
+#include "frame/file_commands.h"
+
+#include "frame/child.h"
+#include "frame/command_state.h"
+#include "frame/directories.h"
+#include "frame/file_guard.h"
+#include "frame/file_questions.h"
+#include "frame/frame_texts.h"
+#include "frame/main_window.h"
+#include "frame/scroll.h"
+#include "frame/status_line.h"
+#include "input/block.h"
+#include "platform/files.h"
+#include "store/block_buffer.h"
+#include "store/load.h"
+#include "store/merge.h"
+#include "store/row_table.h"
+#include "store/save.h"
+#include "view/text_view.h"
+
+namespace hexlane {
+
+using namespace platform;
+
+char requested_file[PATH_SIZE];
+
+namespace {
+
+void clear_block_records() {
+    block_clear();
+    clear_cut_block();
+    clear_copy_block();
+}
+
+void caret_to_origin() {
+    child[0].caret_col = 0;
+    child[0].caret_row = 0;
+    child[0].current_row = 0;
+    place_caret_now();
+}
+
+void show_document() {
+    set_caret_visible(true);
+    repaint_now();
+    show_file_name();
+    if (child[0].file_open)
+        show_status(STATUS_EDIT_MODE);
+    else
+        show_position();
+    update_menus(child[0].main_window);
+}
+
+// Loads file_path after a save or a merge: rows are numbered as before, so the caret keeps its place.
+int load_again() {
+    const PointerShape pointer = begin_wait();
+    close_document();
+    const int loaded = load_file();
+    end_wait(pointer);
+    if (loaded)
+        bound_caret();
+    else
+        caret_to_origin();
+    child[0].modified = loaded && child[0].modified;
+    clear_block_records();
+    update_scroll_values();
+    return loaded;
+}
+
+// Makes `path` the document in the place of the one that is open.
+void open_file(const char* path, const char* title) {
+    close_document();
+    blank_client(child[0].main_window);
+    copy_text(child[0].file_path, PATH_SIZE, path);
+    copy_text(child[0].file_title, PATH_SIZE, title);
+    set_file_dir();
+    child[0].modified = 0;
+    const PointerShape pointer = begin_wait();
+    load_file();
+    end_wait(pointer);
+    caret_to_origin();
+    child[0].vscroll_pos = 0;
+    child[0].hscroll_pos = 0;
+    child[0].mouse_pressed = 0;
+    update_menus(child[0].main_window);
+    clear_block_records();
+}
+
+// The active file saved under another name, which becomes the active file. 1 when that was done.
+int save_under_other_name() {
+    FileDialog dialog;
+    if (!guard_rows() || !ask_save_name(&dialog))
+        return 0;
+    const bool same = same_path(dialog.path, child[0].file_path);
+    if (same && guard_save() != GuardAnswer::WRITE)
+        return 0;
+    const PointerShape pointer = begin_wait();
+    const int saved = same ? save_file() : save_file_as(dialog.path);
+    end_wait(pointer);
+    if (!saved)
+        return 0;
+    close_document();
+    copy_text(child[0].file_path, PATH_SIZE, dialog.path);
+    copy_text(child[0].file_title, PATH_SIZE, dialog.file_title);
+    set_file_dir();
+    load_again();
+    show_document();
+    return 1;
+}
+
+// The document written in the place of its file. 1 when it is saved and its table must be loaded afresh, or
+// was saved under another name; 0 when the caller's command has to stop.
+int save_document(bool* needs_load) {
+    *needs_load = false;
+    const GuardAnswer answer = guard_save();
+    if (answer == GuardAnswer::SAVE_AS)
+        return save_under_other_name();
+    if (answer == GuardAnswer::STOP)
+        return 0;
+    const PointerShape pointer = begin_wait();
+    const int saved = save_file();
+    end_wait(pointer);
+    *needs_load = saved;
+    return saved;
+}
+
+// What stands before every command that drops the document. Gives 1 to go on, 0 to stop; `needs_load` takes
+// whether a save has left the document without a table.
+int settle_changes(bool* needs_load) {
+    *needs_load = false;
+    if (!child[0].modified)
+        return 1;
+    const SaveAnswer answer = ask_save();
+    if (answer == SaveAnswer::CANCEL)
+        return 0;
+    return answer == SaveAnswer::NO || save_document(needs_load);
+}
+
+void show_closed() {
+    close_document();
+    blank_client(child[0].main_window);
+    child[0].modified = 0;
+    child[0].file_path[0] = '\0';
+    child[0].file_title[0] = '\0';
+    set_last_file_row(0);
+    show_file_name();
+    show_status(STATUS_BLANK);
+    caret_to_origin();
+    block_clear();
+    show_position();
+    set_caret_visible(true);
+    repaint_now();
+    update_menus(child[0].main_window);
+}
+
+// A document that was changed, or whose file was replaced, is written first, so that the splice point is a
+// place in the file on disk. 1 when the document is the file now.
+int settle_for_merge() {
+    if (guard_save() != GuardAnswer::WRITE)
+        return 0;
+    const PointerShape pointer = begin_wait();
+    const int saved = save_file_keeping_merge();
+    end_wait(pointer);
+    return saved && load_again();
+}
+
+bool merge_needs_save() {
+    RowRecord record;
+    // A row that stands nowhere in the file (the end row of a file without a line end) is no reason: the
+    // merge then goes to the file's end.
+    return child[0].modified || !read_record(child[0].current_row, &record) || record.origin == ORIGIN_CHANGE;
+}
+
+}  // namespace
+
+void open_requested_file() {
+    char title[PATH_SIZE];
+    copy_text(title, sizeof title, file_title_of(requested_file));
+    open_file(requested_file, title);
+    requested_file[0] = '\0';
+    show_document();
+}
+
+void command_open() {
+    bool needs_load = false;
+    if (!settle_changes(&needs_load)) {
+        requested_file[0] = '\0';
+        return;
+    }
+    FileDialog dialog;
+    if (requested_file[0] != '\0') {
+        note_named_file(requested_file);
+        open_requested_file();
+        return;
+    }
+    if (ask_open_name(&dialog))
+        open_file(dialog.path, dialog.file_title);
+    else if (needs_load)
+        load_again();
+    show_document();
+}
+
+void command_close() {
+    bool needs_load = false;
+    if (settle_changes(&needs_load))
+        show_closed();
+}
+
+int save_and_reload() {
+    const PointerShape pointer = begin_wait();
+    const int saved = save_file();
+    end_wait(pointer);
+    if (!saved)
+        return 0;
+    load_again();
+    place_caret_now();
+    repaint_now();
+    show_file_name();
+    show_position();
+    update_menus(child[0].main_window);
+    return 1;
+}
+
+int reload_document() {
+    child[0].modified = 0;
+    const int loaded = load_again();
+    show_document();
+    return loaded;
+}
+
+void command_save() {
+    if (!child[0].modified) {
+        update_menus(child[0].main_window);
+        return;
+    }
+    const GuardAnswer answer = guard_save();
+    if (answer == GuardAnswer::WRITE)
+        save_and_reload();
+    else if (answer == GuardAnswer::SAVE_AS)
+        save_under_other_name();
+}
+
+void command_save_as() {
+    save_under_other_name();
+}
+
+void command_merge() {
+    if (show_frame_box(FrameBox::MERGE_QUESTION) != 0)
+        return;
+    FileDialog dialog;
+    if (!ask_open_name(&dialog))
+        return;
+    if (merge_needs_save() ? !settle_for_merge() : guard_save() != GuardAnswer::WRITE)
+        return;
+    copy_text(child[0].merge_path, PATH_SIZE, dialog.path);
+    if (same_path(child[0].merge_path, child[0].file_path)) {
+        show_frame_box(FrameBox::MERGE_WITH_ITSELF);
+        repaint_now();
+        return;
+    }
+    const PointerShape pointer = begin_wait();
+    const int merged = merge_file();
+    end_wait(pointer);
+    if (merged) {
+        load_again();
+        update_scrollbar(child[0].main_window);
+        show_file_name();
+        show_status(STATUS_BLANK);
+    }
+    repaint_now();
+    update_menus(child[0].main_window);
+}
+
+void open_request() {
+    char path[PATH_SIZE];
+    format_text(path, sizeof path, "%s/newnm.fil", directories.start_dir);
+    FileHandle file = file_open(path, FileAccess::READ);
+    if (file == NO_FILE)
+        return;
+    char name[PATH_SIZE] = "";
+    const int64_t length = file_read_at(file, 0, name, sizeof name);
+    file_close(file);
+    delete_file(path);
+    if (length <= 0 || length >= static_cast<int64_t>(sizeof name))
+        return;  // no name, or one that is too long to be a path
+    name[length] = '\0';
+    copy_text(requested_file, sizeof requested_file, name);
+    send_message(child[0].main_window, WM_COMMAND, 1001, 0);
+}
+
+}  // namespace hexlane

@@ -1,0 +1,24 @@
+// frame_texts.h: every message box of the frame. A new one is a line here and in the table.
+#pragma once
+
+namespace hexlane {
+
+enum class FrameBox {
+    // Told texts.
+    SAVE_CHANGES,  // file
+    MERGE_QUESTION,
+    MERGE_WITH_ITSELF,
+    VIEW_FAILED,
+    // Our own: the active file was changed by another program.
+    REPLACED_MODIFIED,    // file; Overwrite, Save As, Cancel
+    REMOVED,              // file; Overwrite, Save As, Cancel
+    REPLACED_UNMODIFIED,  // file; Reload, Cancel
+    IN_PLACE_MODIFIED,    // file; Reload, Cancel
+    IN_PLACE_UNMODIFIED,  // file; Reload, Cancel
+    PATH_TOO_LONG,        // file
+};
+
+// Shows a box and gives the index of the button pressed.
+int show_frame_box(FrameBox box, const char* argument = "");
+
+}  // namespace hexlane

@@ -1,0 +1,141 @@
+// program.cpp: start-up in its order, the handover to a running program, and the message loop.
+
+#include "frame/program.h"
+
+#include <cstring>
+
+#include "frame/child.h"
+#include "frame/command_state.h"
+#include "frame/commands.h"
+#include "frame/directories.h"
+#include "frame/file_commands.h"
+#include "frame/file_questions.h"
+#include "frame/frame_texts.h"
+#include "frame/main_window.h"
+#include "frame/status_line.h"
+#include "input/block.h"
+#include "platform/desktop.h"
+#include "platform/files.h"
+#include "platform/instance.h"
+#include "platform/process.h"
+#include "store/block_buffer.h"
+#include "store/merge.h"
+#include "store/row_table.h"
+#include "view/colors.h"
+
+namespace hexlane {
+
+using namespace platform;
+
+namespace {
+
+constexpr const char* WINDOW_CLASS = "Zoltix";
+constexpr const char* WINDOW_TITLE = "Hexlane NC Editor and DNC Communications";
+
+// The file name as the command line gave it, when it is too long for a path.
+const char* refused_name = nullptr;
+
+void take_command_line(const char* file) {
+    requested_file[0] = '\0';
+    refused_name = nullptr;
+    if (file != nullptr && file[0] != '\0' && !absolute_path(file, requested_file, sizeof requested_file)) {
+        requested_file[0] = '\0';
+        refused_name = file;
+    }
+}
+
+// Writes the name for the running program into its home. 1, or 0 when that failed.
+int write_name_file() {
+    char path[PATH_SIZE];
+    if (!format_text(path, sizeof path, "%s/newnm.fil", directories.start_dir))
+        return 0;
+    delete_file(path);
+    FileHandle file = file_create(path, FileCreate::PRIVATE);
+    if (file == NO_FILE)
+        return 0;
+    const int written = file_write_at(file, 0, requested_file, std::strlen(requested_file));
+    return file_close(file) && written;
+}
+
+// All that a second start does: hands its file over and brings the running program to the front.
+void hand_over() {
+    if (requested_file[0] != '\0' && path_kind(requested_file) != PathKind::NONE) {
+        if (!write_name_file())
+            return;
+        send_open_request();
+    }
+    raise_other_instance();
+}
+
+int create_window() {
+    MainWindowSpec spec = {};
+    spec.class_name = WINDOW_CLASS;
+    spec.title = WINDOW_TITLE;
+    spec.procedure = main_window_proc;
+    describe_commands(&spec);
+    child[0].main_window = create_main_window(&spec);
+    return child[0].main_window != NO_WINDOW;
+}
+
+void set_up_state() {
+    child[0].file_open = 0;
+    child[0].pending_row = -1;
+    child[0].block_active = 0;
+    block_clear();
+    reset_store();
+    update_menus(child[0].main_window);
+    create_directories();
+    load_colors();
+    merge_backup.merge_backup_active = 0;
+    child[0].colors_enabled = 1;
+    child[0].changes_colored = 0;
+    clear_cut_block();
+    clear_copy_block();
+    block_clear();
+    set_caret_visible(false);
+}
+
+void show_program() {
+    create_status_line();
+    show_window(child[0].main_window, ShowWindow::NORMAL);
+    show_activity_icon(false);
+}
+
+// A named file that does not exist is not made here, and nothing is said about it.
+void open_first_file() {
+    if (refused_name != nullptr)
+        show_frame_box(FrameBox::PATH_TOO_LONG, refused_name);
+    if (requested_file[0] != '\0' && path_kind(requested_file) != PathKind::NONE) {
+        note_named_file(requested_file);
+        open_requested_file();
+    }
+    requested_file[0] = '\0';
+}
+
+}  // namespace
+
+int program_main(const char* file) {
+    const PointerShape pointer = begin_wait();
+    reset_child();
+    if (!find_home())
+        return 0;
+    take_command_line(file);
+    if (claim_instance(directories.launch_dir) == 0) {
+        hand_over();
+        end_wait(pointer);
+        return 0;
+    }
+    if (!create_window()) {
+        release_instance();
+        return 0;
+    }
+    set_up_state();
+    end_wait(pointer);
+    show_program();
+    open_first_file();
+    const int code = run_message_loop();
+    release_instance();
+    return code;
+}
+
+}  // namespace hexlane

@@ -1,0 +1,16 @@
+// clock.h: time and chance. Back ends: posix/ (monotonic clock, system entropy); scripted/ (a clock that only
+// the script's `tick` moves).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace hexlane::platform {
+
+// Milliseconds since some fixed moment; wraps after 49 days. Any thread.
+uint32_t tick_ms();
+
+// Bytes that nobody can guess, from the system. Also in scripted runs.
+void random_bytes(void* buffer, std::size_t size);
+
+}  // namespace hexlane::platform

@@ -1,0 +1,32 @@
+// instance.h: one running program for each home, and programs that ours starts.
+// The first run owns a local socket whose name is a hash of its home, in the user's runtime directory or a
+// private one (mode 0700, checked). A peer of another user is refused; a stale socket of a crashed run is
+// taken over; a peer that says nothing, or nonsense, delays neither side by more than two seconds.
+// Back ends: posix/ (with the desktop's event loop serving the socket), scripted/ (`open-request`, `run`).
+#pragma once
+
+#include "platform/text.h"
+
+#include <cstdint>
+
+namespace hexlane::platform {
+
+// Gives 1 when this run is now the owner for `home`, 0 when another run is, -1 when it cannot be told (the
+// caller goes on as if it were the owner).
+int claim_instance(const char* home);
+void release_instance();
+
+enum class Handover : int8_t { DONE = 1, REFUSED = 0, HUNG = -1 };
+
+// Asks the owner to run OPEN_REQUEST_MESSAGE in its main window and waits until it is done; HUNG when it has
+// not answered within two seconds that it accepts.
+Handover send_open_request();
+
+// Asks the owner to restore its window and bring it to the front.
+Handover raise_other_instance();
+
+// Starts another program with up to three arguments (nullptr where there is none) and HEXLANE_HOME set, and
+// does not wait for it. Gives 1, or 0 when it cannot be started.
+int start_program(const char* path, const char* first, const char* second, const char* third);
+
+}  // namespace hexlane::platform

@@ -1,0 +1,125 @@
+// cell_painter.cpp: measuring the font, and drawing runs of cells of one colour.
+
+#include "platform/qt/cell_painter.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QGlyphRun>
+
+#include "platform/common/code_page.h"
+
+namespace hexlane::platform {
+
+namespace {
+
+constexpr qreal POINTS_PER_INCH = 72.0;
+constexpr int SMALLEST_PIXEL_SIZE = 6;
+constexpr qreal USUAL_POINT_SIZE = 10.0;
+
+QColor screen_color(Color color) {
+    return {static_cast<int>(color & 0xFF), static_cast<int>(color >> 8 & 0xFF),
+            static_cast<int>(color >> 16 & 0xFF)};
+}
+
+// Size of the desktop's fixed-pitch font in device pixels.
+int pixel_size(const QFont& font, qreal ratio, qreal dpi) {
+    qreal logical = font.pixelSize();
+    if (logical <= 0) {
+        logical = (font.pointSizeF() > 0 ? font.pointSizeF() : USUAL_POINT_SIZE) * dpi / POINTS_PER_INCH;
+    }
+    return std::max(static_cast<int>(std::lround(logical * ratio)), SMALLEST_PIXEL_SIZE);
+}
+
+// A byte that the font has no glyph for comes from another font, made narrower where it is too wide.
+void paint_foreign_cell(QPainter* painter, const CellFont& cells, const QString& text, const QPoint& corner) {
+    const qreal advance = QFontMetricsF(cells.font).horizontalAdvance(text);
+    const qreal squeeze = advance > cells.width ? cells.width / advance : 1.0;
+    painter->save();
+    painter->setClipRect(QRect(corner, QSize(cells.width, cells.height)), Qt::IntersectClip);
+    painter->translate(corner.x() + (cells.width - advance * squeeze) / 2, corner.y() + cells.baseline);
+    painter->scale(squeeze, 1.0);
+    painter->setFont(cells.font);
+    painter->drawText(QPointF(0, 0), text);
+    painter->restore();
+}
+
+// Cells `first` to `last` of one row, all of one ink and one paper.
+void paint_run(QPainter* painter, const CellFont& cells, const Cell* row, int y, int first, int last) {
+    const int left = first * cells.width;
+    painter->fillRect(left, y, (last - first + 1) * cells.width, cells.height,
+                      screen_color(row[first].paper));
+    painter->setPen(screen_color(row[first].ink));
+    QList<quint32> glyphs;
+    QList<QPointF> places;
+    for (int col = first; col <= last; col++) {
+        const uint8_t byte = row[col].byte;
+        if (byte == ' ') {
+            continue;
+        }
+        if (cells.glyphs[byte] == 0) {
+            paint_foreign_cell(painter, cells, cells.texts[byte], {col * cells.width, y});
+            continue;
+        }
+        glyphs.append(cells.glyphs[byte]);
+        places.append(QPointF(col * cells.width, y + cells.baseline));
+    }
+    if (!glyphs.isEmpty()) {
+        QGlyphRun run;
+        run.setRawFont(cells.outlines);
+        run.setGlyphIndexes(glyphs);
+        run.setPositions(places);
+        painter->drawGlyphRun({0, 0}, run);
+    }
+}
+
+}  // namespace
+
+void make_cell_font(CellFont* cells, qreal ratio, qreal dpi) {
+    cells->ratio = ratio;
+    cells->font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    cells->font.setStyleHint(QFont::Monospace);
+    cells->font.setPixelSize(pixel_size(cells->font, ratio, dpi));
+    cells->outlines = QRawFont::fromFont(cells->font);
+    const QFontMetricsF metrics(cells->font);
+    cells->width = std::max(1, static_cast<int>(std::lround(metrics.horizontalAdvance(QLatin1Char('0')))));
+    cells->baseline = static_cast<int>(std::lround(metrics.ascent()));
+    cells->height = cells->baseline + std::max(1, static_cast<int>(std::lround(metrics.descent())));
+    for (std::size_t byte = 0; byte < cells->glyphs.size(); byte++) {
+        const char32_t code_point = byte_to_unicode(static_cast<uint8_t>(byte));
+        cells->texts[byte] = QString::fromUcs4(&code_point, 1);
+        const QList<quint32> found = cells->outlines.glyphIndexesForString(cells->texts[byte]);
+        cells->glyphs[byte] = found.size() == 1 ? found[0] : 0;
+    }
+}
+
+// A widget may begin on a fraction of a device pixel; then everything in it moves by less than one.
+void use_device_pixels(QPainter* painter, qreal ratio) {
+    painter->scale(1.0 / ratio, 1.0 / ratio);
+    const QTransform device = painter->deviceTransform();
+    painter->translate(std::round(device.dx()) - device.dx(), std::round(device.dy()) - device.dy());
+}
+
+void paint_cells(QPainter* painter, const CellFont& cells, const CellGrid& grid, int first, int last) {
+    first = std::max(first, 0);
+    last = std::min(last, grid.rows - 1);
+    for (int y = first; y <= last; y++) {
+        const Cell* row = grid.cells.data() + static_cast<std::ptrdiff_t>(y) * grid.cols;
+        for (int start = 0, col = 1; start < grid.cols; col++) {
+            if (col == grid.cols || row[col].ink != row[start].ink || row[col].paper != row[start].paper) {
+                paint_run(painter, cells, row, y * cells.height, start, col - 1);
+                start = col;
+            }
+        }
+    }
+}
+
+QRect caret_rectangle(const CellFont& cells, const CellGrid& grid) {
+    return {grid.caret_x * cells.width / CELL_WIDTH, grid.caret_y * cells.height / CELL_HEIGHT,
+            std::max(1, grid.caret_width * cells.width / CELL_WIDTH),
+            std::max(1, grid.caret_height * cells.height / CELL_HEIGHT)};
+}
+
+}  // namespace hexlane::platform

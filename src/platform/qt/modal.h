@@ -1,0 +1,20 @@
+// modal.h: dialogs that are modal to the whole program: boxes, views and file dialogs, one on the other.
+// Main thread only.
+#pragma once
+
+#include <QDialog>
+
+namespace hexlane::platform {
+
+// The widget that a new dialog stands in front of: the topmost modal one or the main window; nullptr when
+// that is not to be seen, since its dialogs would not be either.
+QWidget* modal_parent();
+
+// Shows `dialog` and runs until it is closed; gives its result. The first one takes the focus from the main
+// window, the last one gives it back.
+int run_modal(QDialog* dialog);
+
+bool modal_is_up();
+QWidget* top_modal();  // nullptr when there is none
+
+}  // namespace hexlane::platform

@@ -1,0 +1,308 @@
+// view_dialog.cpp: a modal view: one widget for each control, on the grid that the view's data gives.
+// A control that lies inside a frame's places goes into that frame, on a grid of the frame's own.
+
+#include <algorithm>
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFocusEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
+#include <QValidator>
+
+#include "platform/common/input_rules.h"
+#include "platform/qt/dispatch.h"
+#include "platform/qt/pictures.h"
+#include "platform/qt/view_window.h"
+
+namespace hexlane::platform {
+
+namespace {
+
+constexpr int PICTURE_SIZE = 48;     // logical pixels
+constexpr int64_t FROM_CONTROL = 1;  // second parameter of WM_COMMAND: nonzero, unlike the menu's
+constexpr std::size_t LONGEST_LABEL = 256;
+
+const ControlSpec& spec_of(const View* view, int index) {
+    return view->spec->controls[index];
+}
+
+QString plain_text(const char* label) {
+    char plain[LONGEST_LABEL];
+    plain_label(label != nullptr ? label : "", plain, sizeof plain);
+    return QString::fromUtf8(plain);
+}
+
+class ViewDialog final : public QDialog {
+public:
+    ViewDialog(View* shown, QWidget* parent) : QDialog(parent), view(shown) {}
+
+protected:
+    void reject() override { cancel_view(view); }
+
+private:
+    View* view;
+};
+
+// Refuses characters and lengths as they are typed.
+class FieldValidator final : public QValidator {
+public:
+    FieldValidator(const InputRule* field_rule, QObject* parent) : QValidator(parent), rule(field_rule) {}
+    State validate(QString& text, int&) const override {
+        return field_takes(rule, text.toUtf8().constData()) ? Acceptable : Invalid;
+    }
+
+private:
+    const InputRule* rule;
+};
+
+bool value_is_good(const View* view, int index) {
+    const auto* field = static_cast<QLineEdit*>(view->controls[static_cast<std::size_t>(index)]);
+    return !field->isEnabled() || !field->isVisible() ||
+           value_in_range(spec_of(view, index).rule, field->text().toUtf8().constData());
+}
+
+void refuse_value(View* view, int index) {
+    report_bad_value(spec_of(view, index).rule);
+    auto* field = static_cast<QLineEdit*>(view->controls[static_cast<std::size_t>(index)]);
+    field->setFocus();
+    field->selectAll();
+}
+
+// Judges the value when the person goes on to another control. A press of a button judges by itself.
+class ViewField final : public QLineEdit {
+public:
+    ViewField(View* shown, int at) : view(shown), index(at) {}
+
+protected:
+    void focusOutEvent(QFocusEvent* event) override {
+        QLineEdit::focusOutEvent(event);
+        if (event->reason() != Qt::TabFocusReason && event->reason() != Qt::BacktabFocusReason &&
+            event->reason() != Qt::MouseFocusReason) {
+            return;
+        }
+        QTimer::singleShot(0, this, [this] {
+            const bool on_button = qobject_cast<QPushButton*>(window()->focusWidget()) != nullptr;
+            if (!on_button && !hasFocus() && !value_is_good(view, index)) {
+                refuse_value(view, index);
+            }
+        });
+    }
+
+private:
+    View* view;
+    int index;
+};
+
+QWidget* make_label(const ControlSpec& spec) {
+    auto* label = new QLabel(QString::fromUtf8(spec.label));
+    if (spec.flags & CONTROL_SUNKEN) {
+        label->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
+    }
+    if (spec.flags & CONTROL_CENTERED) {
+        label->setAlignment(Qt::AlignCenter);
+    }
+    return label;
+}
+
+QWidget* make_picture(const View* view, const ControlSpec& spec) {
+    auto* label = new QLabel;
+    label->setPixmap(named_picture(QString::fromUtf8(spec.label), PICTURE_SIZE, view->window));
+    label->setAlignment(Qt::AlignTop);
+    return label;
+}
+
+QWidget* make_button(View* view, int index) {
+    const ControlSpec& spec = spec_of(view, index);
+    auto* button = new QPushButton(QString::fromUtf8(spec.label));
+    button->setDefault(spec.flags & CONTROL_DEFAULT);
+    QObject::connect(button, &QPushButton::clicked, button, [view, index] { press_control(view, index); });
+    return button;
+}
+
+template <typename Button>
+QWidget* make_choice_button(View* view, int index) {
+    const ControlSpec& spec = spec_of(view, index);
+    auto* button = new Button(QString::fromUtf8(spec.label));
+    button->setChecked(spec.flags & CONTROL_CHECKED);
+    QObject::connect(button, &Button::clicked, button, [view, index] { press_control(view, index); });
+    return button;
+}
+
+QWidget* make_field(View* view, int index) {
+    auto* field = new ViewField(view, index);
+    field->setValidator(new FieldValidator(spec_of(view, index).rule, field));
+    return field;
+}
+
+// Only what the person picks is told; the program's own calls block the signals.
+QWidget* make_list(View* view, int index) {
+    auto* list = new QListWidget;
+    QObject::connect(list, &QListWidget::currentRowChanged, list,
+                     [view, index] { press_control(view, index); });
+    return list;
+}
+
+QWidget* make_drop_down(View* view, int index) {
+    auto* choice = new QComboBox;
+    QObject::connect(choice, &QComboBox::activated, choice, [view, index] { press_control(view, index); });
+    return choice;
+}
+
+QWidget* make_frame(const ControlSpec& spec) {
+    auto* frame = new QGroupBox(QString::fromUtf8(spec.label));
+    new QGridLayout(frame);
+    return frame;
+}
+
+QWidget* make_control(View* view, int index) {
+    const ControlSpec& spec = spec_of(view, index);
+    switch (spec.kind) {
+    case ControlKind::TEXT:
+        return make_label(spec);
+    case ControlKind::BUTTON:
+        return make_button(view, index);
+    case ControlKind::FIELD:
+        return make_field(view, index);
+    case ControlKind::CHECK:
+        return make_choice_button<QCheckBox>(view, index);
+    case ControlKind::RADIO:
+        return make_choice_button<QRadioButton>(view, index);
+    case ControlKind::LIST:
+        return make_list(view, index);
+    case ControlKind::CHOICE:
+        return make_drop_down(view, index);
+    case ControlKind::FRAME:
+        return make_frame(spec);
+    case ControlKind::ICON:
+    case ControlKind::PANE:  // make_dialog has refused it
+        break;
+    }
+    return make_picture(view, spec);
+}
+
+bool lies_inside(const ControlSpec& inner, const ControlSpec& frame) {
+    return &inner != &frame && inner.row >= frame.row && inner.column >= frame.column &&
+           inner.row + inner.rows <= frame.row + frame.rows &&
+           inner.column + inner.columns <= frame.column + frame.columns;
+}
+
+// The frame that a control lies in, the innermost when several do; -1 for none.
+int frame_around(const ViewSpec* spec, int index) {
+    int found = -1;
+    for (int i = 0; i < spec->control_count; i++) {
+        const ControlSpec& frame = spec->controls[i];
+        if (frame.kind == ControlKind::FRAME && lies_inside(spec->controls[index], frame) &&
+            (found < 0 || lies_inside(frame, spec->controls[found]))) {
+            found = i;
+        }
+    }
+    return found;
+}
+
+void place_control(View* view, int index, QGridLayout* outermost) {
+    const ControlSpec& spec = spec_of(view, index);
+    QWidget* control = view->controls[static_cast<std::size_t>(index)];
+    const int frame = frame_around(view->spec, index);
+    QGridLayout* grid = outermost;
+    int row = spec.row;
+    int column = spec.column;
+    if (frame >= 0) {
+        grid = static_cast<QGridLayout*>(view->controls[static_cast<std::size_t>(frame)]->layout());
+        row -= spec_of(view, frame).row;
+        column -= spec_of(view, frame).column;
+    }
+    const bool centered = spec.flags & CONTROL_CENTERED && spec.kind == ControlKind::BUTTON;
+    grid->addWidget(control, row, column, spec.rows, spec.columns,
+                    centered ? Qt::AlignCenter : Qt::Alignment());
+    if (spec.width > 0) {
+        control->setMinimumWidth(control->fontMetrics().averageCharWidth() * (spec.width + 2));
+    }
+}
+
+// A control without a text of its own is called by the label in front of it, which also leads to it.
+void name_control(View* view, int index) {
+    const ControlSpec& spec = spec_of(view, index);
+    QWidget* control = view->controls[static_cast<std::size_t>(index)];
+    control->setAccessibleName(plain_text(spec.label));
+    const bool nameless =
+        spec.kind == ControlKind::FIELD || spec.kind == ControlKind::LIST || spec.kind == ControlKind::CHOICE;
+    if (nameless && index > 0 && spec_of(view, index - 1).kind == ControlKind::TEXT) {
+        auto* label = static_cast<QLabel*>(view->controls[static_cast<std::size_t>(index - 1)]);
+        label->setBuddy(control);
+        control->setAccessibleName(plain_text(spec_of(view, index - 1).label));
+    }
+}
+
+void group_radio_buttons(View* view) {
+    QButtonGroup* group = nullptr;
+    for (int i = 0; i < view->spec->control_count; i++) {
+        if (spec_of(view, i).kind != ControlKind::RADIO) {
+            continue;
+        }
+        if (group == nullptr || spec_of(view, i).flags & CONTROL_GROUP) {
+            group = new QButtonGroup(view->window);
+        }
+        group->addButton(static_cast<QRadioButton*>(view->controls[static_cast<std::size_t>(i)]));
+    }
+}
+
+}  // namespace
+
+bool make_dialog(View* view, QWidget* parent) {
+    const ControlSpec* controls = view->spec->controls;
+    if (std::any_of(controls, controls + view->spec->control_count,
+                    [](const ControlSpec& control) { return control.kind == ControlKind::PANE; })) {
+        return false;
+    }
+    view->dialog = new ViewDialog(view, parent);
+    view->window = view->dialog;
+    view->dialog->setWindowTitle(QString::fromUtf8(view->spec->title));
+    view->dialog->setAccessibleName(QString::fromUtf8(view->spec->title));
+    for (int i = 0; i < view->spec->control_count; i++) {
+        view->controls.push_back(make_control(view, i));
+    }
+    auto* grid = new QGridLayout(view->dialog);
+    grid->setSizeConstraint(QLayout::SetFixedSize);
+    for (int i = 0; i < view->spec->control_count; i++) {
+        place_control(view, i, grid);
+        name_control(view, i);
+        view->controls[static_cast<std::size_t>(i)]->setHidden(spec_of(view, i).flags & CONTROL_HIDDEN);
+        view->controls[static_cast<std::size_t>(i)]->setDisabled(spec_of(view, i).flags & CONTROL_DISABLED);
+    }
+    group_radio_buttons(view);
+    return true;
+}
+
+// All but the cancel button wait for good values.
+void press_control(View* view, int index) {
+    if (spec_of(view, index).kind == ControlKind::BUTTON && !(spec_of(view, index).flags & CONTROL_CANCEL)) {
+        for (int i = 0; i < view->spec->control_count; i++) {
+            if (spec_of(view, i).kind == ControlKind::FIELD && !value_is_good(view, i)) {
+                refuse_value(view, i);
+                return;
+            }
+        }
+    }
+    call_window(view->handle, WM_COMMAND, make_parameter(spec_of(view, index).id, 0), FROM_CONTROL);
+}
+
+void cancel_view(View* view) {
+    for (int i = 0; i < view->spec->control_count; i++) {
+        const QWidget* control = view->controls[static_cast<std::size_t>(i)];
+        if (spec_of(view, i).flags & CONTROL_CANCEL && control->isEnabled() && control->isVisible()) {
+            press_control(view, i);
+            return;
+        }
+    }
+    call_window(view->handle, WM_CLOSE, 0, 0);
+}
+
+}  // namespace hexlane::platform

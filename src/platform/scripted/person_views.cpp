@@ -1,0 +1,313 @@
+// person_views.cpp: message boxes, views and file dialogs in the person's hands.
+
+#include "platform/scripted/person.h"
+
+#include "platform/common/file_questions.h"
+#include "platform/common/input_rules.h"
+#include "platform/keys.h"
+#include "platform/scripted/desktop_state.h"
+#include "platform/scripted/modal.h"
+#include "platform/scripted/record.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace hexlane::platform {
+
+namespace {
+
+using Kinds = std::initializer_list<ControlKind>;
+
+// Second parameter of WM_COMMAND from a control: nonzero, so that it is not taken for the menu's.
+constexpr int64_t CONTROL_SOURCE = 1;
+
+std::string plain(const char* label) {
+    char text[256];
+    plain_label(label != nullptr ? label : "", text, sizeof text);
+    return text;
+}
+
+std::string name_of(const ControlName& name) {
+    if (name.id >= 0) {
+        return "@" + std::to_string(name.id);
+    }
+    return quoted(name.label) + (name.number > 1 ? "/" + std::to_string(name.number) : "");
+}
+
+Refusal no_such(const ControlName& name) {
+    return top_modal()->name + " has no " + name_of(name);
+}
+
+View* top_view() {
+    const Modal* modal = top_modal();
+    return modal != nullptr && modal->kind == ModalKind::VIEW ? find_view(modal->view, "view") : nullptr;
+}
+
+// A control is called by its own label; one without a label by that of the text in front of it.
+bool is_called(const std::vector<Control>& controls, std::size_t at, const std::string& label) {
+    const std::string own = plain(controls[at].spec->label);
+    if (!own.empty() || at == 0) {
+        return own == label;
+    }
+    const ControlSpec* before = controls[at - 1].spec;
+    return before->kind == ControlKind::TEXT && plain(before->label) == label;
+}
+
+// The control of that name among those of the given kinds, if a person can get at it.
+Refusal find_usable(const ControlName& name, Kinds kinds, Control** found) {
+    View* view = top_view();
+    if (view == nullptr) {
+        return "no view is up";
+    }
+    int number = 0;
+    for (std::size_t i = 0; i < view->controls.size() && *found == nullptr; i++) {
+        Control& control = view->controls[i];
+        const bool right_kind = std::find(kinds.begin(), kinds.end(), control.spec->kind) != kinds.end();
+        if (!right_kind) {
+            continue;
+        }
+        if (name.id >= 0 ? control.spec->id == name.id
+                         : is_called(view->controls, i, name.label) && ++number == name.number) {
+            *found = &control;
+        }
+    }
+    if (*found == nullptr) {
+        return no_such(name);
+    }
+    return (*found)->hidden     ? name_of(name) + " is hidden"
+           : (*found)->disabled ? name_of(name) + " is disabled"
+                                : "";
+}
+
+// Moves the focus to a control. A field with a bad value tells so and keeps it: gives false, and the act
+// ends.
+bool focus_moves_to(const ControlSpec* to) {
+    View* view = top_view();
+    for (const Control& control : view->controls) {
+        const bool leaves = control.spec->id == view->focus_id && control.spec != to &&
+                            control.spec->kind == ControlKind::FIELD && !control.disabled;
+        if (leaves && (to->flags & CONTROL_CANCEL) == 0 &&
+            !value_in_range(control.spec->rule, control.text.c_str())) {
+            report_bad_value(control.spec->rule);
+            return false;
+        }
+    }
+    view->focus_id = to->id;
+    return true;
+}
+
+void tell_view(const ControlSpec* control) {
+    deliver(top_modal()->view, WM_COMMAND, control->id, CONTROL_SOURCE);
+}
+
+void click(const ControlSpec* button) {
+    if (focus_moves_to(button)) {
+        tell_view(button);
+    }
+}
+
+Refusal press_box_button(Modal* box, const ControlName& name) {
+    const auto found = std::find(box->buttons.begin(), box->buttons.end(), name.label);
+    if (name.id >= 0 || found == box->buttons.end()) {
+        return no_such(name);
+    }
+    box->result = static_cast<int>(found - box->buttons.begin());
+    box->done = true;
+    return "";
+}
+
+// Esc presses Cancel or the only button, Enter the first one.
+void press_key_in_box(Modal* box, int key) {
+    const auto cancel = std::find(box->buttons.begin(), box->buttons.end(), "Cancel");
+    if (key == VK_ESCAPE && cancel != box->buttons.end()) {
+        box->result = static_cast<int>(cancel - box->buttons.begin());
+    } else if (key == VK_ESCAPE && box->buttons.size() > 1) {
+        return;
+    } else {
+        box->result = 0;
+    }
+    box->done = true;
+}
+
+const ControlSpec* button_with(const View* view, uint16_t flag) {
+    for (const Control& control : view->controls) {
+        if ((control.spec->flags & flag) != 0 && !control.hidden && !control.disabled) {
+            return control.spec;
+        }
+    }
+    return nullptr;
+}
+
+// Esc presses the cancel button or closes the view; Enter presses the button with the focus, else the default
+// one.
+void press_key_in_view(int key) {
+    const View* view = top_view();
+    if (key == VK_ESCAPE) {
+        const ControlSpec* cancel = button_with(view, CONTROL_CANCEL);
+        if (cancel != nullptr) {
+            click(cancel);
+        } else {
+            deliver(view->handle, WM_CLOSE, 0, 0);
+        }
+        return;
+    }
+    const ControlSpec* pressed = button_with(view, CONTROL_DEFAULT);
+    for (const Control& control : view->controls) {
+        if (control.spec->id == view->focus_id && control.spec->kind == ControlKind::BUTTON) {
+            pressed = control.spec;
+        }
+    }
+    if (pressed != nullptr) {
+        click(pressed);
+    }
+}
+
+Refusal select_row(Control* list, int index) {
+    if (index < 0 || index >= static_cast<int>(list->rows.size())) {
+        return "the list has " + std::to_string(list->rows.size()) + " rows";
+    }
+    if (focus_moves_to(list->spec)) {
+        list->selection = index;
+        tell_view(list->spec);
+    }
+    return "";
+}
+
+constexpr Kinds LISTS = {ControlKind::LIST, ControlKind::CHOICE};
+
+// Length of the UTF-8 character at the front of `text`; a stray byte counts as one.
+std::size_t character_length(const std::string& text, std::size_t at) {
+    std::size_t end = at + 1;
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        end++;
+    }
+    return end - at;
+}
+
+}  // namespace
+
+Refusal person_clicks(const ControlName& button) {
+    Modal* modal = top_modal();
+    if (modal == nullptr) {
+        return "nothing is up that has buttons";
+    }
+    if (modal->kind == ModalKind::BOX) {
+        return press_box_button(modal, button);
+    }
+    Control* control = nullptr;
+    const Refusal refusal = find_usable(button, {ControlKind::BUTTON}, &control);
+    if (refusal.empty()) {
+        click(control->spec);
+    }
+    return refusal;
+}
+
+// The text is typed over what stands there; characters that the field does not take are refused, in silence.
+Refusal person_fills(const ControlName& field, const std::string& text) {
+    Control* control = nullptr;
+    const Refusal refusal = find_usable(field, {ControlKind::FIELD}, &control);
+    if (!refusal.empty() || !focus_moves_to(control->spec)) {
+        return refusal;
+    }
+    control->text.clear();
+    for (std::size_t at = 0; at < text.size(); at += character_length(text, at)) {
+        const std::string longer = control->text + text.substr(at, character_length(text, at));
+        if (field_takes(control->spec->rule, longer.c_str())) {
+            control->text = longer;
+        }
+    }
+    return "";
+}
+
+Refusal person_checks(const ControlName& box, bool checked) {
+    Control* control = nullptr;
+    const Refusal refusal = find_usable(box, {ControlKind::CHECK}, &control);
+    if (!refusal.empty()) {
+        return refusal;
+    }
+    if (control->checked == checked) {
+        return name_of(box) + (checked ? " is checked already" : " is not checked");
+    }
+    if (focus_moves_to(control->spec)) {
+        control->checked = checked;
+        tell_view(control->spec);
+    }
+    return "";
+}
+
+Refusal person_picks(const ControlName& radio) {
+    Control* control = nullptr;
+    const Refusal refusal = find_usable(radio, {ControlKind::RADIO}, &control);
+    if (refusal.empty() && focus_moves_to(control->spec)) {
+        view_check(top_modal()->view, control->spec->id, true);
+        tell_view(control->spec);
+    }
+    return refusal;
+}
+
+Refusal person_selects(const ControlName& list, int index) {
+    Control* control = nullptr;
+    const Refusal refusal = find_usable(list, LISTS, &control);
+    return refusal.empty() ? select_row(control, index) : refusal;
+}
+
+Refusal person_selects(const ControlName& list, const std::string& text) {
+    Control* control = nullptr;
+    const Refusal refusal = find_usable(list, LISTS, &control);
+    if (!refusal.empty()) {
+        return refusal;
+    }
+    const auto row = std::find(control->rows.begin(), control->rows.end(), text);
+    if (row == control->rows.end()) {
+        return "the list has no row " + quoted(text);
+    }
+    return select_row(control, static_cast<int>(row - control->rows.begin()));
+}
+
+// The dialog stays up after a question answered No.
+Refusal person_gives_file(const std::string& path, int filter) {
+    Modal* modal = top_modal();
+    if (modal == nullptr || modal->kind != ModalKind::FILE_DIALOG) {
+        return "no file dialog is up";
+    }
+    FileDialog* dialog = modal->dialog;
+    const int entry = filter < 0 ? dialog->filter_index : filter;
+    const bool has_custom = dialog->custom_text != nullptr && dialog->custom_text[0] != '\0';
+    if (filter >= 0 && (entry < (has_custom ? 0 : 1) || entry > dialog->filter_count)) {
+        return "the file dialog has no filter " + std::to_string(entry);
+    }
+    const int settled = modal->saves ? settle_save_file(dialog, path.c_str(), entry)
+                                     : settle_open_file(dialog, path.c_str(), entry);
+    if (settled == 1) {
+        modal->result = 1;
+        modal->done = true;
+    }
+    return "";
+}
+
+Refusal person_cancels() {
+    Modal* modal = top_modal();
+    if (modal == nullptr || modal->kind != ModalKind::FILE_DIALOG) {
+        return "no file dialog is up";
+    }
+    modal->result = 0;
+    modal->done = true;
+    return "";
+}
+
+Refusal person_presses_in_modal(int key) {
+    Modal* modal = top_modal();
+    switch (modal->kind) {
+    case ModalKind::BOX:
+        press_key_in_box(modal, key);
+        return "";
+    case ModalKind::VIEW:
+        press_key_in_view(key);
+        return "";
+    case ModalKind::FILE_DIALOG:
+        return key == VK_ESCAPE ? person_cancels() : "use `choose` to answer a file dialog";
+    }
+    return "";
+}
+
+}  // namespace hexlane::platform

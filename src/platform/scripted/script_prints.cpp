@@ -1,0 +1,215 @@
+// script_prints.cpp: the lines that print what a person sees: screen, colours, status line, menu, views,
+// files.
+
+#include "platform/scripted/desktop_state.h"
+#include "platform/scripted/modal.h"
+#include "platform/scripted/record.h"
+#include "platform/scripted/script_actions.h"
+#include "platform/scripted/script_files.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace hexlane::platform {
+
+namespace {
+
+constexpr int STATUS_ROWS = 2;  // cell rows at the bottom that belong to the status line
+
+// Screen rows 0 to window_rows: what the client area holds less the status line, at least two rows if they
+// fit.
+int text_rows() {
+    return std::min(desktop.main.grid.rows, std::max(desktop.rows - STATUS_ROWS, 2));
+}
+
+const Cell* row_cells(int row) {
+    const CellGrid& grid = desktop.main.grid;
+    return grid.cells.data() + static_cast<std::ptrdiff_t>(row) * grid.cols;
+}
+
+std::string two_digits(int number) {
+    return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+std::string hex_color(Color color) {
+    char text[8];
+    std::snprintf(text, sizeof text, "#%02X%02X%02X", color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF);
+    return text;
+}
+
+// "3-7 #0000FF/#FFFFFF, 9-9 ...", empty for a row that is all black on white.
+std::string color_runs(const Cell* cells, int cols) {
+    std::string runs;
+    for (int first = 0, next = 0; first < cols; first = next) {
+        const Cell& cell = cells[first];
+        for (next = first; next < cols && cells[next].ink == cell.ink && cells[next].paper == cell.paper;
+             next++) {
+        }
+        if (cell.ink != BLACK || cell.paper != WHITE) {
+            runs += (runs.empty() ? "" : ", ") + std::to_string(first) + "-" + std::to_string(next - 1) +
+                    " " + hex_color(cell.ink) + "/" + hex_color(cell.paper);
+        }
+    }
+    return runs;
+}
+
+Refusal text_area_refuses(const Words& words) {
+    if (words.size() > 1) {
+        return "this build has no pane " + quoted(words[1].text);
+    }
+    return desktop.main.handle == NO_WINDOW ? "there is no window" : "";
+}
+
+const char* kind_name(ControlKind kind) {
+    constexpr const char* NAMES[] = {"text", "button", "field", "check", "radio",
+                                     "list", "choice", "frame", "icon",  "pane"};
+    return NAMES[static_cast<int>(kind)];
+}
+
+std::string control_line(const View& view, const Control& control) {
+    const char* label = control.spec->label != nullptr ? control.spec->label : "";
+    std::string line = "@" + std::to_string(control.spec->id) + " " + kind_name(control.spec->kind) + " " +
+                       quoted(label) + " " + quoted(control.text);
+    line += control.disabled ? " disabled" : "";
+    line += control.hidden ? " hidden" : "";
+    line += control.checked ? " checked" : "";
+    line += control.spec->id == view.focus_id ? " focus" : "";
+    return line;
+}
+
+}  // namespace
+
+Refusal print_screen(const Words& words) {
+    const Refusal refusal = text_area_refuses(words);
+    for (int row = 0; refusal.empty() && row < text_rows(); row++) {
+        std::string bytes;
+        for (int col = 0; col < desktop.main.grid.cols; col++) {
+            bytes += static_cast<char>(row_cells(row)[col].byte);
+        }
+        bytes.erase(bytes.find_last_not_of(' ') + 1);
+        record_line(two_digits(row) + "|" + escaped(bytes));
+    }
+    return refusal;
+}
+
+Refusal print_colors(const Words& words) {
+    const Refusal refusal = text_area_refuses(words);
+    for (int row = 0; refusal.empty() && row < text_rows(); row++) {
+        const std::string runs = color_runs(row_cells(row), desktop.main.grid.cols);
+        if (!runs.empty()) {
+            record_line(two_digits(row) + ": " + runs);
+        }
+    }
+    return refusal;
+}
+
+// The texts of the status line from left to right, then its icon.
+Refusal print_status(const Words& words) {
+    const View* view = status_view();
+    if (words.size() > 1) {
+        return WRONG_USE;
+    }
+    if (view == nullptr) {
+        return "there is no status line";
+    }
+    std::string line = "status";
+    const char* icon = "hidden";
+    for (const Control& control : view->controls) {
+        if (control.spec->kind == ControlKind::ICON) {
+            icon = control.hidden ? "hidden" : "shown";
+        } else {
+            line += " " + quoted(control.text);
+        }
+    }
+    record_line(line + " icon " + icon);
+    return "";
+}
+
+Refusal print_menu(const Words& words) {
+    if (words.size() > 1) {
+        return WRONG_USE;
+    }
+    for (const MenuPopup& popup : desktop.main.popups) {
+        record_line("popup " + std::to_string(popup.id) + " " + quoted(popup.text));
+        for (const MenuItem& item : desktop.main.items) {
+            if (item.spec.popup != popup.id) {
+                continue;
+            }
+            if (item.spec.id == 0) {
+                record_line("----");
+                continue;
+            }
+            record_line(std::to_string(item.spec.id) + " " + quoted(item.text) +
+                        (item.grayed ? " grayed" : "") + (item.checked ? " checked" : ""));
+        }
+    }
+    return "";
+}
+
+Refusal print_title(const Words& words) {
+    if (words.size() > 1) {
+        return WRONG_USE;
+    }
+    record_line("title " + quoted(desktop.main.title));
+    return "";
+}
+
+Refusal print_caret(const Words& words) {
+    if (words.size() > 1) {
+        return WRONG_USE;
+    }
+    const CellGrid& grid = desktop.main.grid;
+    const std::string cell =
+        std::to_string(grid.caret_x / CELL_WIDTH) + "," + std::to_string(grid.caret_y / CELL_HEIGHT);
+    record_line("caret " + (grid_caret_visible(&grid) ? cell : std::string("hidden")));
+    return "";
+}
+
+Refusal print_view(const Words& words) {
+    const Modal* modal = top_modal();
+    if (words.size() > 1) {
+        return WRONG_USE;
+    }
+    if (modal == nullptr || modal->kind != ModalKind::VIEW) {
+        return "no view is up";
+    }
+    const View& view = *find_view(modal->view, "view");
+    record_line(std::string(view.spec->name) + " " + quoted(view.spec->title));
+    for (const Control& control : view.controls) {
+        record_line(control_line(view, control));
+        for (std::size_t i = 0; i < control.rows.size(); i++) {
+            record_line((static_cast<int>(i) == control.selection ? "  > " : "    ") +
+                        quoted(control.rows[i]));
+        }
+    }
+    return "";
+}
+
+Refusal print_bytes(const Words& words) {
+    if (words.size() != 2 || !words[1].is_quoted) {
+        return WRONG_USE;
+    }
+    std::string bytes;
+    const Refusal refusal = read_whole_file(without_place_name(words[1].text), &bytes);
+    for (std::size_t at = 0; refusal.empty() && at < bytes.size();) {
+        const std::size_t line_end = bytes.find('\n', at);
+        const std::size_t end = line_end == std::string::npos ? bytes.size() : line_end + 1;
+        record_line(quoted(bytes.substr(at, end - at)));
+        at = end;
+    }
+    return refusal;
+}
+
+Refusal print_files(const Words& words) {
+    if (words.size() != 2 || !words[1].is_quoted) {
+        return WRONG_USE;
+    }
+    std::vector<FolderEntry> entries;
+    const Refusal refusal = read_folder(without_place_name(words[1].text), &entries);
+    for (const FolderEntry& entry : entries) {
+        record_line(quoted(entry.name) + " " + (entry.is_folder ? "folder" : std::to_string(entry.size)));
+    }
+    return refusal;
+}
+
+}  // namespace hexlane::platform

@@ -1,0 +1,198 @@
+// merge.cpp: splicing a second file into the active file, and taking the first state back at the program's
+// end. The backup is complete on the disk before the merged file takes the active file's place.
+
+#include "store/merge.h"
+
+#include "frame/child.h"
+#include "platform/files.h"
+#include "platform/text_stream.h"
+#include "store/load.h"
+#include "store/replace_file.h"
+#include "store/row_table.h"
+#include "store/store_texts.h"
+
+namespace hexlane {
+
+using namespace platform;
+
+MergeBackup merge_backup = {0, "", "", {}};
+
+namespace {
+
+struct Splice {
+    FileHandle active;  // the active file as it was opened
+    FileHandle merged;  // what comes in
+    int64_t active_size;
+    int64_t merged_size;
+    int64_t position;      // where in the active file
+    bool line_end_needed;  // the byte in front is no row end
+};
+
+int tell_merge_failure(const char* path) {
+    show_store_box(StoreBox::NOT_MERGED, path, file_error_text(last_file_error()));
+    return 0;
+}
+
+// Where the caret's row begins in the file; the end of the file for a row that stands nowhere in it.
+int find_splice_point(Splice* splice) {
+    RowRecord record;
+    if (!read_record(child[0].current_row, &record))
+        return 0;
+    splice->line_end_needed = false;
+    splice->position = record.position;
+    if (record.origin == ORIGIN_FILE)
+        return 1;
+    splice->position = splice->active_size;
+    char last = '\n';
+    if (splice->active_size > 0 && file_read_at(splice->active, splice->active_size - 1, &last, 1) != 1)
+        return 0;
+    splice->line_end_needed = last != '\n' && last != '\0';
+    return 1;
+}
+
+// Copies the active file to a new name "DX" and the lowest free number beside it, flushed. Gives 1 and the
+// name, or 0 on failure, when no backup is left.
+int make_backup(const Splice& splice, char path[PATH_SIZE]) {
+    FileHandle backup = NO_FILE;
+    for (int n = 1; backup == NO_FILE; n++) {
+        if (!format_text(path, PATH_SIZE, "%sDX%d", child[0].file_dir, n)) {
+            set_last_file_error(FileError::NAME_TOO_LONG);
+            return 0;
+        }
+        if (path_kind(path) != PathKind::NONE)
+            continue;
+        backup = file_create(path, FileCreate::NEW);
+        if (backup == NO_FILE && last_file_error() != FileError::EXISTS)
+            return 0;
+    }
+    const bool whole =
+        file_copy_range(splice.active, 0, backup, 0, splice.active_size) == splice.active_size &&
+        file_adopt_mode(backup, splice.active) && file_flush(backup);
+    const FileError reason = last_file_error();
+    const bool closed = file_close(backup);
+    if (whole && closed)
+        return 1;
+    if (!whole)
+        set_last_file_error(reason);
+    const FileError kept = last_file_error();
+    delete_file(path);
+    set_last_file_error(kept);
+    return 0;
+}
+
+int write_merged(const Splice& splice, Replacement* output) {
+    return replacement_copy(output, splice.active, 0, splice.position) &&
+           (!splice.line_end_needed || replacement_write(output, "\r\n", 2)) &&
+           replacement_copy(output, splice.merged, 0, splice.merged_size) &&
+           replacement_copy(output, splice.active, splice.position, splice.active_size - splice.position) &&
+           finish_replacement(output, splice.active);
+}
+
+void note_backup(const char* backup) {
+    if (!merge_counts()) {
+        merge_backup.merge_backup_active = 1;
+        copy_text(merge_backup.merge_restore_path, PATH_SIZE, child[0].file_path);
+        copy_text(merge_backup.merge_backup_path, PATH_SIZE, backup);
+    }
+    path_stamp(child[0].file_path, &merge_backup.merged);
+}
+
+int splice_file(Splice* splice) {
+    splice->active = stream_file(child[0].file_stream);
+    splice->active_size = file_size(splice->active);
+    splice->merged_size = file_size(splice->merged);
+    if (splice->active_size < 0 || splice->merged_size < 0 || !find_splice_point(splice))
+        return tell_merge_failure(child[0].merge_path);
+    if (splice->active_size + splice->merged_size + 2 > MAX_FILE_SIZE) {
+        set_last_file_error(FileError::TOO_LARGE);
+        return tell_merge_failure(child[0].merge_path);
+    }
+    char backup[PATH_SIZE];
+    if (!make_backup(*splice, backup)) {
+        show_store_box(StoreBox::NO_MERGE_BACKUP, child[0].file_path, file_error_text(last_file_error()));
+        return 0;
+    }
+    Replacement output;
+    if (begin_replacement(&output, child[0].file_path) && write_merged(*splice, &output)) {
+        note_backup(backup);
+        return 1;
+    }
+    const FileError reason = last_file_error();
+    abandon_replacement(&output);
+    delete_file(backup);
+    set_last_file_error(reason);
+    return tell_merge_failure(child[0].merge_path);
+}
+
+bool is_merged_file(const char* path) {
+    const FileStamp& merged = merge_backup.merged;
+    FileStamp found;
+    return path_stamp(path, &found) && found.device == merged.device && found.inode == merged.inode &&
+           found.size == merged.size && found.modified_ns == merged.modified_ns;
+}
+
+// The two files change places in one step. What came out of the target's place is looked at only then, so
+// that nothing that another program has put there can be lost.
+int swap_back(const char* backup, const char* target) {
+    if (!exchange_files(backup, target))
+        return 0;
+    if (is_merged_file(backup))
+        return delete_file(backup);
+    (void)exchange_files(backup, target);
+    return 0;
+}
+
+// The same in two steps, for file systems that cannot exchange.
+int move_back(const char* backup, const char* target) {
+    char aside[PATH_SIZE];
+    if (!is_merged_file(target) || !format_text(aside, sizeof aside, "%s.merged", backup) ||
+        !rename_to_new(target, aside))
+        return 0;
+    if (is_merged_file(aside) && rename_to_new(backup, target))
+        return delete_file(aside);
+    (void)rename_to_new(aside, target);
+    return 0;
+}
+
+}  // namespace
+
+bool merge_counts() {
+    return merge_backup.merge_backup_active && same_path(child[0].file_path, merge_backup.merge_restore_path);
+}
+
+int merge_file() {
+    set_file_dir();
+    Splice splice = {};
+    splice.merged = file_open(child[0].merge_path, FileAccess::READ);
+    if (splice.merged == NO_FILE)
+        return tell_merge_failure(child[0].merge_path);
+    const int merged = splice_file(&splice);
+    file_close(splice.merged);
+    if (merged) {
+        child[0].modified = 1;
+        close_document();
+    }
+    return merged;
+}
+
+void confirm_merge() {
+    if (!merge_counts())
+        return;
+    delete_file(merge_backup.merge_backup_path);
+    merge_backup.merge_backup_active = 0;
+}
+
+int undo_merge() {
+    if (!merge_counts())
+        return 0;
+    merge_backup.merge_backup_active = 0;
+    const char* backup = merge_backup.merge_backup_path;
+    char target[PATH_SIZE];
+    if (follow_links(merge_backup.merge_restore_path, target, sizeof target) &&
+        (swap_back(backup, target) || move_back(backup, target)))
+        return flush_folder_of(target);
+    show_store_box(StoreBox::MERGE_NOT_UNDONE, merge_backup.merge_restore_path, backup);
+    return 0;
+}
+
+}  // namespace hexlane

@@ -1,0 +1,28 @@
+// store_texts.h: every message box of the document store. A new one is a line here and in the table.
+#pragma once
+
+namespace hexlane {
+
+enum class StoreBox {
+    // Told texts.
+    ASK_NULLS,   // file
+    NOT_OPENED,  // file
+    // Our own.
+    NOT_OPENED_REASON,   // file, reason
+    NOT_INDEXED,         // file, reason
+    TOO_MANY_ROWS,       // file, limit
+    TOO_LARGE,           // file, limit
+    NULLS_NOT_STRIPPED,  // file, reason
+    NOT_SAVED,           // file, reason
+    SNAPSHOT_FAILED,     // reason
+    NOT_MERGED,          // file, reason
+    NO_MERGE_BACKUP,     // file, reason
+    MERGE_NOT_UNDONE,    // file, backup
+    ROW_NOT_STORED,      // file, reason
+    STORE_FAILED,        // file, reason
+};
+
+// Shows a box and gives the index of the button pressed.
+int show_store_box(StoreBox box, const char* first = "", const char* second = "");
+
+}  // namespace hexlane

@@ -1,0 +1,64 @@
+// temp_names.cpp: one counter gives all numbered names of the run.
+
+#include "store/temp_names.h"
+
+#include "frame/directories.h"
+#include "platform/process.h"
+#include "platform/text.h"
+#include "store/row_table.h"
+
+namespace hexlane {
+
+using namespace platform;
+
+namespace {
+
+int32_t name_counter = 0;  // the number given last; goes on through the run
+
+const char* separator_behind(const char* folder) {
+    std::size_t length = 0;
+    while (folder[length] != '\0')
+        length++;
+    return length == 0 || folder[length - 1] == '/' ? "" : "/";
+}
+
+}  // namespace
+
+FileHandle create_unique_file(const char* folder, const char* prefix, char* path) {
+    for (;;) {
+        if (!format_text(path, PATH_SIZE, "%s%s%s%d", folder, separator_behind(folder), prefix,
+                         ++name_counter)) {
+            set_last_file_error(FileError::NAME_TOO_LONG);
+            return NO_FILE;
+        }
+        FileHandle file = file_create(path, FileCreate::PRIVATE);
+        if (file != NO_FILE || last_file_error() != FileError::EXISTS)
+            return file;
+    }
+}
+
+void name_segment(int segment) {
+    char path[PATH_SIZE];
+    do {
+        format_text(segment_table[segment].file_name, sizeof segment_table[segment].file_name, "%s%d",
+                    directories.temp_prefix, ++name_counter);
+        format_text(path, sizeof path, "%s%s%s", directories.temp_dir, separator_behind(directories.temp_dir),
+                    segment_table[segment].file_name);
+    } while (path_kind(path) != PathKind::NONE);
+}
+
+void choose_temp_folder(const char* wanted, char* folder) {
+    char named[PATH_SIZE];
+    const char* candidates[] = {named, wanted, "/"};
+    environment_value("TMP", named, sizeof named);
+    for (const char* candidate : candidates) {
+        if (candidate[0] != '\0' && path_kind(candidate) == PathKind::FOLDER) {
+            // A relative TMP is taken from where the program was started.
+            if (absolute_path(candidate, folder, PATH_SIZE))
+                return;
+        }
+    }
+    copy_text(folder, PATH_SIZE, ".");
+}
+
+}  // namespace hexlane

@@ -1,0 +1,19 @@
+// temp_names.h: names for temporary files that no existing file has. Main thread only.
+#pragma once
+
+#include "platform/files.h"
+
+namespace hexlane {
+
+// Builds `folder`/`prefix``n` in path[PATH_SIZE] with the first free number of a counter that goes on through
+// the run, and makes the file, PRIVATE, open. Gives its handle, or NO_FILE on failure.
+// A folder may end in '/' or not.
+platform::FileHandle create_unique_file(const char* folder, const char* prefix, char* path);
+
+// Fills file_name of a segment with a name that is free in temp_dir.
+void name_segment(int segment);
+
+// Where temporary files go: the folder that TMP names if it exists, else `wanted`, else "/", else ".".
+void choose_temp_folder(const char* wanted, char* folder);
+
+}  // namespace hexlane

@@ -1,0 +1,35 @@
+# Checks of the code's own rules, included by tests/CMakeLists.txt. They run in the release build, once.
+if(NOT HEXLANE_DESKTOP)
+  return()
+endif()
+
+set(checks ${CMAKE_CURRENT_SOURCE_DIR}/checks)
+set(top ${PROJECT_SOURCE_DIR})
+
+add_test(NAME check.includes
+         COMMAND Python3::Interpreter ${checks}/check_includes.py ${checks}/includes.txt ${top}/src)
+
+add_test(NAME check.core_symbols
+         COMMAND Python3::Interpreter ${checks}/check_symbols.py ${CMAKE_NM} $<TARGET_FILE:hexlane_core>
+                 ${checks}/core_symbols.txt)
+
+find_program(CLANG_FORMAT NAMES clang-format-14 clang-format REQUIRED)
+add_test(NAME check.format COMMAND Python3::Interpreter ${checks}/check_format.py ${CLANG_FORMAT} ${top})
+
+add_test(NAME check.readme
+         COMMAND Python3::Interpreter ${checks}/check_readme.py $<TARGET_FILE:hexlane-script> ${top})
+
+add_test(NAME check.manual
+         COMMAND Python3::Interpreter ${checks}/check_manual.py $<TARGET_FILE:hexlane-script> ${top}/docs/manual.md)
+
+# Each header compiles alone, and twice in a row: one source file for each header, part of every build.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${top}/src ${top}/src/*.h)
+set(header_sources)
+foreach(header ${headers})
+  string(MAKE_C_IDENTIFIER ${header} name)
+  set(file ${CMAKE_CURRENT_BINARY_DIR}/headers/${name}.cpp)
+  file(CONFIGURE OUTPUT ${file} CONTENT "#include \"${header}\"\n#include \"${header}\"\n")
+  list(APPEND header_sources ${file})
+endforeach()
+add_library(headers_alone OBJECT ${header_sources})
+target_link_libraries(headers_alone PRIVATE hexlane_qt)

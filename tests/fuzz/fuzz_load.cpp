@@ -1,0 +1,73 @@
+// fuzz_load.cpp: any bytes at all are a document. Its rows are the pieces between LFs and NULs; a save
+// without an edit gives the same bytes back, but for the line end that a last row lacks.
+
+#include "frame/child.h"
+#include "fuzz_program.h"
+#include "store/row_table.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace hexlane;
+
+bool ends_row(char c) {
+    return c == '\n' || c == '\0';
+}
+
+std::vector<std::string> rows_shown(const std::string& bytes) {
+    std::vector<std::string> rows;
+    std::size_t begin = 0;
+    for (;;) {
+        const auto end =
+            std::find_if(bytes.begin() + static_cast<std::ptrdiff_t>(begin), bytes.end(), ends_row);
+        std::string row(bytes.begin() + static_cast<std::ptrdiff_t>(begin), end);
+        if (end != bytes.end() && *end == '\n' && !row.empty() && row.back() == '\r')
+            row.pop_back();
+        row.resize(std::min(row.find('\x1a'), row.size()));
+        row.resize(std::min<std::size_t>(row.size(), ROW_FETCH_MAX));
+        rows.push_back(row);
+        if (end == bytes.end())
+            return rows;
+        begin = static_cast<std::size_t>(end - bytes.begin()) + 1;
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const char* const ANSWERS[] = {"No", "Yes", "Cancel"};
+    if (size == 0)
+        return 0;
+    const std::string bytes(data + 1, data + size);
+    const std::string head = bytes.substr(0, NULL_TEST_BYTES);
+    const bool asked = std::count(head.begin(), head.end(), '\0') > NULL_TEST_LIMIT;
+    const char* answer = asked ? ANSWERS[data[0] % 3] : nullptr;
+    const bool open = fuzz::open_bytes(bytes, answer);
+    fuzz::require(open == (answer != ANSWERS[2]), "a document is open that should not be, or is not");
+    if (!open)
+        return 0;
+
+    const std::string before = fuzz::bytes_on_disk();
+    if (answer == ANSWERS[1])
+        fuzz::require(before.find('\0') == std::string::npos, "a NUL is left after the strip");
+    else
+        fuzz::require(before == (bytes.empty() ? "\r\n" : bytes), "opening has changed the file");
+
+    std::vector<std::string> rows = rows_shown(before);
+    const bool lacks_end = !rows.back().empty();
+    if (lacks_end)
+        rows.push_back("");
+    fuzz::check_table();
+    fuzz::require(child[0].last_file_row + 1 == std::ssize(rows), "the number of rows is wrong");
+    for (std::size_t row = 0; row < rows.size(); row++) {
+        fuzz::require(fetch_row(static_cast<int32_t>(row)) == 1, "a row can't be read");
+        fuzz::require(rows[row] == child[0].row_text, "a row shows another text");
+    }
+    fuzz::save_and_reload();
+    fuzz::require(fuzz::bytes_on_disk() == before + (lacks_end ? "\r\n" : ""),
+                  "a save has changed untouched bytes");
+    return 0;
+}

@@ -1,0 +1,30 @@
+// fuzz_program.h: the whole program on the desktop in memory, in a home of its own, for fuzzers that need a
+// document.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace hexlane::fuzz {
+
+// Ends the process with `what` when `holds` is false, so that the fuzzer keeps the input.
+void require(bool holds, const char* what);
+
+// Starts the program, at the first call.
+void start_program();
+
+// Closes the document, makes a file of these bytes and loads it; the question about NULs gets the button
+// `answer`. Gives whether a document is open.
+bool open_bytes(const std::string& bytes, const char* answer = "No");
+
+// The bytes of that file as they are on disk now.
+std::string bytes_on_disk();
+
+// Saves the document and loads it again.
+void save_and_reload();
+
+// The invariants of the row table.
+void check_table();
+
+}  // namespace hexlane::fuzz

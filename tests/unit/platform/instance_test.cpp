@@ -1,0 +1,331 @@
+// One running program for each home, with real second processes: who owns the socket, what passes on it, and
+// peers that are dead, silent, strange or somebody else's.
+
+#include "platform/posix/instance_server.h"
+#include "platform/posix/instance_socket.h"
+#include "temp_folder.h"
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <poll.h>
+#include <sys/fsuid.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace hexlane::platform {
+namespace {
+
+// A process of its own that runs `act` when it is let go, reports the result, and lives on until it is ended.
+// It must be made before the test claims anything itself, since it inherits what is claimed.
+class OtherProcess {
+public:
+    explicit OtherProcess(const std::function<int()>& act) {
+        int go_pipe[2];
+        int result_pipe[2];
+        if (pipe(go_pipe) != 0 || pipe(result_pipe) != 0 || (pid = fork()) < 0) {
+            std::abort();
+        }
+        if (pid == 0) {
+            close(go_pipe[1]);
+            close(result_pipe[0]);
+            char byte = 0;
+            if (::read(go_pipe[0], &byte, 1) == 1) {
+                const int result = act();
+                if (::write(result_pipe[1], &result, sizeof result) == sizeof result) {
+                    static_cast<void>(!::read(go_pipe[0], &byte, 1));  // until the test ends us
+                }
+            }
+            _exit(0);
+        }
+        close(go_pipe[0]);
+        close(result_pipe[1]);
+        go = go_pipe[1];
+        result_file = result_pipe[0];
+    }
+    OtherProcess(const OtherProcess&) = delete;
+    ~OtherProcess() { end(); }
+
+    void let_go() { EXPECT_EQ(::write(go, "x", 1), 1); }
+
+    // What `act` gave, -9 when the process died instead; until then the test serves peers if it is the owner.
+    int result() {
+        int value = -9;
+        for (;;) {
+            pollfd files[] = {{result_file, POLLIN, 0}, {instance_socket(), POLLIN, 0}};
+            if (poll(files, 2, 20'000) <= 0) {
+                ADD_FAILURE() << "nothing happens";
+                return value;
+            }
+            if (files[1].revents != 0) {
+                serve_instance();
+            }
+            if (files[0].revents != 0) {
+                static_cast<void>(!::read(result_file, &value, sizeof value));
+                return value;
+            }
+        }
+    }
+    int run() {
+        let_go();
+        return result();
+    }
+    void end() {
+        if (pid > 0) {
+            close(go);
+            close(result_file);
+            waitpid(pid, nullptr, 0);
+            pid = 0;
+        }
+    }
+
+private:
+    pid_t pid = 0;
+    int go = -1;
+    int result_file = -1;
+};
+
+std::vector<InstanceRequest> requests;
+
+class Instance : public TempFolder {
+protected:
+    Instance() {
+        const char* value = std::getenv("XDG_RUNTIME_DIR");
+        old_runtime = value != nullptr ? value : "";
+        std::filesystem::create_directory(path("run"));
+        std::filesystem::permissions(path("run"), std::filesystem::perms::owner_all);
+        std::filesystem::create_directory(path("home"));
+        setenv("XDG_RUNTIME_DIR", path("run").c_str(), 1);
+        requests.clear();
+        set_instance_handler([](InstanceRequest request) { requests.push_back(request); });
+    }
+    ~Instance() override {
+        release_instance_socket();
+        old_runtime.empty() ? unsetenv("XDG_RUNTIME_DIR") : setenv("XDG_RUNTIME_DIR", old_runtime.c_str(), 1);
+    }
+    int claim() { return claim_instance_socket(path("home").c_str()); }
+
+    std::string socket_path() {
+        for (const auto& entry : std::filesystem::directory_iterator(path("run"))) {
+            if (entry.is_socket()) {
+                return entry.path();
+            }
+        }
+        return "";
+    }
+    // Connects by hand, says `words` and gives what the owner answers until it closes.
+    std::string talk(const std::string& words, bool hang_up) {
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX;
+        socket_path().copy(address.sun_path, sizeof address.sun_path - 1);
+        const int peer = socket(AF_UNIX, SOCK_STREAM, 0);
+        if (connect(peer, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+            close(peer);
+            return "no connection";
+        }
+        send(peer, words.data(), words.size(), MSG_NOSIGNAL);
+        if (hang_up) {
+            shutdown(peer, SHUT_WR);
+        }
+        std::string answer;
+        char byte = 0;
+        while (recv(peer, &byte, 1, 0) == 1) {
+            answer += byte;
+        }
+        close(peer);
+        return answer;
+    }
+
+    std::string old_runtime;
+};
+
+TEST_F(Instance, SecondStartHandsOverAndWaitsUntilItIsDone) {
+    OtherProcess second([&] {
+        return claim() == 0 && ask_instance_owner("open\n") == Handover::DONE &&
+               ask_instance_owner("raise\n") == Handover::DONE;
+    });
+    OtherProcess elsewhere([&] { return claim_instance_socket(folder.c_str()); });
+    ASSERT_EQ(claim(), 1);
+    EXPECT_EQ(second.run(), 1);
+    EXPECT_EQ(requests, (std::vector<InstanceRequest>{InstanceRequest::OPEN, InstanceRequest::RAISE}));
+    EXPECT_EQ(elsewhere.run(), 1) << "another home is another program";
+}
+
+TEST_F(Instance, TheSameHomeUnderAnotherNameIsTheSame) {
+    std::filesystem::create_directory_symlink("home", path("link"));
+    OtherProcess second([&] { return claim_instance_socket(path("link").c_str()); });
+    ASSERT_EQ(claim(), 1);
+    EXPECT_EQ(second.run(), 0);
+}
+
+TEST_F(Instance, ReleaseAndCrashBothMakeWay) {
+    OtherProcess crashed([&] { return claim(); });
+    OtherProcess third([&] { return claim(); });
+    EXPECT_EQ(crashed.run(), 1);
+    EXPECT_EQ(claim(), 0);
+    crashed.end();
+    EXPECT_NE(socket_path(), "") << "the crash leaves its socket behind";
+    EXPECT_EQ(ask_instance_owner("raise\n"), Handover::REFUSED);
+    EXPECT_EQ(claim(), 1);
+    release_instance_socket();
+    EXPECT_EQ(socket_path(), "");
+    EXPECT_EQ(third.run(), 1);
+}
+
+// All find the same stale socket at once.
+TEST_F(Instance, OneOfManyStartsWins) {
+    OtherProcess crashed([&] { return claim(); });
+    std::vector<std::unique_ptr<OtherProcess>> starts;
+    for (int i = 0; i < 8; i++) {
+        starts.push_back(std::make_unique<OtherProcess>([&] { return claim(); }));
+    }
+    EXPECT_EQ(crashed.run(), 1);
+    crashed.end();
+    for (const auto& start : starts) {
+        start->let_go();
+    }
+    int owners = 0;
+    for (const auto& start : starts) {
+        const int claimed = start->result();
+        EXPECT_TRUE(claimed == 0 || claimed == 1) << claimed;
+        owners += claimed;
+    }
+    EXPECT_EQ(owners, 1);
+}
+
+TEST_F(Instance, NonsenseIsAnsweredByClosing) {
+    struct Case {
+        std::string words;
+        bool hang_up;
+        std::string answer;
+    };
+    const Case cases[] = {{"", true, ""},
+                          {"open", true, ""},
+                          {"\n", false, ""},
+                          {"OPEN\n", false, ""},
+                          {"openly\n", false, ""},
+                          {std::string("open\0\n", 6), false, ""},
+                          {std::string(500, 'x'), false, ""},
+                          {"open\n", true, "accepted\ndone\n"}};
+    for (const Case& c : cases) {
+        OtherProcess peer([&] { return talk(c.words, c.hang_up) == c.answer; });
+        ASSERT_EQ(claim(), 1);
+        EXPECT_EQ(peer.run(), 1) << c.words;
+        release_instance_socket();
+    }
+    EXPECT_EQ(requests.size(), 1U);
+}
+
+TEST_F(Instance, SilentPeersDelayNeitherSideLong) {
+    using Clock = std::chrono::steady_clock;
+    const auto limit = std::chrono::milliseconds(INSTANCE_WAIT_MS + 1500);
+    OtherProcess silent([&] { return talk("ope", false).empty(); });  // never says the rest, never hangs up
+    OtherProcess asker([&] { return static_cast<int>(ask_instance_owner("open\n")); });
+    OtherProcess deaf([&] { return claim(); });  // owns the socket and never serves it
+
+    EXPECT_EQ(deaf.run(), 1);
+    EXPECT_EQ(claim(), 0);
+    auto start = Clock::now();
+    EXPECT_EQ(ask_instance_owner("open\n"), Handover::HUNG);
+    EXPECT_LT(Clock::now() - start, limit);
+    deaf.end();
+
+    ASSERT_EQ(claim(), 1);
+    start = Clock::now();
+    EXPECT_EQ(silent.run(), 1);
+    EXPECT_LT(Clock::now() - start, limit);
+    EXPECT_TRUE(requests.empty());
+}
+
+TEST_F(Instance, AnOwnerThatDiesAfterAcceptingIsNoticed) {
+    OtherProcess owner([&] {
+        set_instance_handler([](InstanceRequest) { _exit(1); });
+        claim();
+        pollfd waiting = {instance_socket(), POLLIN, 0};
+        poll(&waiting, 1, 20'000);
+        serve_instance();  // the claim of the other side, which says nothing
+        poll(&waiting, 1, 20'000);
+        serve_instance();
+        return 0;
+    });
+    owner.let_go();
+    while (socket_path().empty() || claim() == 1) {  // until it listens
+        release_instance_socket();
+    }
+    EXPECT_EQ(ask_instance_owner("open\n"), Handover::REFUSED);
+    EXPECT_EQ(owner.result(), -9);
+}
+
+// While the questions of one request are up, a second file is refused, and raising works.
+TEST_F(Instance, RequestsDuringARequest) {
+    static OtherProcess* inner_open;
+    static OtherProcess* inner_raise;
+    const auto ask = [&](const char* word) {
+        return claim() == 0 ? static_cast<int>(ask_instance_owner(word)) : -5;
+    };
+    OtherProcess outer([&] { return ask("open\n"); });
+    OtherProcess open_meanwhile([&] { return ask("open\n"); });
+    OtherProcess raise_meanwhile([&] { return ask("raise\n"); });
+    inner_open = &open_meanwhile;
+    inner_raise = &raise_meanwhile;
+    set_instance_handler([](InstanceRequest request) {
+        requests.push_back(request);
+        if (request == InstanceRequest::OPEN) {
+            EXPECT_EQ(inner_open->run(), static_cast<int>(Handover::REFUSED));
+            EXPECT_EQ(inner_raise->run(), static_cast<int>(Handover::DONE));
+        }
+    });
+    ASSERT_EQ(claim(), 1);
+    EXPECT_EQ(outer.run(), static_cast<int>(Handover::DONE));
+    EXPECT_EQ(requests, (std::vector<InstanceRequest>{InstanceRequest::OPEN, InstanceRequest::RAISE}));
+}
+
+// Another user who got as far as the socket (here: one who can still look into our folder) is sent away
+// unheard.
+TEST_F(Instance, PeersOfAnotherUserAreRefused) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can play another user";
+    }
+    OtherProcess stranger([&] {
+        const std::string before = socket_path();
+        if (seteuid(65534) != 0) {
+            return -1;
+        }
+        setfsuid(0);
+        return before.empty() || talk("open\n", false) != "" ? 0 : 1;
+    });
+    ASSERT_EQ(claim(), 1);
+    EXPECT_EQ(stranger.run(), 1);
+    EXPECT_TRUE(requests.empty());
+}
+
+TEST_F(Instance, AFolderOpenToOthersIsNotUsed) {
+    const std::string own_folder = "/tmp/hexlane-" + std::to_string(geteuid());
+    const auto names = [&] {
+        std::vector<std::filesystem::path> all;
+        if (std::filesystem::exists(own_folder)) {
+            for (const auto& entry : std::filesystem::directory_iterator(own_folder)) {
+                all.push_back(entry.path());
+            }
+        }
+        return all;
+    };
+    const auto before = names();
+    std::filesystem::permissions(path("run"),
+                                 std::filesystem::perms::owner_all | std::filesystem::perms::group_read);
+    EXPECT_EQ(claim(), 1);
+    EXPECT_TRUE(std::filesystem::is_empty(path("run")));
+    release_instance_socket();
+    for (const auto& name : names()) {
+        if (std::find(before.begin(), before.end(), name) == before.end()) {
+            std::filesystem::remove(name);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace hexlane::platform
