@@ -118,8 +118,10 @@ Ending press_enter(int) {
     const bool was_last = child[0].current_row == child[0].last_file_row;
     if (!commit_pending_in_place())
         return Ending::REFUSED;
-    if (!child[0].overwrite_mode && !split_row(child[0].current_row, index))
+    if (!child[0].overwrite_mode && !split_row(child[0].current_row, index)) {
+        paint_view();
         return Ending::REFUSED;
+    }
     // A row of text that was typed into the end row must not stay the last one.
     if (was_last && !row_is_empty(child[0].last_file_row))
         add_end_row(true);

@@ -46,15 +46,16 @@ int flush_buffer(Walk* walk) {
     return size == 0 || replacement_write(walk->output, copy_buffer, size);
 }
 
-int make_room(Walk* walk, int32_t size) {
-    return walk->buffered + size <= COPY_BUFFER_SIZE || flush_buffer(walk);
-}
-
 int put_bytes(Walk* walk, const char* bytes, int32_t size) {
-    if (!make_room(walk, size))
-        return 0;
-    std::memcpy(copy_buffer + walk->buffered, bytes, static_cast<std::size_t>(size));
-    walk->buffered += size;
+    while (size > 0) {
+        if (walk->buffered == COPY_BUFFER_SIZE && !flush_buffer(walk))
+            return 0;
+        const int32_t now = std::min(size, COPY_BUFFER_SIZE - walk->buffered);
+        std::memcpy(copy_buffer + walk->buffered, bytes, static_cast<std::size_t>(now));
+        walk->buffered += now;
+        bytes += now;
+        size -= now;
+    }
     return 1;
 }
 

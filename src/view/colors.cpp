@@ -94,7 +94,7 @@ void make_default_colors() {
 }
 
 void command_enable_colors() {
-    if (child[0].changes_colored || !child[0].colors_enabled) {
+    if (!child[0].colors_enabled) {
         child[0].colors_enabled = 1;
         child[0].changes_colored = 0;
         load_colors();
@@ -106,7 +106,7 @@ void command_enable_colors() {
 }
 
 void command_color_edit_changes() {
-    if (child[0].colors_enabled || !child[0].changes_colored) {
+    if (!child[0].changes_colored) {
         child[0].colors_enabled = 0;
         child[0].changes_colored = 1;
         blacken_letters_and_comments();

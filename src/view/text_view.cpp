@@ -106,19 +106,12 @@ int32_t top_row() {
     return child[0].current_row - child[0].caret_row;
 }
 
-void keep_caret_in_view() {
-    child[0].caret_row = std::min(child[0].caret_row, child[0].window_rows);
-}
-
 void paint_rows(int32_t first_row, int32_t last_y, int32_t cols, int32_t first_y) {
     if (!child[0].block_active)
         set_caret_visible(false);
     int32_t row = first_row;
-    for (int32_t y = first_y; y <= last_y; ++y) {
+    for (int32_t y = first_y; y <= last_y; ++y, ++row)
         paint_document_row(row, y, cols, child[0].block_active && holds_row(block, row));
-        if (row <= child[0].last_file_row)
-            ++row;
-    }
     end_painting(row);
     update_scrollbar(child[0].main_window);
 }

@@ -12,9 +12,6 @@ namespace hexlane {
 // The document row at screen row 0.
 int32_t top_row();
 
-// Brings caret_row back into the view when the window has become lower; the caret keeps its document row.
-void keep_caret_in_view();
-
 // Repaints screen rows first_y to last_y with document rows from first_row on, over `cols` cells; then the
 // position and the scroll bar, by current_row as it stands.
 void paint_rows(int32_t first_row, int32_t last_y, int32_t cols, int32_t first_y);

@@ -45,6 +45,13 @@ void set_row_text(const std::string& text) {
     text.copy(child[0].row_text, sizeof child[0].row_text - 1);
 }
 
+// A deletion may put an empty row behind a last row with text; when it does depends on what stood there
+// before.
+void take_end_row(Rows* rows) {
+    if (child[0].last_file_row == std::ssize(*rows) && !rows->back().empty())
+        rows->emplace_back();
+}
+
 // The file that the session begins with: rows with either line end, some of them longer than the editor
 // shows.
 std::string first_file(Bytes* bytes) {
@@ -100,6 +107,7 @@ void join(Rows* rows, Bytes* bytes) {
     rows->erase(rows->begin() + static_cast<std::ptrdiff_t>(row) + 1);
     if (row + 1 == rows->size() && !rows->back().empty())
         rows->emplace_back();
+    take_end_row(rows);
 }
 
 void remove(Rows* rows, Bytes* bytes) {
@@ -109,9 +117,9 @@ void remove(Rows* rows, Bytes* bytes) {
                   "a deletion fails");
     const auto place = rows->begin() + static_cast<std::ptrdiff_t>(row);
     rows->erase(place, place + static_cast<std::ptrdiff_t>(count));
-    const bool end_row_added = child[0].last_file_row + 1 == std::ssize(*rows) + 1;
-    if (rows->empty() || (end_row_added && !rows->back().empty()))
+    if (rows->empty())
         rows->emplace_back();
+    take_end_row(rows);
 }
 
 void change(Rows* rows, Bytes* bytes) {

@@ -59,7 +59,11 @@ void drop_old_segments() {
         std::filesystem::remove(entry.path());
 }
 
-void load() {
+void load(const char* answer) {
+    platform::forget_shown_boxes();
+    platform::forget_shown_lines();
+    if (answer != nullptr)
+        platform::answer_box(answer);
     close_document();
     drop_old_segments();
     const std::string path = document_path().string();
@@ -68,6 +72,7 @@ void load() {
     set_file_dir();
     child[0].modified = 0;
     load_file();
+    require(platform::unused_answers() == 0, "the question about NULs has not come");
 }
 
 }  // namespace
@@ -89,12 +94,7 @@ bool open_bytes(const std::string& bytes, const char* answer) {
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     require(static_cast<bool>(out.flush()), "the fuzzer's own file can't be written");
     out.close();
-    platform::forget_shown_boxes();
-    platform::forget_shown_lines();
-    if (answer != nullptr)
-        platform::answer_box(answer);
-    load();
-    require(platform::unused_answers() == 0, "the question about NULs has not come");
+    load(answer);
     return child[0].file_open != 0;
 }
 
@@ -103,9 +103,9 @@ std::string bytes_on_disk() {
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-void save_and_reload() {
+void save_and_reload(const char* answer) {
     require(save_file() == 1, "a save fails");
-    load();
+    load(answer);
     require(child[0].file_open != 0, "what was saved can't be loaded");
 }
 

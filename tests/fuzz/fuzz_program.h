@@ -14,15 +14,15 @@ void require(bool holds, const char* what);
 // Starts the program, at the first call.
 void start_program();
 
-// Closes the document, makes a file of these bytes and loads it; the question about NULs gets the button
-// `answer`. Gives whether a document is open.
-bool open_bytes(const std::string& bytes, const char* answer = "No");
+// Closes the document, makes a file of these bytes and loads it. `answer` is the button for the question
+// about NULs, nullptr when it will not come. Gives whether a document is open.
+bool open_bytes(const std::string& bytes, const char* answer = nullptr);
 
 // The bytes of that file as they are on disk now.
 std::string bytes_on_disk();
 
-// Saves the document and loads it again.
-void save_and_reload();
+// Saves the document and loads it again; `answer` as above.
+void save_and_reload(const char* answer = nullptr);
 
 // The invariants of the row table.
 void check_table();

@@ -29,12 +29,16 @@ bool environment_has(const char* name) {
     return !qEnvironmentVariableIsEmpty(name);
 }
 
-// Qt gives up by a fatal message when it finds no display. Only this handler can turn that into a plain
-// answer.
-void tell_start_failure(QtMsgType type, const QMessageLogContext&, const QString& text) {
+// Qt gives up by a fatal message when it finds no display; only this handler can turn that into a plain
+// answer. The reason stands in the first warning of its platform part.
+void tell_start_failure(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    static QString reason;
+    if (reason.isEmpty() && type == QtWarningMsg && QByteArray(context.category).startsWith("qt.qpa")) {
+        reason = text;
+    }
     if (type == QtFatalMsg) {
-        std::fprintf(stderr, "hexlane: no display can be used (%s)\n",
-                     qPrintable(text.section('\n', 0, 0).trimmed()));
+        std::fprintf(stderr, "hexlane: no display can be used: %s\n",
+                     qPrintable(reason.isEmpty() ? text : reason));
         std::_Exit(1);
     }
 }
@@ -110,7 +114,7 @@ void watch_instance_socket() {
     QObject::connect(instance_watch.get(), &QSocketNotifier::activated, [] { serve_instance(); });
 }
 
-// Wayland needs nothing here: its compositor takes a frame as it is committed.
+// On Wayland Qt has no such call; there a long run's counts may come late.
 void flush_display() {
     auto* x11 = application->nativeInterface<QNativeInterface::QX11Application>();
     using FlushCall = int (*)(void*);

@@ -16,8 +16,9 @@ namespace hexlane::platform {
 namespace {
 
 constexpr qreal POINTS_PER_INCH = 72.0;
-constexpr int SMALLEST_PIXEL_SIZE = 6;
-constexpr qreal USUAL_POINT_SIZE = 10.0;
+constexpr qreal LEAST_POINT_SIZE = 10.0;  // a program is read from further away than a letter
+constexpr uint8_t FIRST_PRINTABLE = 0x20;
+constexpr int CONTROL_LETTERS = '@';  // of the control 0; the others follow
 
 QColor screen_color(Color color) {
     return {static_cast<int>(color & 0xFF), static_cast<int>(color >> 8 & 0xFF),
@@ -26,11 +27,9 @@ QColor screen_color(Color color) {
 
 // Size of the desktop's fixed-pitch font in device pixels.
 int pixel_size(const QFont& font, qreal ratio, qreal dpi) {
-    qreal logical = font.pixelSize();
-    if (logical <= 0) {
-        logical = (font.pointSizeF() > 0 ? font.pointSizeF() : USUAL_POINT_SIZE) * dpi / POINTS_PER_INCH;
-    }
-    return std::max(static_cast<int>(std::lround(logical * ratio)), SMALLEST_PIXEL_SIZE);
+    const qreal least = LEAST_POINT_SIZE * dpi / POINTS_PER_INCH;
+    const qreal told = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * dpi / POINTS_PER_INCH;
+    return static_cast<int>(std::lround(std::max(told, least) * ratio));
 }
 
 // A byte that the font has no glyph for comes from another font, made narrower where it is too wide.
@@ -44,6 +43,32 @@ void paint_foreign_cell(QPainter* painter, const CellFont& cells, const QString&
     painter->setFont(cells.font);
     painter->drawText(QPointF(0, 0), text);
     painter->restore();
+}
+
+// A byte that no font shows: a frame, and in it the letter of a control's Ctrl key.
+void paint_framed_cell(QPainter* painter, const CellFont& cells, uint8_t byte, const QPoint& corner) {
+    const int line = std::max(1, cells.width / CELL_WIDTH);
+    const QRect frame(corner.x(), corner.y() + cells.height / 8, cells.width - line,
+                      cells.height - cells.height / 4);
+    const QColor ink = painter->pen().color();
+    painter->fillRect(frame.x(), frame.y(), frame.width(), line, ink);
+    painter->fillRect(frame.x(), frame.bottom() + 1 - line, frame.width(), line, ink);
+    painter->fillRect(frame.x(), frame.y(), line, frame.height(), ink);
+    painter->fillRect(frame.right() + 1 - line, frame.y(), line, frame.height(), ink);
+    if (byte < FIRST_PRINTABLE) {
+        QFont small = cells.font;
+        small.setPixelSize(std::max(1, cells.font.pixelSize() * 2 / 3));
+        painter->setFont(small);
+        painter->drawText(frame, Qt::AlignCenter, QChar(CONTROL_LETTERS + byte));
+    }
+}
+
+void paint_other_cell(QPainter* painter, const CellFont& cells, uint8_t byte, const QPoint& corner) {
+    if (cells.texts[byte].isEmpty()) {
+        paint_framed_cell(painter, cells, byte, corner);
+    } else {
+        paint_foreign_cell(painter, cells, cells.texts[byte], corner);
+    }
 }
 
 // Cells `first` to `last` of one row, all of one ink and one paper.
@@ -60,7 +85,7 @@ void paint_run(QPainter* painter, const CellFont& cells, const Cell* row, int y,
             continue;
         }
         if (cells.glyphs[byte] == 0) {
-            paint_foreign_cell(painter, cells, cells.texts[byte], {col * cells.width, y});
+            paint_other_cell(painter, cells, byte, {col * cells.width, y});
             continue;
         }
         glyphs.append(cells.glyphs[byte]);
@@ -87,11 +112,13 @@ void make_cell_font(CellFont* cells, qreal ratio, qreal dpi) {
     cells->width = std::max(1, static_cast<int>(std::lround(metrics.horizontalAdvance(QLatin1Char('0')))));
     cells->baseline = static_cast<int>(std::lround(metrics.ascent()));
     cells->height = cells->baseline + std::max(1, static_cast<int>(std::lround(metrics.descent())));
+    const QFontMetrics all_fonts(cells->font);
     for (std::size_t byte = 0; byte < cells->glyphs.size(); byte++) {
         const char32_t code_point = byte_to_unicode(static_cast<uint8_t>(byte));
-        cells->texts[byte] = QString::fromUcs4(&code_point, 1);
-        const QList<quint32> found = cells->outlines.glyphIndexesForString(cells->texts[byte]);
+        const QString text = QString::fromUcs4(&code_point, 1);
+        const QList<quint32> found = cells->outlines.glyphIndexesForString(text);
         cells->glyphs[byte] = found.size() == 1 ? found[0] : 0;
+        cells->texts[byte] = all_fonts.inFontUcs4(code_point) ? text : QString();
     }
 }
 

@@ -24,7 +24,7 @@ struct CellFont {
     int baseline = 0;                   // below the cell's top, device pixels
     qreal ratio = 0;                    // device pixels per logical one that it was made for
     std::array<quint32, 256> glyphs{};  // by byte; 0 where the font has none
-    std::array<QString, 256> texts;     // by byte, for those
+    std::array<QString, 256> texts;     // by byte; empty where no font of the system has a glyph
 };
 
 // Makes the font for a screen with `ratio` device pixels to a logical one and `dpi` logical pixels to the

@@ -1,5 +1,6 @@
 // file_dialogs.cpp: Qt's own file dialog, with the questions and refusals that all desktops share.
 
+#include <QComboBox>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLineEdit>
@@ -31,13 +32,14 @@ protected:
     void accept() override;
 
 private:
+    void offer_filters();
     int filter_on_show() const;
 
     FileDialog* spec;
     SettleFile settle;
-    QStringList filters;
     bool has_custom;
     QLineEdit* name_field;
+    QComboBox* type_list;
 };
 
 ProgramFileDialog::ProgramFileDialog(FileDialog* dialog, SettleFile settle_file)
@@ -50,24 +52,39 @@ ProgramFileDialog::ProgramFileDialog(FileDialog* dialog, SettleFile settle_file)
     if (dialog->start_folder != nullptr && *dialog->start_folder != '\0') {
         setDirectory(QString::fromUtf8(dialog->start_folder));
     }
-    if (has_custom) {
-        filters.append(name_filter(dialog->custom_text, dialog->custom_pattern));
-    }
-    for (int i = 0; i < dialog->filter_count; i++) {
-        filters.append(name_filter(dialog->filters[i].text, dialog->filters[i].pattern));
-    }
-    setNameFilters(filters);
-    const int shown = dialog->filter_index - (has_custom ? 0 : 1);
-    if (shown >= 0 && shown < filters.size()) {
-        selectNameFilter(filters[shown]);
-    }
+    offer_filters();
     name_field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
     name_field->setAccessibleName(QStringLiteral("File name"));
 }
 
 int ProgramFileDialog::filter_on_show() const {
-    const auto index = static_cast<int>(filters.indexOf(selectedNameFilter()));
-    return index < 0 ? spec->filter_index : index + (has_custom ? 0 : 1);
+    return type_list->currentIndex() + (has_custom ? 0 : 1);
+}
+
+// Qt tidies the blanks in the entries, so their texts are put in again. The entry on show is known by its
+// place.
+void ProgramFileDialog::offer_filters() {
+    QStringList patterns;
+    QStringList texts;
+    const auto offer = [&](const char* text, const char* pattern) {
+        patterns.append(name_filter(text, pattern));
+        texts.append(QString::fromUtf8(text));
+    };
+    if (has_custom) {
+        offer(spec->custom_text, spec->custom_pattern);
+    }
+    for (int i = 0; i < spec->filter_count; i++) {
+        offer(spec->filters[i].text, spec->filters[i].pattern);
+    }
+    setNameFilters(patterns);
+    const int shown = spec->filter_index - (has_custom ? 0 : 1);
+    if (shown >= 0 && shown < patterns.size()) {
+        selectNameFilter(patterns[shown]);
+    }
+    type_list = findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+    for (int i = 0; i < texts.size(); i++) {
+        type_list->setItemText(i, texts[i]);
+    }
 }
 
 // A folder is entered; anything else is settled, and the dialog stays up until that succeeds.

@@ -15,6 +15,7 @@
 #include <QStyle>
 #include <QTextBlock>
 #include <QTextBrowser>
+#include <QTextFrame>
 #include <QToolBar>
 
 #include "platform/desktop.h"
@@ -95,6 +96,10 @@ HelpWindow::HelpWindow() {
     if (manual.open(QIODevice::ReadOnly)) {
         text->setMarkdown(QString::fromUtf8(manual.readAll()));
     }
+    // So that the last page can stand at the top of the window as well.
+    QTextFrameFormat page = text->document()->rootFrame()->frameFormat();
+    page.setBottomMargin(WINDOW_HEIGHT);
+    text->document()->rootFrame()->setFrameFormat(page);
     auto* splitter = new QSplitter;
     splitter->addWidget(contents);
     splitter->addWidget(text);

@@ -51,9 +51,6 @@ MainWindow::MainWindow(const MainWindowSpec& spec) {
     text->measure();
     const int across = bar->sizeHint().width();
     client->setMinimumSize(text->logical_width(LEAST_COLS) + across, text->logical_height(LEAST_ROWS));
-    const QSize room = screen()->availableSize() * 9 / 10;
-    resize(std::min(text->logical_width(FIRST_COLS) + across, room.width()),
-           std::min(text->logical_height(FIRST_ROWS) + menuBar()->sizeHint().height(), room.height()));
 }
 
 void MainWindow::make_scroll_bar(QWidget* client) {
@@ -144,6 +141,10 @@ void MainWindow::tell_size(int width, int height) {
 }
 
 void MainWindow::show_first() {
+    const QSize room = screen()->availableSize() * 9 / 10;
+    const QSize wanted(text->logical_width(FIRST_COLS) + bar->sizeHint().width(),
+                       text->logical_height(FIRST_ROWS) + menuBar()->sizeHint().height());
+    resize(wanted.boundedTo(room));
     show();
     connect(windowHandle(), &QWindow::screenChanged, this, [this] { lay_out(); });
     on_show = true;

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QProxyStyle>
+#include <QStyleOption>
 #include <QTimer>
 
 #include "platform/qt/dispatch.h"
@@ -34,6 +35,19 @@ public:
         default:
             return QProxyStyle::styleHint(hint, option, widget, data);
         }
+    }
+
+    // Some styles show only an open popup; after Alt the keys' place must be seen as well.
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (element != CE_MenuBarItem || item == nullptr || !(item->state & State_Selected)) {
+            QProxyStyle::drawControl(element, option, painter, widget);
+            return;
+        }
+        QStyleOptionMenuItem chosen(*item);
+        chosen.state |= State_Sunken;
+        QProxyStyle::drawControl(element, &chosen, painter, widget);
     }
 };
 
@@ -144,7 +158,6 @@ const char* menu_hint(int id) {
 
 void open_first_menu() {
     if (menu_bar != nullptr && !menu_bar->actions().isEmpty()) {
-        menu_bar->setFocus(Qt::MenuBarFocusReason);
         menu_bar->setActiveAction(menu_bar->actions().constFirst());
     }
 }

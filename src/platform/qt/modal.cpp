@@ -16,32 +16,38 @@ std::vector<QDialog*> modals;  // the topmost one last
 }  // namespace
 
 QWidget* modal_parent() {
-    if (!modals.empty()) {
+    if (!modals.empty() && modals.back()->isVisible()) {
         return modals.back();
     }
     MainWindow* window = main_window();
     return window != nullptr && window->isVisible() && !window->isMinimized() ? window : nullptr;
 }
 
-int run_modal(QDialog* dialog) {
+ModalScope::ModalScope(QDialog* dialog) : shown(dialog) {
     if (modals.empty()) {
         if (MainWindow* window = main_window()) {
             window->lose_focus();
         }
         suspend_wait_pointer();
     }
-    modals.push_back(dialog);
-    dialog->setWindowModality(Qt::ApplicationModal);
-    const int result = dialog->exec();
-    dialog->hide();
-    std::erase(modals, dialog);
+    modals.push_back(shown);
+    shown->setWindowModality(Qt::ApplicationModal);
+}
+
+ModalScope::~ModalScope() {
+    shown->hide();
+    std::erase(modals, shown);
     if (modals.empty()) {
         resume_wait_pointer();
         if (MainWindow* window = main_window()) {
             window->gain_focus();
         }
     }
-    return result;
+}
+
+int run_modal(QDialog* dialog) {
+    const ModalScope scope(dialog);
+    return dialog->exec();
 }
 
 bool modal_is_up() {

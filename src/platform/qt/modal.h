@@ -10,8 +10,20 @@ namespace hexlane::platform {
 // that is not to be seen, since its dialogs would not be either.
 QWidget* modal_parent();
 
-// Shows `dialog` and runs until it is closed; gives its result. The first one takes the focus from the main
-// window, the last one gives it back.
+// A dialog is modal from here to the end of the scope. The first one takes the focus from the main window,
+// the last one gives it back.
+class ModalScope {
+public:
+    explicit ModalScope(QDialog* dialog);
+    ~ModalScope();
+    ModalScope(const ModalScope&) = delete;
+    ModalScope& operator=(const ModalScope&) = delete;
+
+private:
+    QDialog* shown;
+};
+
+// Shows `dialog` in a scope of its own and runs until it is closed; gives its result.
 int run_modal(QDialog* dialog);
 
 bool modal_is_up();

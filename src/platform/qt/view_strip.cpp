@@ -17,7 +17,9 @@ namespace {
 constexpr int EDGE = 6;  // logical pixels at both ends
 constexpr int GAP = 5;   // between fields
 constexpr int PICTURE_SIZE = 10;
-constexpr char OWN_TEXT[] = "own_text";  // property of a label: what it shows without a hint
+constexpr int NARROW_FIELD = 60;               // dialog units: fields up to this width never get narrower
+constexpr int DIALOG_UNITS_PER_CHARACTER = 4;  // across
+constexpr char OWN_TEXT[] = "own_text";        // property of a label: what it shows without a hint
 
 QLabel* make_field(const ControlSpec& spec, QWidget* strip) {
     auto* label = new QLabel(strip);
@@ -36,6 +38,10 @@ QLabel* make_field(const ControlSpec& spec, QWidget* strip) {
     QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     policy.setRetainSizeWhenHidden(true);
     label->setSizePolicy(policy);
+    if (spec.width <= NARROW_FIELD) {
+        label->setMinimumWidth(spec.width * label->fontMetrics().averageCharWidth() /
+                               DIALOG_UNITS_PER_CHARACTER);
+    }
     label->setFixedHeight(label->fontMetrics().height() + 2 * label->frameWidth() + 4);
     label->setVisible(!(spec.flags & CONTROL_HIDDEN));
     return label;

@@ -135,9 +135,12 @@ int view_run(ViewHandle handle) {
     if (view == nullptr || view->dialog == nullptr || view->dialog->isVisible()) {
         return -1;
     }
-    call_window(handle, WM_INITDIALOG, 0, 0);
-    if (!view->ended) {
-        run_modal(view->dialog);
+    {
+        const ModalScope scope(view->dialog);
+        call_window(handle, WM_INITDIALOG, 0, 0);
+        if (!view->ended) {
+            view->dialog->exec();
+        }
     }
     const int result = view->result;
     delete view->dialog;

@@ -11,7 +11,6 @@
 #include "platform/scripted/script_files.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace hexlane::platform {
 
@@ -61,14 +60,24 @@ void send_accelerator(int command) {
     }
 }
 
-// With Alt a key that is no accelerator belongs to the menu bar, and the program hears nothing of it.
-void send_key_down(const KeyEntry* entry, int modifiers) {
+KeyPlan plan_of(const KeyEntry* entry, int modifiers) {
     const std::vector<Accelerator>& accelerators = desktop.main.accelerators;
-    const KeyPlan plan =
-        plan_key(entry, modifiers, accelerators.data(), static_cast<int>(accelerators.size()));
+    return plan_key(entry, modifiers, accelerators.data(), static_cast<int>(accelerators.size()));
+}
+
+// F10, and a key with Alt that is no accelerator: the program hears nothing of it.
+bool belongs_to_menu_bar(const KeyEntry* entry, int modifiers) {
+    constexpr int VK_F10 = VK_F1 + 9;
+    const bool alone = modifiers == 0 && entry->key == VK_F10;
+    return !plan_of(entry, modifiers).taken && (alone || (modifiers & KEY_WITH_ALT) != 0);
+}
+
+// Key down and character are one event: nothing is served between them.
+void send_key_down(const KeyEntry* entry, int modifiers) {
+    const KeyPlan plan = plan_of(entry, modifiers);
     if (plan.command != 0) {
         send_accelerator(plan.command);
-    } else if (!plan.taken && (modifiers & KEY_WITH_ALT) == 0) {
+    } else if (!plan.taken) {
         const int64_t second = key_parameter(entry, 1, false);
         send(WM_KEYDOWN, entry->key, second);
         if (plan.character >= 0) {
@@ -85,6 +94,7 @@ void press_key_in_window(const KeyEntry* entry, int modifiers) {
     const auto in_window = [openings] {
         return desktop.modal_openings == openings && desktop.main.has_focus;
     };
+    const bool for_menu_bar = belongs_to_menu_bar(entry, modifiers);
     const int held[] = {modifiers & KEY_WITH_SHIFT ? VK_SHIFT : 0,
                         modifiers & KEY_WITH_CTRL ? VK_CONTROL : 0};
     for (const int key : held) {
@@ -92,10 +102,10 @@ void press_key_in_window(const KeyEntry* entry, int modifiers) {
             send_modifier(key, false);
         }
     }
-    if (in_window()) {
+    if (!for_menu_bar && in_window()) {
         send_key_down(entry, modifiers);
     }
-    if (in_window() && (modifiers & KEY_WITH_ALT) == 0) {
+    if (!for_menu_bar && in_window()) {
         send(WM_KEYUP, entry->key, key_parameter(entry, 1, true));
         serve_messages();
     }

@@ -79,15 +79,21 @@ Refusal find_usable(const ControlName& name, Kinds kinds, Control** found) {
                                 : "";
 }
 
-// Moves the focus to a control. A field with a bad value tells so and keeps it: gives false, and the act
-// ends.
+bool value_is_good(const Control& control) {
+    return control.spec->kind != ControlKind::FIELD || control.hidden || control.disabled ||
+           value_in_range(control.spec->rule, control.text.c_str());
+}
+
+// Moves the focus to a control. A field that is left with a bad value tells so and keeps it: gives false, and
+// the act ends. A button looks at all fields; a cancel button at none.
 bool focus_moves_to(const ControlSpec* to) {
     View* view = top_view();
+    const bool is_button = to->kind == ControlKind::BUTTON;
+    const bool cancels = (to->flags & CONTROL_CANCEL) != 0;
     for (const Control& control : view->controls) {
-        const bool leaves = control.spec->id == view->focus_id && control.spec != to &&
-                            control.spec->kind == ControlKind::FIELD && !control.disabled;
-        if (leaves && (to->flags & CONTROL_CANCEL) == 0 &&
-            !value_in_range(control.spec->rule, control.text.c_str())) {
+        const bool judged = is_button || (control.spec->id == view->focus_id && control.spec != to);
+        if (judged && !cancels && !value_is_good(control)) {
+            view->focus_id = control.spec->id;
             report_bad_value(control.spec->rule);
             return false;
         }

@@ -61,18 +61,24 @@ std::vector<std::string>& kept_lines() {
     return kept;
 }
 
-std::string escaped(std::string_view text) {
+std::string printable(std::string_view text) {
     std::string out;
     for (const char byte : text) {
         const unsigned b = static_cast<unsigned char>(byte);
-        if (byte == '\\') {
-            out += "\\\\";
-        } else if (b < 0x20 || b > 0x7E) {
+        if (b < 0x20 || b > 0x7E) {
             constexpr char DIGITS[] = "0123456789ABCDEF";
             out += {'\\', 'x', DIGITS[b >> 4], DIGITS[b & 15]};
         } else {
             out += byte;
         }
+    }
+    return out;
+}
+
+std::string escaped(std::string_view text) {
+    std::string out;
+    for (const char byte : text) {
+        out += byte == '\\' ? "\\\\" : printable(std::string_view(&byte, 1));
     }
     return out;
 }

@@ -14,7 +14,11 @@ void print_record();
 bool record_is_printed();
 std::vector<std::string>& kept_lines();
 
-// Bytes outside 0x20 to 0x7E as \xHH, a backslash as \\.
+// Bytes outside 0x20 to 0x7E as \xHH, the rest as it is: for text that is written in the form of the record
+// already.
+std::string printable(std::string_view text);
+
+// The same, and a backslash as \\.
 std::string escaped(std::string_view text);
 
 // The same between quotes, with a quote as \" and places of the run by their names (see name_place).

@@ -27,7 +27,7 @@ Clock::time_point start_time;
 
 [[noreturn]] void stop_at_line(const std::string& reason) {
     const std::string text =
-        "stopped at line " + std::to_string(acting_line) + ": " + escaped(with_place_names(reason));
+        "stopped at line " + std::to_string(acting_line) + ": " + printable(with_place_names(reason));
     record_line(text);
     std::fprintf(stderr, "hexlane-script: %s\n", text.c_str());
     std::exit(SCRIPT_STOPPED);

@@ -31,6 +31,9 @@ bool take_escape(const std::string& text, std::size_t* at, std::string* out) {
     case 'n':
         *out += '\n';
         return true;
+    case 'r':
+        *out += '\r';
+        return true;
     case 't':
         *out += '\t';
         return true;
@@ -65,7 +68,7 @@ std::string take_quoted(const std::string& text, std::size_t* at, Word* word) {
         if (c != '\\') {
             word->text += c;
         } else if (!take_escape(text, at, &word->text)) {
-            return "a backslash stands before something other than n t \" \\ or xHH";
+            return "a backslash stands before something other than n r t \" \\ or xHH";
         }
     }
     if (*at < text.size() && text[*at] == '/') {
@@ -79,15 +82,6 @@ std::string take_quoted(const std::string& text, std::size_t* at, Word* word) {
     return *at >= text.size() || is_blank(text[*at]) || text[*at] == '#'
                ? ""
                : "a blank is missing behind a quote";
-}
-
-// Bytes that are not printable ASCII, as everywhere in the record; the rest stands as it was written.
-std::string shown_bytes(const std::string& text) {
-    std::string out;
-    for (const char c : text) {
-        out += c == '\\' ? "\\" : escaped(std::string_view(&c, 1));
-    }
-    return out;
 }
 
 }  // namespace
@@ -117,7 +111,7 @@ std::string split_line(const std::string& text, ScriptLine* line) {
     while (start < end && is_blank(text[start])) {
         start++;
     }
-    line->shown = shown_bytes(text.substr(start, end - start));
+    line->shown = printable(text.substr(start, end - start));
     return fault;
 }
 

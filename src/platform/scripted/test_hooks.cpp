@@ -23,6 +23,7 @@ struct Answer {
 };
 
 std::deque<Answer> answers;
+std::string fallback_label;  // for boxes that find no answer ready; empty for none
 
 void must_apply(const Refusal& refusal) {
     if (!refusal.empty()) {
@@ -33,6 +34,11 @@ void must_apply(const Refusal& refusal) {
 // The first answer has to fit what is topmost; anything else is a wrong test or a wrong program.
 bool test_person() {
     const Modal* modal = top_modal();
+    if (modal != nullptr && answers.empty() && !fallback_label.empty() &&
+        modal->kind != ModalKind::FILE_DIALOG) {
+        must_apply(person_clicks({fallback_label, 1, -1}));
+        return true;
+    }
     if (modal == nullptr || answers.empty()) {
         return false;
     }
@@ -81,6 +87,7 @@ void reset_desktop() {
     desktop.rows = Desktop().rows;
     wipe_desktop();
     answers.clear();
+    fallback_label.clear();
     forget_shown_boxes();
     forget_shown_lines();
 }
@@ -89,6 +96,15 @@ void reset_desktop() {
 
 void answer_box(const char* label) {
     lay_ready({false, false, label, -1});
+}
+
+void answer_other_boxes(const char* label) {
+    fallback_label = label;
+    set_person(test_person);
+}
+
+void forget_answers() {
+    answers.clear();
 }
 
 void answer_file_dialog(const char* path, int filter) {

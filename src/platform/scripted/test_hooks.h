@@ -29,8 +29,12 @@ void answer_box(const char* label);
 void answer_file_dialog(const char* path, int filter = -1);
 void cancel_file_dialog();
 
+// Boxes that find no answer ready get this button; "" ends that. For runs in which any step may fail.
+void answer_other_boxes(const char* label);
+
 // Answers that nobody has asked for yet.
 int unused_answers();
+void forget_answers();
 
 // ---- What has been shown -----------------------------------------------------------------------------
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <poll.h>
@@ -20,8 +21,8 @@
 namespace hexlane::platform {
 namespace {
 
-// A process of its own that runs `act` when it is let go, reports the result, and lives on until it is ended.
-// It must be made before the test claims anything itself, since it inherits what is claimed.
+// A process of its own that runs `act` when it is let go, reports the result, and lives on until it is
+// killed. It must be made before the test claims anything itself, since it inherits what is claimed.
 class OtherProcess {
 public:
     explicit OtherProcess(const std::function<int()>& act) {
@@ -37,7 +38,7 @@ public:
             if (::read(go_pipe[0], &byte, 1) == 1) {
                 const int result = act();
                 if (::write(result_pipe[1], &result, sizeof result) == sizeof result) {
-                    static_cast<void>(!::read(go_pipe[0], &byte, 1));  // until the test ends us
+                    static_cast<void>(!::read(go_pipe[0], &byte, 1));  // until the test kills us
                 }
             }
             _exit(0);
@@ -76,6 +77,7 @@ public:
     }
     void end() {
         if (pid > 0) {
+            kill(pid, SIGKILL);
             close(go);
             close(result_file);
             waitpid(pid, nullptr, 0);
@@ -224,8 +226,7 @@ TEST_F(Instance, SilentPeersDelayNeitherSideLong) {
     using Clock = std::chrono::steady_clock;
     const auto limit = std::chrono::milliseconds(INSTANCE_WAIT_MS + 1500);
     OtherProcess silent([&] { return talk("ope", false).empty(); });  // never says the rest, never hangs up
-    OtherProcess asker([&] { return static_cast<int>(ask_instance_owner("open\n")); });
-    OtherProcess deaf([&] { return claim(); });  // owns the socket and never serves it
+    OtherProcess deaf([&] { return claim(); });                       // owns the socket and never serves it
 
     EXPECT_EQ(deaf.run(), 1);
     EXPECT_EQ(claim(), 0);
@@ -244,18 +245,20 @@ TEST_F(Instance, SilentPeersDelayNeitherSideLong) {
 TEST_F(Instance, AnOwnerThatDiesAfterAcceptingIsNoticed) {
     OtherProcess owner([&] {
         set_instance_handler([](InstanceRequest) { _exit(1); });
-        claim();
-        pollfd waiting = {instance_socket(), POLLIN, 0};
-        poll(&waiting, 1, 20'000);
-        serve_instance();  // the claim of the other side, which says nothing
-        poll(&waiting, 1, 20'000);
-        serve_instance();
+        EXPECT_EQ(claim(), 1);
+        write("ready", "");
+        for (;;) {
+            pollfd waiting = {instance_socket(), POLLIN, 0};
+            poll(&waiting, 1, -1);
+            serve_instance();
+        }
         return 0;
     });
     owner.let_go();
-    while (socket_path().empty() || claim() == 1) {  // until it listens
-        release_instance_socket();
+    while (!std::filesystem::exists(path("ready"))) {
+        poll(nullptr, 0, 1);
     }
+    EXPECT_EQ(claim(), 0);
     EXPECT_EQ(ask_instance_owner("open\n"), Handover::REFUSED);
     EXPECT_EQ(owner.result(), -9);
 }

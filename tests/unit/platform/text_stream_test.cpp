@@ -65,7 +65,6 @@ TEST_F(TextStream, LinesAreTranslatedAndLimited) {
         LineEnd end;
         int64_t next;
     };
-    const std::string nul(1, '\0');
     const Case cases[] = {
         {"CR LF", "ab\r\ncd", 9, "ab", LineEnd::LF, 4},
         {"LF", "ab\ncd", 9, "ab", LineEnd::LF, 3},
@@ -81,7 +80,7 @@ TEST_F(TextStream, LinesAreTranslatedAndLimited) {
         {"0x1A at once", "\x1A", 9, "", LineEnd::EOF_1A, 0},
         {"CR before 0x1A stays", "a\r\x1A", 9, "a\r", LineEnd::EOF_1A, 2},
         {"0x1A behind the line", "ab\n\x1A", 9, "ab", LineEnd::LF, 3},
-        {"NUL is a character", "a" + nul + "b\n", 9, "a" + nul + "b", LineEnd::LF, 4},
+        {"NUL is a character", std::string("a\0b\n", 4), 9, std::string("a\0b", 3), LineEnd::LF, 4},
         {"LF is the last character that fits", "abc\n", 4, "abc", LineEnd::LF, 4},
         {"LF comes one too late", "abcd\nx", 4, "abcd", LineEnd::LIMIT, 4},
         {"CR LF counts as one", "abc\r\nx", 4, "abc", LineEnd::LF, 5},
@@ -139,16 +138,16 @@ TEST_F(TextStream, RowEndIsTheNearerOfLineFeedAndNul) {
 
 TEST_F(TextStream, AppendedTextIsReadBackBeforeAndAfterTheFlush) {
     create();
+    const auto word = [](int i) { return std::to_string(i).insert(0, 1, 'N'); };
     std::vector<int64_t> starts;
     std::string expected;
     for (int i = 0; i < 20'000; i++) {
         starts.push_back(stream_end(stream));
-        ASSERT_EQ(append("N" + std::to_string(i) + " X1\n"), 1);
-        expected += "N" + std::to_string(i) + " X1\r\n";
+        ASSERT_EQ(append(word(i) + '\n'), 1);
+        expected += word(i) + "\r\n";
         if (i % 777 == 0) {
-            const auto back = static_cast<std::size_t>(i / 2);
-            EXPECT_EQ(line(starts[back]), "N" + std::to_string(back) + " X1");
-            EXPECT_EQ(line(starts.back()), "N" + std::to_string(i) + " X1");
+            EXPECT_EQ(line(starts[static_cast<std::size_t>(i / 2)]), word(i / 2));
+            EXPECT_EQ(line(starts.back()), word(i));
         }
     }
     EXPECT_EQ(raw(), expected);

@@ -14,15 +14,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
-#include <vector>
 
 namespace hexlane {
-
-using Rows = std::vector<std::string>;
 
 class DocumentTest : public testing::Test {
 protected:
@@ -49,29 +49,34 @@ protected:
     // The window's height, so that screen rows 0 to `last` show.
     static void set_rows_shown(int last, int cols = 40) { platform::set_window_size(cols, last + 3); }
 
-    // Opens a document of these rows, the last one without line end, the caret at its start.
-    void open_rows(const Rows& rows) {
+    // Opens a document of these rows; the caret goes to the mark, or to the start.
+    void open_rows(std::string text) {
         if (child[0].file_open)
             close_document();
-        const std::string path = home + "/TEST.NC";
-        std::ofstream file(path, std::ios::binary | std::ios::trunc);
-        for (size_t i = 0; i < rows.size(); ++i)
-            file << (i == 0 ? "" : "\r\n") << rows[i];
+        const size_t mark = std::min(text.find('|'), text.size());
+        const auto row_start = text.rfind('/', mark) + 1;  // 0 on the first row
+        const auto row =
+            static_cast<int32_t>(std::count(text.begin(), text.begin() + static_cast<long>(mark), '/'));
+        const bool marked = mark < text.size();
+        if (marked)
+            text.erase(mark, 1);
+        std::ofstream file(home + "/TEST.NC", std::ios::binary | std::ios::trunc);
+        for (const char c : text)
+            file << (c == '/' ? "\r\n" : std::string(1, c));
         file.close();
-        platform::copy_text(child[0].file_path, platform::PATH_SIZE, path.c_str());
+        platform::format_text(child[0].file_path, platform::PATH_SIZE, "%s/TEST.NC", home.c_str());
         child[0].modified = 0;
         ASSERT_EQ(load_file(), 1);
-        set_caret(0, 0);
+        set_caret(marked ? row : 0, marked ? static_cast<int32_t>(mark - row_start) : 0);
         repaint_now();
     }
 
     // Rows "0", "1" and so on, and the end row behind them.
     void open_numbered_rows(int count) {
-        Rows rows;
+        std::string text;
         for (int i = 0; i < count; ++i)
-            rows.push_back(std::to_string(i));
-        rows.push_back("");
-        open_rows(rows);
+            text += std::to_string(i) + '/';
+        open_rows(text);
     }
 
     // Puts the caret into a row; it shows on screen row `caret_row`, or on its own if that is -1.
@@ -82,9 +87,10 @@ protected:
         place_caret_now();
     }
 
-    // A press is a key ("Ctrl+Enter"), or text when it starts with an apostrophe.
-    static void press(const std::vector<std::string>& presses) {
-        for (const std::string& one : presses) {
+    // Keys ("Ctrl+Enter") and texts (behind an apostrophe), with blanks between them.
+    static void press(const std::string& presses) {
+        std::istringstream each(presses);
+        for (std::string one; each >> one;) {
             if (one[0] == '\'')
                 platform::type_text(one.c_str() + 1);
             else
@@ -93,42 +99,35 @@ protected:
     }
 
     // The rows of the document, the pending one with its pending text. Disturbs nothing.
-    static Rows rows() {
-        const std::string text = child[0].row_text;
-        const char origin = child[0].row_origin;
-        Rows all;
-        for (int32_t row = 0; row <= child[0].last_file_row; ++row) {
-            if (row != child[0].pending_row)
-                fetch_row(row);
-            all.push_back(row == child[0].pending_row ? text : child[0].row_text);
-        }
-        platform::copy_text(child[0].row_text, sizeof child[0].row_text, text.c_str());
-        child[0].row_origin = origin;
-        return all;
-    }
+    static std::string rows() { return join_rows_of(-1); }
 
-    // The same with a '|' at the caret, a row that is too short for it filled up.
-    static Rows rows_with_caret() {
-        Rows all = rows();
-        put_caret(&all.at(static_cast<size_t>(child[0].current_row)));
-        return all;
-    }
+    // The same with the caret; a row that is too short for it is filled up.
+    static std::string rows_with_caret() { return join_rows_of(child[0].current_row); }
 
-    // A screen row with a '|' at the caret.
-    static std::string screen_with_caret(int y) {
-        std::string shown = platform::screen_row(y);
-        put_caret(&shown);
-        return shown;
-    }
+    // A screen row with the caret.
+    static std::string screen_with_caret(int y) { return with_caret(platform::screen_row(y)); }
 
     std::string home;
 
 private:
-    static void put_caret(std::string* text) {
+    static std::string with_caret(std::string text) {
         const auto col = static_cast<size_t>(child[0].caret_col);
-        if (text->size() < col)
-            text->resize(col, ' ');
-        text->insert(col, "|");
+        text.resize(std::max(text.size(), col), ' ');
+        return text.insert(col, "|");
+    }
+
+    static std::string join_rows_of(int32_t marked_row) {
+        const Child kept = child[0];
+        std::string all;
+        for (int32_t row = 0; row <= kept.last_file_row; ++row) {
+            if (row != kept.pending_row)
+                fetch_row(row);
+            const std::string text = row == kept.pending_row ? kept.row_text : child[0].row_text;
+            all += (row == 0 ? "" : "/") + (row == marked_row ? with_caret(text) : text);
+        }
+        std::memcpy(child[0].row_text, kept.row_text, sizeof kept.row_text);
+        child[0].row_origin = kept.row_origin;
+        return all;
     }
 };
 

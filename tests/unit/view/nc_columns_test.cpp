@@ -80,7 +80,8 @@ TEST(NcColumns, ARowThatOutgrowsTheLimitIsCutOnTheScreenOnly) {
     build_nc_columns();
     for (size_t i = 0; i < letters.size(); ++i)
         ASSERT_LT(child[0].nc_columns[i], child[0].nc_columns[i + 1]) << "index " << i;
-    EXPECT_EQ(child[0].nc_columns[50], 250);
+    EXPECT_EQ(child[0].nc_columns[51], 255);
+    EXPECT_EQ(child[0].nc_columns[52], 256) << "no more padding there";
     child[0].caret_col = nc_display_length(letters.c_str());
     EXPECT_EQ(caret_text_index(), 255) << "behind the text even where it is not shown";
     EXPECT_EQ(child[0].window_top, window_top);

@@ -2,7 +2,6 @@
 
 #include "unit/view/document_fixture.h"
 
-#include "store/block_buffer.h"
 #include "view/text_view.h"
 
 #include <cstring>
@@ -83,7 +82,7 @@ TEST_F(TextViewTest, LettersNumbersAndCommentsTakeTheirColors) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
         child[0].color_table[COMMENT_SLOT].include_numbers = c.comment_numbers;
-        open_rows({c.text, "Y", ""});
+        open_rows(std::string(c.text) + "/Y/");
         const int cols = static_cast<int>(std::strlen(c.text));
         EXPECT_EQ(looks(0, cols), c.looks);
         EXPECT_EQ(looks(1, 2), "Y.") << "a comment never goes on in the next row";
@@ -95,17 +94,17 @@ TEST_F(TextViewTest, LettersNumbersAndCommentsTakeTheirColors) {
 }
 
 TEST_F(TextViewTest, BehindTheLastRowAndBehindTheTextAllIsBlank) {
-    open_rows({std::string(60, 'A'), "B", ""});
+    open_rows(std::string(60, 'A') + "/B/");
     EXPECT_EQ(screen_row(0), std::string(40, 'A')) << "clipped, and not overwritten by blanks";
     EXPECT_EQ(screen_row(1), "B");
-    open_rows({"C"});
+    open_rows("C");
     for (int y = 0; y <= 9; ++y)
         EXPECT_EQ(screen_row(y), y == 0 ? "C" : "") << "screen row " << y;
     EXPECT_TRUE(platform::caret_shown());
 }
 
 TEST_F(TextViewTest, ChangedRowsShowInTheirModeOnly) {
-    open_rows({"X1", "X2", ""});
+    open_rows("X1/X2/");
     child[0].changes_colored = 1;
     child[0].colors_enabled = 0;
     fetch_row(1);
@@ -123,7 +122,7 @@ TEST_F(TextViewTest, ChangedRowsShowInTheirModeOnly) {
 
 TEST_F(TextViewTest, ABlockOfRowsIsWhiteOnBlackToTheWindowsEdge) {
     set_rows_shown(9, 300);
-    open_rows({"X1", "X2", "X3", ""});
+    open_rows("X1/X2/X3/");
     block_rows(1, 2);
     paint_view();
     EXPECT_EQ(looks(0, 3), "XX.");
@@ -136,20 +135,23 @@ TEST_F(TextViewTest, ABlockOfRowsIsWhiteOnBlackToTheWindowsEdge) {
 }
 
 TEST_F(TextViewTest, ABlockInsideARowShowsWhereTheRowIsPaintedByLetters) {
-    open_rows({"X123", "X123", ""});
+    open_rows("X123/X123/");
     child[0].block_active = 1;
     block.start = {1, 0, 0};
     block.end.col = 3;
     paint_view();
     EXPECT_EQ(looks(0, 4), "X##X");
     EXPECT_EQ(looks(1, 4), "XXXX");
+    child[0].color_table['X' - 'A'].color = platform::WHITE;
+    paint_view();
+    EXPECT_EQ(looks(0, 4), "?##?") << "white words too";
     child[0].colors_enabled = 0;
     paint_view();
     EXPECT_EQ(looks(0, 4), "....") << "a full repaint without colors draws the row whole";
 }
 
 TEST_F(TextViewTest, ABlockThatGrowsOrShrinksPaintsItsOwnRowsOnly) {
-    open_rows({"A", "B", "C", "D", ""});
+    open_rows("A/B/C/D/");
     block_rows(1, 2);
     for (int y = 0; y <= 9; ++y)
         platform::draw_text(child[0].main_window, 0, y * 16, "?", 1, 0, 0xFFFFFF);
@@ -163,7 +165,7 @@ TEST_F(TextViewTest, ABlockThatGrowsOrShrinksPaintsItsOwnRowsOnly) {
 }
 
 TEST_F(TextViewTest, NcModeSpreadsTheWordsAndTheirColors) {
-    open_rows({"X1Y2", "X1", ""});
+    open_rows("X1Y2/X1/");
     child[0].nc_mode = 1;
     paint_view();
     EXPECT_EQ(screen_row(0), "X1   Y2");
@@ -172,15 +174,6 @@ TEST_F(TextViewTest, NcModeSpreadsTheWordsAndTheirColors) {
     repaint_row(0, false);
     EXPECT_EQ(screen_row(0), "X1   Y2");
     EXPECT_STREQ(child[0].row_text, "X1Y2");
-}
-
-TEST_F(TextViewTest, TheScrollBarCountsPagesAndFollowsTheCaret) {
-    open_numbered_rows(100);
-    EXPECT_EQ(platform::scroll_range_high(), 100 / 9);
-    set_caret(95, 0, 5);
-    paint_view();
-    EXPECT_EQ(platform::scroll_position_now(), 95 / 9);
-    EXPECT_EQ(screen_row(0), "90");
 }
 
 TEST_F(TextViewTest, ARowOffTheScreenComesUpNearTheTop) {
@@ -197,7 +190,7 @@ TEST_F(TextViewTest, ARowOffTheScreenComesUpNearTheTop) {
 }
 
 TEST_F(TextViewTest, AMatchIsHighlightedWhereItStandsOnTheScreen) {
-    open_rows({"N1", "N10G1X5", ""});
+    open_rows("N1/N10G1X5/");
     fetch_row(1);
     show_match(1, 3, 2);
     EXPECT_EQ(looks(1, 7), "...##XX");
@@ -210,16 +203,6 @@ TEST_F(TextViewTest, AMatchIsHighlightedWhereItStandsOnTheScreen) {
     EXPECT_EQ(looks(1, 14), ".....#######..") << "never more cells than the row has";
     EXPECT_EQ(child[0].caret_col, 5);
     EXPECT_STREQ(child[0].row_text, "N10G1X5");
-}
-
-TEST_F(TextViewTest, AWindowThatBecomesLowerKeepsTheCaretsRow) {
-    open_numbered_rows(50);
-    set_caret(28, 1, 8);
-    paint_view();
-    set_rows_shown(4);
-    EXPECT_EQ(child[0].current_row, 28);
-    EXPECT_EQ(screen_row(child[0].caret_row), "28");
-    EXPECT_LE(child[0].caret_row, 4);
 }
 
 }  // namespace

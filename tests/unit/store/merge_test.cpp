@@ -1,0 +1,156 @@
+// Merge: where the text lands, the backup, and taking it back at the program's end.
+
+#include "store/merge.h"
+
+#include "platform/posix/file_faults.h"
+#include "platform/scripted/test_hooks.h"
+#include "store/load.h"
+#include "unit/store/store_fixture.h"
+
+namespace hexlane {
+namespace {
+
+using namespace platform;
+
+class MergeTest : public ProgramTest {
+protected:
+    void merge_at(int32_t row) {
+        child[0].current_row = row;
+        answer_box("Yes");
+        answer_file_dialog(path("other.nc").c_str());
+        command(1004);
+    }
+
+    // Leaves the program with the answer No to the question about changes.
+    void leave_without_saving() {
+        answer_box("No");
+        command(1007);
+    }
+};
+
+TEST_F(MergeTest, TheTextLandsInFrontOfTheCaretsRow) {
+    struct Case {
+        const char* label;
+        const char* file;
+        int row;
+        const char* merged;
+    };
+    const Case cases[] = {
+        {"first row", "A\r\nB\r\n", 0, "X\r\nY\r\nA\r\nB\r\n"},
+        {"in the middle", "A\r\nB\r\n", 1, "A\r\nX\r\nY\r\nB\r\n"},
+        {"end row", "A\r\nB\r\n", 2, "A\r\nB\r\nX\r\nY\r\n"},
+        {"end row of a file without line end", "A\r\nB", 2, "A\r\nB\r\nX\r\nY\r\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.label);
+        TearDown();
+        SetUp();
+        write("other.nc", "X\r\nY\r\n");
+        start_with(c.file);
+        merge_at(c.row);
+        EXPECT_EQ(bytes(), c.merged);
+        EXPECT_EQ(bytes("DX1"), c.file);
+        EXPECT_EQ(child[0].modified, 1);
+        EXPECT_TRUE(child[0].file_open);
+        command(1002);
+        EXPECT_EQ(work_names(), (std::vector<std::string>{"other.nc", "part.nc"}));
+        EXPECT_EQ(bytes(), c.merged);
+        EXPECT_EQ(unused_answers(), 0);
+    }
+}
+
+TEST_F(MergeTest, EditsAreSavedFirstAndNoAtTheEndRestoresTheFirstState) {
+    write("other.nc", "X\r\n");
+    start_with("A\r\nB\r\n");
+    set_row(0, "edited");
+    merge_at(1);
+    EXPECT_EQ(bytes(), "edited\r\nX\r\nB\r\n");
+    merge_at(0);
+    EXPECT_EQ(bytes(), "X\r\nedited\r\nX\r\nB\r\n");
+    EXPECT_EQ(work_names(), (std::vector<std::string>{"DX1", "DX2", "other.nc", "part.nc"}));
+    leave_without_saving();
+    EXPECT_EQ(bytes(), "edited\r\nB\r\n");
+    EXPECT_EQ(work_names(), (std::vector<std::string>{"DX2", "other.nc", "part.nc"}));
+}
+
+TEST_F(MergeTest, TheBackupBelongsToItsFileAlone) {
+    write("other.nc", "X\r\n");
+    write("third.nc", "T\r\n");
+    start_with("A\r\n");
+    merge_at(0);
+    answer_box("No");
+    answer_file_dialog(path("third.nc").c_str());
+    command(1001);
+    set_row(0, "changed");
+    command(1002);
+    EXPECT_TRUE(exists("DX1"));
+    set_row(0, "again");
+    leave_without_saving();
+    EXPECT_EQ(bytes("third.nc"), "changed\r\n");
+    EXPECT_EQ(bytes(), "X\r\nA\r\n");
+    EXPECT_EQ(bytes("DX1"), "A\r\n");
+}
+
+TEST_F(MergeTest, AFileThatTheMergeDidNotMakeIsNeverReplaced) {
+    write("other.nc", "X\r\n");
+    start_with("A\r\n");
+    merge_at(0);
+    std::filesystem::remove(path("part.nc"));
+    write("part.nc", "somebody else's\r\n");
+    answer_box("No");
+    answer_box("OK");
+    command(1007);
+    EXPECT_EQ(bytes(), "somebody else's\r\n");
+    EXPECT_EQ(bytes("DX1"), "A\r\n");
+}
+
+TEST_F(MergeTest, EveryFailingCallLeavesFileAndDocument) {
+    write("other.nc", "X\r\nY\r\n");
+    start_with("A\r\nB\r\n");
+    answer_other_boxes("OK");
+    child[0].current_row = 1;
+    copy_text(child[0].merge_path, PATH_SIZE, path("other.nc").c_str());
+    int failures = 0;
+    for (int n = 1; n < 200; n++) {
+        SCOPED_TRACE(n);
+        reset_file_faults();
+        forget_shown_boxes();
+        fail_file_call(FileCall::ANY, n, ENOSPC);
+        const int merged = merge_file();
+        const bool fired = file_fault_fired();
+        reset_file_faults();
+        if (merged && fired) {  // a fault that does not matter: set the stage anew
+            std::filesystem::remove(path("DX1"));
+            write("part.nc", "A\r\nB\r\n");
+            ASSERT_TRUE(load_file());
+            child[0].modified = 0;
+            merge_backup.merge_backup_active = 0;
+            continue;
+        }
+        if (merged)
+            break;
+        failures++;
+        EXPECT_EQ(shown_boxes().size(), 1U);
+        EXPECT_EQ(bytes(), "A\r\nB\r\n");
+        EXPECT_EQ(rows(), (std::vector<std::string>{"A", "B", ""}));
+        EXPECT_EQ(child[0].modified, 0);
+        EXPECT_EQ(work_names(), (std::vector<std::string>{"other.nc", "part.nc"}));
+    }
+    EXPECT_GT(failures, 8);
+    EXPECT_EQ(bytes(), "A\r\nX\r\nY\r\nB\r\n");
+}
+
+TEST_F(MergeTest, AFileIsNotMergedWithItself) {
+    start_with("A\r\n");
+    std::filesystem::create_symlink("part.nc", path("other.nc"));
+    answer_box("Yes");
+    answer_file_dialog(path("other.nc").c_str());
+    answer_box("OK");
+    command(1004);
+    EXPECT_EQ(shown_boxes().back().text, "Cannot merge file with itself.");
+    EXPECT_EQ(bytes(), "A\r\n");
+    EXPECT_EQ(unused_answers(), 0);
+}
+
+}  // namespace
+}  // namespace hexlane

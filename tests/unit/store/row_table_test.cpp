@@ -1,0 +1,153 @@
+// Fetching and committing rows: what is shown, what is kept, and the pending row.
+
+#include "platform/text_stream.h"
+#include "store/row_edits.h"
+#include "unit/store/store_fixture.h"
+
+namespace hexlane {
+namespace {
+
+using namespace platform;
+
+class RowTableTest : public ProgramTest {};
+
+void put_text(const std::string& text) {
+    std::memset(child[0].row_text, 0, sizeof child[0].row_text);
+    std::memcpy(child[0].row_text, text.data(), text.size());
+}
+
+TEST_F(RowTableTest, AFetchTellsLineEndAndOrigin) {
+    start_with(repeated('a', 253) + "\r\n" + repeated('b', 254) + "\r\n\r\nlast");
+    struct Case {
+        int32_t row;
+        std::string text;
+        int had_lf;
+        char origin;
+    };
+    const Case cases[] = {{0, repeated('a', 253), 1, 'O'},
+                          {1, repeated('b', 254), 0, 'O'},
+                          {2, "", 1, 'O'},
+                          {3, "last", 0, 'O'},
+                          {4, "", 0, 'B'},
+                          {5, "", 0, 'B'}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.row);
+        ASSERT_TRUE(fetch_row(c.row));
+        EXPECT_EQ(child[0].row_text, c.text);
+        EXPECT_EQ(row_had_lf, c.had_lf);
+        EXPECT_EQ(child[0].row_origin, c.origin);  // a row past the end leaves it as it was
+    }
+}
+
+TEST_F(RowTableTest, ACommitLeavesTextAndOriginAsTheyWereAndTheLastOneCounts) {
+    start_with("A\r\nB\r\n");
+    fetch_row(0);
+    put_text("first");
+    ASSERT_TRUE(commit_row(0));
+    EXPECT_STREQ(child[0].row_text, "first");
+    EXPECT_EQ(child[0].row_origin, 'O');
+    EXPECT_EQ(child[0].modified, 0);
+    put_text("second");
+    ASSERT_TRUE(commit_row(0));
+    EXPECT_EQ(stream_end(child[0].change_stream), 7 + 8);
+    EXPECT_EQ(rows(), (std::vector<std::string>{"second", "B", ""}));
+    EXPECT_EQ(origins(), "COO");
+    EXPECT_EQ(bytes(), "A\r\nB\r\n");
+}
+
+TEST_F(RowTableTest, BytesThatAFetchDoesNotShowStayWithTheRow) {
+    const std::string tail = "TAIL" + repeated('t', 200);
+    start_with(repeated('x', 254) + tail +
+               "\r\nshort\x1A"
+               "behind\nend\n");
+    // Shortened twice without a fetch between, then again after one: nothing behind row_text is lost.
+    fetch_row(0);
+    put_text("one");
+    commit_row(0);
+    put_text("two");
+    commit_row(0);
+    fetch_row(2);
+    fetch_row(0);
+    EXPECT_EQ(child[0].row_text, "two" + tail);
+    put_text("three" + tail);
+    commit_row(0);
+    set_row(1, "SHORT");
+    command(1002);
+    EXPECT_EQ(bytes(), "three" + tail +
+                           "\r\nSHORT\x1A"
+                           "behind\r\nend\n");
+}
+
+TEST_F(RowTableTest, ARowOfManyThousandBytesIsCarriedWhole) {
+    std::string row;
+    for (int i = 0; i < 30000; i++)
+        row += static_cast<char>('A' + i % 23);
+    start_with(row + "\r\nB\r\n");
+    set_row(0, "*" + row.substr(1, 253));
+    command(1002);
+    EXPECT_EQ(bytes(), "*" + row.substr(1) + "\r\nB\r\n");
+}
+
+TEST_F(RowTableTest, TextInTheEndRowGetsANewEndRowWhoeverCommitsIt) {
+    start_with("A\r\n");
+    fetch_row(1);
+    put_text("typed");
+    child[0].pending_row = 1;
+    ASSERT_TRUE(commit_pending());
+    EXPECT_EQ(child[0].pending_row, -1);
+    EXPECT_EQ(origins(), "OCB");
+    fetch_row(2);
+    child[0].pending_row = 2;  // still empty: no further row
+    ASSERT_TRUE(commit_pending());
+    EXPECT_EQ(origins(), "OCC");
+}
+
+TEST_F(RowTableTest, RowsAreFoundPastEmptySegmentsAndAtTheirEdges) {
+    reset_store();
+    child[0].segment_count = 4;
+    const int32_t first_rows[] = {0, 5, 5, 10};
+    for (int i = 0; i < 4; i++)
+        segment_table[i].first_row = first_rows[i];
+    child[0].last_file_row = 12;
+    start("");  // makes temp_dir
+    const struct {
+        int32_t row;
+        int segment;
+        int64_t offset;
+    } cases[] = {{0, 0, 0},  {4, 0, 32},  {5, 2, 0},   {9, 2, 32},
+                 {10, 3, 0}, {12, 3, 16}, {13, 3, 24}, {4, 0, 32}};
+    reset_store();
+    child[0].segment_count = 4;
+    for (int i = 3; i >= 0; i--) {
+        segment_table[i].first_row = first_rows[i];
+        child[0].current_segment = static_cast<int16_t>(i);
+        ASSERT_TRUE(open_segment(true));
+    }
+    for (const auto& c : cases) {
+        EXPECT_EQ(locate_row(c.row), c.offset) << c.row;
+        EXPECT_EQ(child[0].current_segment, c.segment) << c.row;
+        EXPECT_TRUE(segment_table[c.segment].is_open);
+    }
+}
+
+TEST_F(RowTableTest, TemporaryFilesArePrivateAndGoAtTheEnd) {
+    start_with("A\r\nB\r\n");
+    set_row(0, "changed");
+    split_row(1, 1);
+    for (const std::string& name : temp_names()) {
+        const auto mode =
+            std::filesystem::status(std::string(directories.temp_dir) + "/" + name).permissions();
+        EXPECT_EQ(mode, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write) << name;
+        EXPECT_EQ(name.substr(0, 4), directories.temp_prefix);
+    }
+    EXPECT_GE(temp_names().size(), 2U);
+    const std::string strange =
+        std::string(directories.temp_dir) + "/" + directories.temp_prefix + "notes.txt";
+    write_bytes(strange, "a user's file");
+    close_document();
+    cleanup_temp_files();
+    EXPECT_EQ(temp_names(), std::vector<std::string>{std::string(directories.temp_prefix) + "notes.txt"});
+}
+
+}  // namespace
+}  // namespace hexlane
