@@ -97,8 +97,12 @@ int append_blank_records(int32_t count) {
     if (!segment_table[last].is_open && !open_segment(false))
         return 0;
     const int64_t end = static_cast<int64_t>(segment_rows(last)) * ROW_RECORD_SIZE;
-    if (!write_blanks(segment_table[last].handle, end, count))
+    if (!write_blanks(segment_table[last].handle, end, count)) {
+        const FileError reason = last_file_error();
+        (void)file_resize(segment_table[last].handle, end);  // what was written stands behind the table's rows
+        set_last_file_error(reason);
         return 0;
+    }
     set_last_file_row(child[0].last_file_row + count);
     forget_cached_rows();
     return 1;
