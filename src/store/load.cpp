@@ -32,15 +32,21 @@ uint8_t segment_records[ROWS_PER_SEGMENT * ROW_RECORD_SIZE];
 int32_t record_count;  // records in segment_records
 
 int write_segment() {
-    return file_write_at(segment_table[child[0].current_segment].handle, 0, segment_records,
+    const SegmentEntry& entry = segment_table[child[0].current_segment];
+    return file_write_at(entry.handle, entry.base, segment_records,
                          static_cast<std::size_t>(record_count) * ROW_RECORD_SIZE);
 }
 
+// The next segment begins in the same file, where the last one ends.
 int start_next_segment() {
-    child[0].current_segment++;
+    const SegmentEntry& last = segment_table[child[0].current_segment];
+    SegmentEntry& next = segment_table[++child[0].current_segment];
     child[0].segment_count++;
-    segment_table[child[0].current_segment].first_row = child[0].current_segment * ROWS_PER_SEGMENT;
-    return open_segment(true);
+    next = last;
+    next.is_open = 0;
+    next.first_row += ROWS_PER_SEGMENT;
+    next.base += static_cast<int64_t>(ROWS_PER_SEGMENT) * ROW_RECORD_SIZE;
+    return open_segment(false);
 }
 
 LoadResult add_record(int64_t position) {
@@ -125,6 +131,7 @@ void tell_load_failure(LoadResult result) {
 LoadResult build_table(FileHandle file) {
     if (!open_segment(true))
         return LoadResult::FAILED;
+    segment_table[0].shares_file = 1;
     child[0].change_stream = stream_create(child[0].change_path);
     if (child[0].change_stream == NO_STREAM)
         return LoadResult::FAILED;

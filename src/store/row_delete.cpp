@@ -34,8 +34,9 @@ int finish_deletion(int32_t row) {
 int cut_segment(int segment, int32_t index, int32_t count) {
     if (index == 0 && count == segment_rows(segment)) {  // nothing stays: no copy is needed
         child[0].current_segment = static_cast<int16_t>(segment);
-        if ((!segment_table[segment].is_open && !open_segment(false)) ||
-            !file_resize(segment_table[segment].handle, 0))
+        if (!segment_table[segment].is_open && !open_segment(false))
+            return 0;
+        if (!segment_table[segment].shares_file && !file_resize(segment_table[segment].handle, 0))
             return 0;
     } else if (!rewrite_segment(segment, index, count, 0)) {
         return 0;
@@ -125,7 +126,7 @@ void remove_segments(int first, int last) {
     std::copy(segment_table + last + 1, segment_table + child[0].segment_count, segment_table + first);
     const int gone = last - first + 1;
     for (int i = child[0].segment_count - gone; i < child[0].segment_count; i++)
-        segment_table[i] = {0, NO_FILE, 0, ""};
+        segment_table[i] = NO_SEGMENT;
     child[0].segment_count = static_cast<int16_t>(child[0].segment_count - gone);
     forget_cached_rows();
 }

@@ -3,7 +3,9 @@
 
 #include "store/row_table.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "frame/child.h"
 #include "frame/directories.h"
@@ -65,6 +67,14 @@ uint8_t* load_window(int32_t index) {
     return place;
 }
 
+SegmentEntry* open_entry() {
+    for (int segment = 0; segment < child[0].segment_count; segment++) {
+        if (segment_table[segment].is_open)
+            return &segment_table[segment];
+    }
+    return nullptr;
+}
+
 bool segment_holds(int segment, int32_t row) {
     return segment_table[segment].first_row <= row &&
            (segment == child[0].segment_count - 1 || row < segment_table[segment + 1].first_row);
@@ -108,9 +118,7 @@ void fetch_unsaved_row() {
 void reset_store() {
     child[0].current_segment = 0;
     child[0].segment_count = 1;
-    std::memset(static_cast<void*>(segment_table), 0, sizeof segment_table);
-    for (SegmentEntry& entry : segment_table)
-        entry.handle = NO_FILE;
+    std::fill(std::begin(segment_table), std::end(segment_table), NO_SEGMENT);
     forget_cached_rows();
 }
 
@@ -141,21 +149,21 @@ void build_segment_path() {
 int open_segment(bool create) {
     const int segment = child[0].current_segment;
     SegmentEntry& entry = segment_table[segment];
-    if (entry.is_open) {
-        file_close(entry.handle);
-        entry.is_open = 0;
-    }
     build_segment_path();
-    FileHandle file = create ? file_create(child[0].segment_path, FileCreate::PRIVATE)
-                             : file_open(child[0].segment_path, FileAccess::READ_WRITE);
-    if (file == NO_FILE)
-        return 0;
-    for (int other = 0; other < child[0].segment_count; other++) {
-        if (segment_table[other].is_open) {
-            file_close(segment_table[other].handle);
-            segment_table[other].is_open = 0;
-        }
+    SegmentEntry* open = open_entry();
+    FileHandle file = NO_FILE;
+    if (open != nullptr && !create && std::strcmp(open->file_name, entry.file_name) == 0) {
+        file = open->handle;
+    } else {
+        file = create ? file_create(child[0].segment_path, FileCreate::PRIVATE)
+                      : file_open(child[0].segment_path, FileAccess::READ_WRITE);
+        if (file == NO_FILE)
+            return 0;
+        if (open != nullptr)
+            file_close(open->handle);
     }
+    if (open != nullptr)
+        open->is_open = 0;
     entry.handle = file;
     entry.is_open = 1;
     window.segment = -1;
@@ -168,7 +176,7 @@ int64_t locate_row(int32_t row) {
     const SegmentEntry& entry = segment_table[child[0].current_segment];
     if (!entry.is_open && !open_segment(false))
         return -1;
-    return static_cast<int64_t>(row - entry.first_row) * ROW_RECORD_SIZE;
+    return entry.base + static_cast<int64_t>(row - entry.first_row) * ROW_RECORD_SIZE;
 }
 
 int read_record(int32_t row, RowRecord* record) {

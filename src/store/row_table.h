@@ -1,8 +1,9 @@
 // row_table.h: the document as a table on disk of 8-byte records; reading and storing the text of one row.
 //
 // A row's record says where its text stands: in the active file as it was opened ('O'), in the change file to
-// which every edited row is appended ('C'), or nowhere ('B', a blank row). Records lie in segment files in
-// temp_dir, one of which is open at a time. The active file is never written here.
+// which every edited row is appended ('C'), or nowhere ('B', a blank row). Records lie in segments of files
+// in temp_dir, one of which is open at a time: a load writes all its segments into one file, and a segment
+// that is rewritten moves to a file of its own. The active file is never written here.
 //
 // Invariants, whenever no operation of the store is running:
 //   1. first_row of each segment is the sum of the row counts of the segments before it; that of segment 0
@@ -14,6 +15,8 @@
 //   stay
 //      with the row: each commit carries them along.
 //   6. While unsaved_row is set no record changes.
+//   7. Segments that share a file lie in it in the order of the table, so that nothing that is in use stands
+//      behind the last one: the table's last segment may grow in place.
 //
 // Relies on platform/files.h, platform/text_stream.h, frame/child.h, frame/directories.h. Main thread only.
 #pragma once
@@ -40,7 +43,10 @@ struct SegmentEntry {
     platform::FileHandle handle;  // valid while is_open is set
     int32_t first_row;            // number of the segment's first row
     char file_name[16];           // without folder; empty until the segment is first opened
+    int16_t shares_file;          // made by the load: all segments of a load lie in one file, in table order
+    int64_t base;                 // bytes: where its records begin in that file
 };
+constexpr SegmentEntry NO_SEGMENT = {0, platform::NO_FILE, 0, "", 0, 0};
 
 // The run; wiped by reset_store.
 extern SegmentEntry segment_table[MAX_SEGMENTS];

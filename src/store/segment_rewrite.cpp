@@ -46,11 +46,13 @@ int copy_records(FileHandle from, int64_t from_position, FileHandle to, int64_t 
     return 1;
 }
 
-int fill_work_file(FileHandle work, FileHandle old, int64_t head, int64_t tail, int64_t old_size,
+// `head` and `tail` are places in the segment, in bytes: what is copied ends at the one and goes on at the
+// other.
+int fill_work_file(FileHandle work, const SegmentEntry& old, int64_t head, int64_t tail, int64_t old_size,
                    int32_t blanks) {
     const int64_t blank_bytes = static_cast<int64_t>(blanks) * ROW_RECORD_SIZE;
-    return copy_records(old, 0, work, 0, head) && write_blanks(work, head, blanks) &&
-           copy_records(old, tail, work, head + blank_bytes, old_size - tail);
+    return copy_records(old.handle, old.base, work, 0, head) && write_blanks(work, head, blanks) &&
+           copy_records(old.handle, old.base + tail, work, head + blank_bytes, old_size - tail);
 }
 
 }  // namespace
@@ -69,10 +71,14 @@ int rewrite_segment(int segment, int32_t index, int32_t skipped, int32_t blanks)
     FileHandle work = create_unique_file(directories.temp_dir, prefix, work_path);
     if (work == NO_FILE)
         return 0;
+    const SegmentEntry old = entry;
+    if (entry.shares_file)
+        name_segment(segment);
     build_segment_path();
-    if (!fill_work_file(work, entry.handle, head, tail, old_size, blanks) ||
+    if (!fill_work_file(work, old, head, tail, old_size, blanks) ||
         !rename_file(work_path, child[0].segment_path)) {
         const FileError reason = last_file_error();
+        entry = old;
         file_close(work);
         delete_file(work_path);
         set_last_file_error(reason);
@@ -80,6 +86,8 @@ int rewrite_segment(int segment, int32_t index, int32_t skipped, int32_t blanks)
     }
     file_close(entry.handle);
     entry.handle = work;
+    entry.shares_file = 0;
+    entry.base = 0;
     forget_cached_rows();
     return 1;
 }
@@ -96,10 +104,11 @@ int append_blank_records(int32_t count) {
     child[0].current_segment = static_cast<int16_t>(last);
     if (!segment_table[last].is_open && !open_segment(false))
         return 0;
-    const int64_t end = static_cast<int64_t>(segment_rows(last)) * ROW_RECORD_SIZE;
+    const int64_t end = segment_table[last].base + static_cast<int64_t>(segment_rows(last)) * ROW_RECORD_SIZE;
     if (!write_blanks(segment_table[last].handle, end, count)) {
         const FileError reason = last_file_error();
-        (void)file_resize(segment_table[last].handle, end);  // what was written stands behind the table's rows
+        (void)file_resize(segment_table[last].handle,
+                          end);  // what was written stands behind the table's rows
         set_last_file_error(reason);
         return 0;
     }

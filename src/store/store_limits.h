@@ -31,7 +31,7 @@ constexpr int64_t CHANGE_FILE_LIMIT = MAX_FILE_SIZE;  // bytes
 constexpr int LOAD_BLOCK_SIZE = 1 << 18;              // bytes read at a time
 constexpr int COPY_BUFFER_SIZE = 1 << 16;             // bytes, shared by all copying of the store
 constexpr int RUN_FLUSH_LENGTH = 1 << 22;  // bytes; a run of unchanged rows is copied at this length
-constexpr int SEGMENT_WINDOW_ROWS = 1024;  // records of the open segment kept in memory
+constexpr int SEGMENT_WINDOW_ROWS = 2048;  // records of the open segment kept in memory
 constexpr int ROW_COUNT_STEP = 5000;       // rows between two shows of the row count
 #endif
 

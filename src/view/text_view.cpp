@@ -91,7 +91,7 @@ bool holds_row(const Block& rows, int32_t row) {
     return rows.start.row <= row && row <= rows.end.row;
 }
 
-// The part of both block and full repaint behind the last row: row_text must not stay formatted.
+// What every repaint ends with; row_text must not stay formatted.
 void end_painting(int32_t next_row) {
     if (child[0].nc_mode)
         fetch_row(next_row);
@@ -117,11 +117,7 @@ void paint_rows(int32_t first_row, int32_t last_y, int32_t cols, int32_t first_y
 }
 
 void paint_view() {
-    paint_view_from(top_row());
-}
-
-void paint_view_from(int32_t first_row) {
-    paint_rows(first_row, child[0].window_rows, child[0].window_cols, 0);
+    paint_rows(top_row(), child[0].window_rows, child[0].window_cols, 0);
 }
 
 void paint_block_rows(int32_t first_row, int32_t last_y, int32_t cols, int32_t first_y) {

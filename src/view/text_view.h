@@ -16,9 +16,8 @@ int32_t top_row();
 // position and the scroll bar, by current_row as it stands.
 void paint_rows(int32_t first_row, int32_t last_y, int32_t cols, int32_t first_y);
 
-// paint_rows over the whole view: from top_row(), or from another document row on.
+// paint_rows over the whole view, from top_row() on.
 void paint_view();
-void paint_view_from(int32_t first_row);
 
 // As paint_rows, for rows that enter or leave the block only: those of `block` and of `previous_block`, which
 // then takes `block`. The scroll bar stays.

@@ -46,6 +46,7 @@ TEST_F(Files, OnlyRegularFilesAreOpened) {
     ASSERT_EQ(bind(socket_file, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     const std::string regular = write("file", "x");
 
+    record_file_calls();
     for (FileAccess access : {FileAccess::READ, FileAccess::READ_WRITE}) {
         for (const std::string& name :
              {path("fifo"), path("link"), path("socket"), folder, std::string("/dev/null")}) {
@@ -55,6 +56,8 @@ TEST_F(Files, OnlyRegularFilesAreOpened) {
         EXPECT_EQ(open_error(path("missing"), access), FileError::NOT_FOUND);
         EXPECT_EQ(open_error(regular + "/below", access), FileError::NOT_FOUND);
     }
+    EXPECT_EQ(file_call_count(FileCall::OPEN), 2)
+        << "opening a device can act on it: only the file may be opened";
     close(socket_file);
     EXPECT_EQ(open_file_count(), 0);
 }
@@ -137,6 +140,22 @@ TEST_F(Files, ReadsWritesAndCopiesByPosition) {
     EXPECT_EQ(file_close(from), 1);
     EXPECT_EQ(file_read_at(from, 0, bytes, 1), -1);
     EXPECT_EQ(open_file_count(), 0);
+}
+
+// The system takes so much only in several pieces.
+TEST_F(Files, LongCopiesAreWhole) {
+    constexpr int64_t SIZE = (1 << 26) + 5000;
+    const FileHandle from = file_create(path("from").c_str(), FileCreate::NEW);
+    const FileHandle to = file_create(path("to").c_str(), FileCreate::NEW);
+    ASSERT_EQ(file_resize(from, SIZE), 1);
+    ASSERT_EQ(file_write_at(from, SIZE - 4, "tail", 4), 1);
+    EXPECT_EQ(file_copy_range(from, 0, to, 0, SIZE), SIZE);
+    EXPECT_EQ(file_size(to), SIZE);
+    char tail[5] = {};
+    EXPECT_EQ(file_read_at(to, SIZE - 4, tail, 5), 4);
+    EXPECT_STREQ(tail, "tail");
+    file_close(from);
+    file_close(to);
 }
 
 TEST_F(Files, AdoptedModeIsTheOldOne) {

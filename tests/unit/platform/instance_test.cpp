@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <functional>
 #include <memory>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/fsuid.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -70,6 +72,10 @@ public:
                 return value;
             }
         }
+    }
+    bool has_result(int wait_ms) {
+        pollfd file = {result_file, POLLIN, 0};
+        return poll(&file, 1, wait_ms) > 0;
     }
     int run() {
         let_go();
@@ -176,6 +182,21 @@ TEST_F(Instance, ReleaseAndCrashBothMakeWay) {
     release_instance_socket();
     EXPECT_EQ(socket_path(), "");
     EXPECT_EQ(third.run(), 1);
+}
+
+// Whoever looks at the socket and takes it keeps others out meanwhile.
+TEST_F(Instance, StartsWaitForEachOther) {
+    OtherProcess first([&] { return claim(); });
+    OtherProcess second([&] { return claim(); });
+    EXPECT_EQ(first.run(), 1);
+    const std::string lock = socket_path() + ".lock";
+    first.end();
+    const int file = open(lock.c_str(), O_RDWR);
+    ASSERT_EQ(flock(file, LOCK_EX), 0);
+    second.let_go();
+    EXPECT_FALSE(second.has_result(50));
+    close(file);
+    EXPECT_EQ(second.result(), 1);
 }
 
 // All find the same stale socket at once.

@@ -95,10 +95,14 @@ TEST_F(Process, EnvironmentValuesFitOrAreEmpty) {
 TEST_F(Process, StartedProgramRunsOnItsOwn) {
     setenv("HEXLANE_HOME", "/somewhere/else", 1);
     ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo(path("go").c_str(), 0600), 0);
     const int pipe_end = open(path("fifo").c_str(), O_RDWR);
-    const std::string script = "echo \"$HEXLANE_HOME $1 $$ $(cat)\" > " + path("fifo");
+    const int go = open(path("go").c_str(), O_RDWR);
+    const std::string script =
+        "read line < " + path("go") + "; echo \"$HEXLANE_HOME $1 $$ $(cat)\" > " + path("fifo");
     const char* arguments[] = {"sh", "-c", script.c_str(), "name", "one two", nullptr};
     ASSERT_EQ(start_detached(arguments, "/the/home"), 1);
+    ASSERT_EQ(::write(go, "\n", 1), 1);  // it has not ended, and we are back already
     char answer[200] = {};
     pollfd waiting = {pipe_end, POLLIN, 0};
     ASSERT_EQ(poll(&waiting, 1, 10'000), 1);
@@ -106,6 +110,7 @@ TEST_F(Process, StartedProgramRunsOnItsOwn) {
     EXPECT_EQ(std::string(answer).rfind("/the/home one two ", 0), 0U) << answer;
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child of ours is left";
     close(pipe_end);
+    close(go);
 
     const char* missing[] = {"/no/such/program", nullptr};
     EXPECT_EQ(start_detached(missing, "/the/home"), 0);

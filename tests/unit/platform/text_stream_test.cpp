@@ -204,6 +204,17 @@ TEST_F(TextStream, FailedFlushKeepsTheBufferForARetry) {
     reset_file_faults();
     EXPECT_EQ(stream_flush(stream), 1);
     EXPECT_EQ(read("out"), "abc\r\ndef\r\ng\r\n");
+
+    // Nor does the part that goes out of a failed write show later.
+    ASSERT_EQ(append("lost"), 1);
+    fill_disk_after(2);
+    EXPECT_EQ(stream_flush(stream), 0);
+    EXPECT_EQ(line(0), "abc");
+    stream_rewind_to(stream, 13);
+    reset_file_faults();
+    ASSERT_EQ(append("kept"), 1);
+    ASSERT_EQ(stream_flush(stream), 1);
+    EXPECT_EQ(line(13), "kept");
 }
 
 TEST_F(TextStream, RewindTakesBackWrittenAndBufferedText) {

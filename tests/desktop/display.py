@@ -1,0 +1,129 @@
+"""A virtual display with a small window manager, and a person's hands on it: keys, mouse, windows, pictures.
+
+Needs Xvfb, openbox, xdotool, xprop, setxkbmap and ImageMagick's import and convert. Nothing here sleeps for a
+fixed time: every wait is for a condition, with a generous limit.
+"""
+
+import os
+import shutil
+import subprocess
+import tempfile
+import time
+
+LIMIT = 60.0  # seconds that a condition may take on a busy machine
+STEP = 0.05
+
+
+class Failure(Exception):
+    """A condition that did not come true, or a result that is not as told."""
+
+
+def wait_for(what, condition, limit=LIMIT):
+    """Polls until `condition` gives something true and returns that."""
+    end = time.monotonic() + limit
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > end:
+            raise Failure(f"waited {limit:.0f} s for: {what}")
+        time.sleep(STEP)
+
+
+def check(what, condition):
+    if not condition:
+        raise Failure(what)
+
+
+class Display:
+    """Xvfb on a free display number and openbox on it; a context manager that ends everything it started."""
+
+    def __init__(self, size="1280x1024"):
+        self.size = size
+        self.processes = []
+
+    def __enter__(self):
+        self.scratch = tempfile.mkdtemp(prefix="hexlane-display-")
+        self.environment = dict(os.environ, HOME=self.scratch, XDG_RUNTIME_DIR=self.scratch, LC_ALL="C.UTF-8")
+        for name in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "QT_SCALE_FACTOR", "XAUTHORITY"):
+            self.environment.pop(name, None)
+        try:
+            self._start_server()
+            self._start_window_manager()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            if process.poll() is None:
+                process.terminate()
+                try:
+                    process.wait(LIMIT)
+                except subprocess.TimeoutExpired:
+                    process.kill()
+                    process.wait()
+        shutil.rmtree(self.scratch, ignore_errors=True)
+
+    def _start_server(self):
+        reading, writing = os.pipe()
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", self.size + "x24", "-nolisten", "tcp"],
+                   pass_fds=[writing], stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as pipe:
+            number = pipe.readline().strip()
+        check("Xvfb did not start", number)
+        self.environment["DISPLAY"] = ":" + number
+
+    def _start_window_manager(self):
+        self.start(["openbox", "--sm-disable"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_for("the window manager", lambda: "window id" in self.output("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+
+    def start(self, command, **options):
+        """A process on this display that ends with it."""
+        process = subprocess.Popen(command, env=dict(self.environment, **options.pop("env", {})), **options)
+        self.processes.append(process)
+        return process
+
+    def output(self, *command):
+        done = subprocess.run(command, env=self.environment, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                              check=False)
+        return done.stdout.decode(errors="replace")
+
+    # ---- The person --------------------------------------------------------------------------------------
+
+    def hand(self, *words):
+        subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True)
+
+    def key(self, *names):
+        """Keys one after the other, each pressed and let go: "ctrl+s", "Return"."""
+        self.hand("key", *names)
+
+    def type(self, text):
+        self.hand("type", "--delay", 8, text)
+
+    # ---- Windows -----------------------------------------------------------------------------------------
+
+    def active_title(self):
+        return self.output("xdotool", "getactivewindow", "getwindowname").rstrip("\n")
+
+    def wait_active(self, title):
+        wait_for(f"the window '{title}' to be active", lambda: self.active_title().strip() == title)
+
+    def shown(self, title):
+        """Id of the window of exactly that title on the screen, empty when there is none."""
+        return self.output("xdotool", "search", "--onlyvisible", "--name", f"^{title} *$").split("\n")[0]
+
+    # ---- Pictures ----------------------------------------------------------------------------------------
+
+    def picture(self, path):
+        """Keeps the screen as a PNG."""
+        subprocess.run(["import", "-window", "root", path], env=self.environment, check=True)
+
+    def pixels(self):
+        """The screen as rows of RGB bytes, and its width."""
+        data = subprocess.run(["import", "-window", "root", "-depth", "8", "rgb:-"], env=self.environment,
+                              stdout=subprocess.PIPE, check=True).stdout
+        width = int(self.size.split("x")[0])
+        return [data[at:at + 3 * width] for at in range(0, len(data), 3 * width)], width

@@ -1,0 +1,276 @@
+#!/usr/bin/env python3
+"""Plays a person on the message probe: what reaches a window procedure from real keys, mouse, menus and boxes."""
+
+import argparse
+import os
+import sys
+
+from display import Display, Failure, check, wait_for
+
+SB_LINEUP, SB_LINEDOWN, SB_PAGEUP, SB_PAGEDOWN, SB_THUMBPOSITION = range(5)
+FIRST_COLS = 100  # cells across in a new window
+
+# Keys of a US keyboard: what is pressed, and the lines that come of it.
+US_KEYS = [
+    ("a", ["down 65", "char 97", "up 65"]),
+    ("7", ["down 55", "char 55", "up 55"]),
+    ("Return", ["down 13", "char 13", "up 13"]),
+    ("KP_Enter", ["down 13", "char 13", "up 13"]),
+    ("Tab", ["down 9", "char 9", "up 9"]),
+    ("Escape", ["down 27", "char 27", "up 27"]),
+    ("Left", ["down 37", "up 37"]),
+    ("KP_Home", ["down 36", "up 36"]),
+    ("KP_Add", ["down 107", "char 43", "up 107"]),
+    ("F9", ["down 120", "up 120"]),
+    ("BackSpace", ["down 8", "char 8", "up 8"]),
+    ("Delete", ["command 202", "up 46"]),  # an accelerator takes the key; letting go is told
+]
+
+# With modifiers the order in which they are let go is the hand's; only what is pressed is compared.
+US_CHORDS = [
+    ("shift+a", ["down 16 shift", "down 65 shift", "char 65"]),
+    ("shift+9", ["down 16 shift", "down 57 shift", "char 40"]),
+    ("shift+Left", ["down 16 shift", "down 37 shift"]),
+    ("shift+Delete", ["down 16 shift", "down 46 shift"]),  # accelerators match modifiers exactly
+    ("shift+Tab", ["down 16 shift", "down 9 shift", "char 9"]),
+    ("ctrl+b", ["down 17 ctrl", "down 66 ctrl", "char 2"]),
+    ("ctrl+Return", ["down 17 ctrl", "down 13 ctrl", "char 10"]),
+    ("ctrl+BackSpace", ["down 17 ctrl", "down 8 ctrl", "char 127"]),
+    ("ctrl+Tab", ["down 17 ctrl", "down 9 ctrl"]),
+    ("ctrl+o", ["down 17 ctrl", "command 201"]),
+    ("ctrl+g", ["down 17 ctrl"]),  # a grayed entry takes its key
+    ("alt+q", []),
+]
+
+# A German keyboard: what it types counts, not where; text that the table has not arrives bare.
+GERMAN_KEYS = [
+    (["key", "y"], ["down 89", "char 121"]),
+    (["key", "shift+7"], ["down 16 shift", "down 191 shift", "char 47"]),
+    (["keydown", "ISO_Level3_Shift", "key", "q", "keyup", "ISO_Level3_Shift"], ["down 50", "char 64"]),
+    (["key", "odiaeresis"], ["char 246"]),
+    (["key", "dead_circumflex", "key", "e"], ["char 234"]),
+    (["key", "Cyrillic_ya"], ["char 129"]),  # not in the table: a code that is refused
+]
+
+
+class Probe:
+    def __init__(self, display, program, scale="1"):
+        self.display = display
+        self.log = os.path.join(display.scratch, f"log-{scale}")
+        self.flag = os.path.join(display.scratch, "end-of-long-run")
+        with open(self.log, "wb") as log:
+            self.process = display.start([program, self.flag], stdout=log, env={"QT_SCALE_FACTOR": scale})
+        self.seen = 0
+        display.wait_active("Message probe")
+
+    def lines(self):
+        with open(self.log, encoding="utf-8") as log:
+            return log.read().splitlines()
+
+    def expect(self, what, wanted, leave_out=()):
+        """Waits for exactly these lines since the last call; lines that begin with one of `leave_out` don't count."""
+        mark = ["down 123", "up 123"]
+
+        def new_lines():
+            lines = self.lines()[self.seen:]
+            lines = lines[:-2] if lines[-2:] == mark else lines
+            return [line for line in lines if not line.startswith(tuple(leave_out))]
+        try:
+            wait_for("these lines", lambda: new_lines()[:len(wanted)] == wanted)
+            self.display.key("F12")  # when this key has come, everything before it has
+            wait_for("the key behind them", lambda: self.lines()[-2:] == mark)
+            check("more came than was expected", new_lines() == wanted)
+        except Failure as failure:
+            raise Failure(f"{what}: {failure}\n  wanted {wanted}\n  got    {new_lines()}") from None
+        self.seen = len(self.lines())
+
+    def expect_under_box(self, what, wanted):
+        wait_for(f"{what}: {wanted}", lambda: self.lines()[self.seen:] == wanted)
+        self.seen = len(self.lines())
+
+
+def check_start(probe):
+    wanted = ["create", "size", "paint", "focus gained"]
+    wait_for("the messages of the start", lambda: probe.lines()[:4] == wanted)
+    probe.seen = 4
+
+
+def check_keys(probe, display):
+    for key, wanted in US_KEYS:
+        display.key(key)
+        probe.expect(f"key {key}", wanted)
+    for chord, wanted in US_CHORDS:
+        display.key(chord)
+        probe.expect(f"key {chord}", wanted, leave_out=["up "])
+
+
+def check_german_keys(probe, display):
+    display.output("setxkbmap", "de")
+    for words, wanted in GERMAN_KEYS:
+        display.hand(*words)
+        probe.expect(" ".join(words), wanted, leave_out=["up "])
+    display.output("setxkbmap", "us")
+
+
+def find_mark(display):
+    """The red cell: left, top, width and height in pixels."""
+    def red(pixels, at):
+        return pixels[at:at + 3] == b"\xff\x00\x00"
+
+    def search():
+        rows, width = display.pixels()
+        for y, row in enumerate(rows):
+            at = row.find(b"\xff\x00\x00")
+            if at >= 0 and at % 3 == 0:
+                left = at // 3
+                cells = next(x for x in range(left, width) if not red(row, 3 * x)) - left
+                return left, y, cells, next(i for i in range(y, len(rows)) if not red(rows[i], at)) - y
+        return None
+    return wait_for("the red cell", search)
+
+
+def check_mouse(probe, display):
+    left, top, width, height = find_mark(display)
+    middle = (left + 5 * width + width // 2, top + 3 * height + height // 2)
+    display.hand("mousemove", *middle, "click", 1, "click", 1)
+    probe.expect("two clicks", ["press 5,3 flags 1", "release"] * 2)
+    display.hand("mousemove", *middle, "mousedown", 1, "mousemove", 5, 5, "mouseup", 1)
+    probe.expect("a drag to the outside", ["press 5,3 flags 1", "drag", "release outside"])
+    display.hand("mousemove", *middle, "click", 5)
+    probe.expect("the wheel down", [f"scroll {SB_LINEDOWN} 0"] * 3)
+    display.hand("click", 4)
+    probe.expect("the wheel up", [f"scroll {SB_LINEUP} 0"] * 3)
+
+
+def check_scroll_bar(probe, display):
+    left, top, width, _ = find_mark(display)
+    bar = left + FIRST_COLS * width + 6
+    display.hand("mousemove", bar, top + 300, "click", 1)
+    probe.expect("a click below the thumb", [f"scroll {SB_PAGEDOWN} 0"])
+    display.hand("mousemove", bar, top + 24, "mousedown", 1, "mousemove", bar, top + 200)
+    probe.expect("the thumb on its way", [])
+    display.hand("mousemove", bar, top + 300, "mouseup", 1)
+    thumb = wait_for("the thumb let go", lambda: probe.lines()[probe.seen:])
+    check(f"the thumb's place in {thumb}", thumb[0].split()[:2] == ["scroll", str(SB_THUMBPOSITION)] and
+          30 < int(thumb[0].split()[2]) < 70)
+    probe.expect("the thumb", thumb)
+
+
+def check_menu(probe, display):
+    display.key("alt+a")
+    probe.expect_under_box("the menu", ["select 1", f"select {101}"])
+    display.key("Down", "Down", "Down", "Down")
+    probe.expect_under_box("down the menu", ["select 102", "select 103", "select 104", "select 105"])
+    display.key("Escape")
+    probe.expect_under_box("the closed menu", ["select 0"])
+    display.key("Escape")
+    probe.expect("nothing more", [])
+    display.key("F10")
+    probe.expect_under_box("F10", ["select 1"])
+    display.key("Escape", "Escape")
+    probe.expect("out of the menu", ["select 0"])
+
+
+def check_box(probe, display):
+    for key, number in (("Return", 0), ("n", 1), ("Escape", 2)):
+        display.key("alt+a", "b")
+        display.wait_active("Question")
+        display.key(key)
+        display.wait_active("Message probe")
+        probe.expect(f"the box and {key}", ["command 101", "focus lost", "focus gained", f"pressed {number}"],
+                     leave_out=["select"])
+
+
+def check_timer_and_worker(probe, display):
+    display.key("alt+a", "t")
+    display.wait_active("Tick")
+    wait_for("ticks under the box", lambda: probe.lines()[-1] == "tick 5")
+    display.key("Escape")
+    probe.expect("the timer", ["command 102", "tick 1", "tick 2", "focus lost", "tick 3", "tick 4", "tick 5",
+                               "focus gained", "box of the timer closed"], leave_out=["select"])
+    display.key("alt+a", "w")
+    probe.expect("the worker", ["command 103", "worker sent 7", "worker posted 10", "worker posted 11",
+                                "worker posted 12"], leave_out=["select"])
+
+
+def check_long_run(probe, display, pictures):
+    left, top, _, _ = find_mark(display)
+    before, _ = display.pixels()
+    display.key("alt+a", "l")
+    wait_for("the long run", lambda: probe.lines()[-1] == "long run begins")
+    strip = slice(3 * left, 3 * (left + 300))
+
+    def drawn():
+        rows, _ = display.pixels()
+        return any(old[strip] != new[strip] for old, new in zip(before[top + 500:], rows[top + 500:]))
+    wait_for("the status line during the long run", drawn)
+    display.picture(os.path.join(pictures, "long-run.png"))
+    open(probe.flag, "wb").close()
+    probe.expect("the long run", ["command 104", "long run begins", "long run ends"], leave_out=["select"])
+
+
+def check_minimising(probe, display):
+    display.hand("search", "--onlyvisible", "--name", "^Message probe$", "windowminimize")
+    probe.expect_under_box("the minimised window", ["focus lost"])
+    display.hand("search", "--name", "^Message probe$", "windowactivate")
+    probe.expect("the window back", ["focus gained"])
+
+
+def check_end(probe, display):
+    display.key("alt+h", "l")
+    code = probe.process.wait(60)
+    check(f"exit code {code}", code == 3)
+    check("the window was asked to close", "close" in probe.lines()[probe.seen:])
+
+
+def check_sharpness(display, program, scale, pictures):
+    """Every cell has the same whole number of pixels, and the same letter looks the same in each of them."""
+    probe = Probe(display, program, scale)
+    left, top, width, height = find_mark(display)
+
+    def cells():
+        rows, _ = display.pixels()
+        return {b"".join(rows[y][3 * (left + n * width):3 * (left + (n + 1) * width)]
+                         for y in range(top + height, top + 2 * height)) for n in range(20)}
+    wait_for(f"letters that look the same at scale {scale}", lambda: len(cells()) == 1)
+    rows, _ = display.pixels()
+    check(f"the red cell has a smeared edge at scale {scale}",
+          rows[top][3 * (left + width):3 * (left + width + 1)] == b"\xff\xff\xff")
+    display.picture(os.path.join(pictures, f"scale-{scale}.png"))
+    display.key("alt+h", "l")
+    probe.process.wait(60)
+    return width, height
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--probe", required=True)
+    parser.add_argument("--pictures", required=True)
+    arguments = parser.parse_args()
+    os.makedirs(arguments.pictures, exist_ok=True)
+    with Display() as display:
+        try:
+            probe = Probe(display, arguments.probe)
+            check_start(probe)
+            check_keys(probe, display)
+            check_german_keys(probe, display)
+            check_mouse(probe, display)
+            check_scroll_bar(probe, display)
+            check_menu(probe, display)
+            check_box(probe, display)
+            check_timer_and_worker(probe, display)
+            check_long_run(probe, display, arguments.pictures)
+            check_minimising(probe, display)
+            check_end(probe, display)
+            for scale in ("1", "1.25", "2"):
+                width, height = check_sharpness(display, arguments.probe, scale, arguments.pictures)
+                print(f"scale {scale}: a cell is {width} by {height} pixels")
+        except Failure as failure:
+            display.picture(os.path.join(arguments.pictures, "messages-failed.png"))
+            print(f"messages_test: {failure}", file=sys.stderr)
+            return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
