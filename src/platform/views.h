@@ -64,7 +64,12 @@ struct ViewSpec {
     int16_t number;     // resource number, for the record; 0 when none is told
     const ControlSpec* controls;
     int16_t control_count;
+    int16_t x = 0;  // wished place in dialog units from the corner of the parent's client area; 0, 0: centered
+    int16_t y = 0;
 };
+
+// A control tells its view what the person did with WM_COMMAND: first is the control's id, second is not 0. A button
+// was pressed, a box or radio button changed, another line of a LIST or CHOICE picked, a field's text changed.
 
 // Makes a modal view, not yet on show; its procedure gets WM_INITDIALOG when it runs. 0 on failure.
 ViewHandle view_create(const ViewSpec* spec, WindowHandle parent, WindowProcedure procedure);
@@ -96,6 +101,11 @@ void view_clear_list(ViewHandle view, int id);
 void view_add_to_list(ViewHandle view, int id, const char* text);
 void view_select(ViewHandle view, int id, int index);  // -1 for none
 int view_selection(ViewHandle view, int id);           // -1 for none
+
+// The text surface of a PANE control, for surface.h; its grid has the control's size in cells. NO_WINDOW when there
+// is no such pane. A pane tells its view's procedure of mouse and keys as a main window does, with WM_VSCROLL of its
+// bar too; bits 16 to 31 of the message's `first` then hold the pane's id.
+WindowHandle view_pane(ViewHandle view, int id);
 
 // Draws one control at once, all with id -1, also during a long run that serves no messages.
 void view_repaint_control(ViewHandle view, int id);

@@ -42,7 +42,7 @@ class Editor:
         try:
             wait_for(what, lambda: read(path) == wanted)
         except Failure as failure:
-            raise Failure(f"{failure}\n  wanted {wanted[:200]}\n  got    {read(path)[:200]}") from None
+            raise Failure(f"{failure}\n  wanted {wanted[:80]}...{wanted[-80:]}\n  got    {read(path)[:80]}...{read(path)[-80:]}") from None
 
     def keep_picture(self, name):
         self.display.picture(os.path.join(self.pictures, name + ".png"))
