@@ -75,9 +75,11 @@ std::string folder_part(const char* path) {
     return slash == std::string::npos ? "." : text.substr(0, std::max<std::size_t>(slash, 1));
 }
 
-bool is_denied(const char* path, int what) {
-    return std::any_of(faults.denials.begin(), faults.denials.end(),
-                       [&](const DenyRule& rule) { return (rule.what & what) != 0 && rule.path == path; });
+bool is_denied(const std::string& path, int what) {
+    return std::any_of(faults.denials.begin(), faults.denials.end(), [&](const DenyRule& rule) {
+        const bool is_tail = rule.path[0] != '/' && ("/" + path).ends_with("/" + rule.path);
+        return (rule.what & what) != 0 && (rule.path == path || is_tail);
+    });
 }
 
 // The errno of a permission that `plan` lacks, or 0.
@@ -90,11 +92,11 @@ int permission_error(const FileCallPlan& plan) {
     case FileCall::CREATE:
     case FileCall::DELETE:
     case FileCall::MAKE_FOLDER:
-        denied = is_denied(folder_part(plan.path).c_str(), DENY_ENTRIES);
+        denied = is_denied(folder_part(plan.path), DENY_ENTRIES);
         break;
     case FileCall::RENAME:
-        denied = is_denied(folder_part(plan.path).c_str(), DENY_ENTRIES) ||
-                 is_denied(folder_part(plan.second_path).c_str(), DENY_ENTRIES);
+        denied = is_denied(folder_part(plan.path), DENY_ENTRIES) ||
+                 is_denied(folder_part(plan.second_path), DENY_ENTRIES);
         break;
     default:
         break;

@@ -64,7 +64,8 @@ void fail_file_call(FileCall kind, int n, int error, const char* path_part = "",
 // the disk at once.
 void fill_disk_after(int64_t bytes, int failures = -1);
 
-// What a path refuses, with EACCES. `path` is exact, as the caller of files.h gives it.
+// What a path refuses, with EACCES. `path` is as the caller of files.h gives it, or, when it does not begin
+// with '/', the last parts of that: "a.nc", "sub/a.nc".
 constexpr int DENY_READ = 1;     // opening it at all
 constexpr int DENY_WRITE = 2;    // opening it for writing
 constexpr int DENY_ENTRIES = 4;  // in a folder: making, renaming and deleting the names in it
@@ -86,10 +87,11 @@ int open_file_count();
 // Arms faults written as text, several with ';' between them:
 //   fail KIND N ERROR [PATH-PART [TIMES]]     "fail write 3 ENOSPC", "fail flush 1 EIO chng.txt"
 //   full BYTES [FAILURES]                     "full 4096", "full 4096 2"
-//   deny read|write|entries PATH              "deny write /tmp/a.nc"
+//   deny read|write|entries PATH              "deny write a.nc", "deny entries /tmp/work"
 //   exit-before N, exit-halfway N, exit-after N
-// KIND is a file_call_name or "any"; ERROR one of EACCES EDQUOT EEXIST EFBIG EIO EMFILE ENODEV ENOENT ENOSPC
-// EPERM EROFS EXDEV. Gives 1; 0 when a part is not of these forms, and then nothing is armed.
+// A program makes files of its own at its start, so that a PATH-PART is often wanted. KIND is a
+// file_call_name or "any"; ERROR one of EACCES EDQUOT EEXIST EFBIG EIO EMFILE ENODEV ENOENT ENOSPC EPERM
+// EROFS EXDEV. Gives 1; 0 when a part is not of these forms, and then nothing is armed.
 int arm_file_faults_from_text(const char* text);
 
 }  // namespace hexlane::platform
