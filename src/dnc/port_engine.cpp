@@ -1,0 +1,219 @@
+#include "dnc/port_engine.h"
+
+#include "dnc/dnc_texts.h"
+#include "dnc/machine_fields.h"
+#include "dnc/transfer.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace hexlane {
+
+using namespace platform;
+
+PortSlot port_slot[SLOT_COUNT];
+std::atomic<int32_t> block_mode = 0;
+std::atomic<int32_t> row_sent = 0;
+WindowHandle start_point_window = NO_WINDOW;
+int32_t background_requested = 0;
+
+namespace {
+
+constexpr uint8_t PARITY_BY_INDEX[] = {PARITY_NONE, PARITY_EVEN, PARITY_ODD};
+
+// While a queued send stands by, the driver must let the machine's DC1 through.
+uint8_t xon_for(const TransferState& t) {
+    return t.status == SEND_STANDBY && !t.start_now ? 0x00 : XON_CHAR;
+}
+
+int start_worker(int slot, bool for_blocks) {
+    PortSlot& port = port_slot[slot];
+    port.for_blocks = for_blocks;
+    port.worker_thread =
+        thread_start(port_worker, slot, for_blocks ? ThreadPriority::BELOW_NORMAL : ThreadPriority::HIGHEST);
+    return port.worker_thread != NO_THREAD;
+}
+
+int open_with_worker(int slot, bool for_blocks) {
+    PortSlot& port = port_slot[slot];
+    const LineHandle line = line_open(port.port_number);
+    if (line == NO_LINE)
+        return 0;
+    port.port_handle = line;
+    port.last_in_queue = 0;
+    port.write_running = 0;
+    port.write_count = 0;
+    line_set_mask(line, PORT_EVENT_MASK);
+    if (!port_configure(slot)) {
+        line_close(line);
+        return 0;
+    }
+    port.connected = 1;
+    if (!start_worker(slot, for_blocks)) {
+        port.connected = 0;
+        line_close(line);
+        return 0;
+    }
+    line_set_dtr(line, true);
+    transfer_step(slot, STEP_NONE);
+    return 1;
+}
+
+void release_port(int slot) {
+    PortSlot& port = port_slot[slot];
+    thread_join(port.worker_thread);
+    port.worker_thread = NO_THREAD;
+    line_set_dtr(port.port_handle, false);
+    line_purge(port.port_handle);
+    line_close(port.port_handle);
+    port.port_handle = NO_LINE;
+    port.write_running = 0;
+}
+
+bool asks_before_close(const TransferState& t) {
+    return t.fault == TransferFault::NONE &&
+           (t.status == RECEIVING || (t.status == SENDING && !background_requested));
+}
+
+void disconnect(int slot) {
+    port_slot[slot].connected = 0;
+    line_set_mask(port_slot[slot].port_handle, 0);
+}
+
+void tell_end(int slot) {
+    const TransferState& t = transfer_state[slot];
+    char port[8];
+    format_text(port, sizeof port, "COM%d", port_slot[slot].port_number);
+    switch (t.fault) {
+    case TransferFault::LINE_GONE: {
+        char device[PATH_SIZE];
+        char named[PATH_SIZE + 16];
+        line_device(port_slot[slot].port_number, device, sizeof device);
+        format_text(named, sizeof named, "%s (%s)", port, device);
+        show_dnc_box(DncBox::LINE_GONE, named);
+        return;
+    }
+    case TransferFault::SOURCE_CHANGED:
+        show_dnc_box(DncBox::SOURCE_CHANGED, t.file_name);
+        return;
+    case TransferFault::CANNOT_READ:
+        show_dnc_box(DncBox::CANNOT_READ, t.file_name);
+        return;
+    case TransferFault::CANNOT_WRITE:
+        show_dnc_box(DncBox::CANNOT_WRITE, t.file_name, file_error_text(t.fault_error));
+        return;
+    default:
+        show_dnc_box(t.status == SEND_DONE || t.status == RECEIVE_DONE ? DncBox::COMPLETE
+                                                                       : DncBox::TERMINATED);
+    }
+}
+
+}  // namespace
+
+int port_init(int slot, const MachineParams& machine) {
+    PortSlot& port = port_slot[slot];
+    if (port.step_lock == NO_LOCK)
+        port.step_lock = lock_make();
+    if (port.step_lock == NO_LOCK)
+        return -1;
+    port_apply_machine(slot, machine);
+    return 1;
+}
+
+void port_apply_machine(int slot, const MachineParams& machine) {
+    PortSlot& port = port_slot[slot];
+    TransferState& t = transfer_state[slot];
+    port.baud_rate = BAUD_RATES[machine_setting(machine, Field::BAUD_INDEX)];
+    port.byte_size = static_cast<uint8_t>(machine_setting(machine, Field::DATA_BITS_INDEX) + 7);
+    port.parity = PARITY_BY_INDEX[machine_setting(machine, Field::PARITY_INDEX)];
+    port.stop_bits = machine_setting(machine, Field::STOP_BITS_INDEX) == 0 ? STOP_BITS_ONE : STOP_BITS_TWO;
+    port.port_number = static_cast<uint8_t>(machine_setting(machine, Field::PORT_INDEX) + 1);
+    port.flow_control =
+        machine_setting(machine, Field::HANDSHAKE) == HANDSHAKE_SOFTWARE ? FLOW_XON_XOFF : FLOW_RTS_CTS;
+    t.xoff_char = machine.xoff_char == XOFF_EIA_ALTERNATE ? XOFF_EIA_ALTERNATE : XOFF_DEFAULT;
+    const EobConversion& eob = EOB_CONVERSIONS[machine_setting(machine, Field::EOB_CONVERSION)];
+    t.eob_on = eob.on;
+    t.eob_length = eob.length;
+    std::copy(std::begin(eob.bytes), std::end(eob.bytes), t.eob_bytes);
+}
+
+int port_configure(int slot) {
+    PortSlot& port = port_slot[slot];
+    port_apply_machine(slot, machine_of_slot(slot));
+    LineSettings settings = {};
+    settings.baud_rate = port.baud_rate;
+    settings.byte_size = port.byte_size;
+    settings.parity = port.parity;
+    settings.stop_bits = port.stop_bits;
+    settings.hardware_handshake = port.flow_control == FLOW_RTS_CTS;
+    settings.software_handshake = port.flow_control == FLOW_XON_XOFF;
+    settings.xon_char = xon_for(transfer_state[slot]);
+    settings.xoff_char = transfer_state[slot].xoff_char;
+    settings.event_char = ACK_CHAR;
+    return line_configure(port.port_handle, settings);
+}
+
+int port_open(int slot) {
+    return open_with_worker(slot, false);
+}
+
+int port_open_for_blocks(int slot) {
+    return open_with_worker(slot, true);
+}
+
+void port_close(int slot) {
+    if (!port_slot[slot].connected)
+        return;
+    disconnect(slot);
+    release_port(slot);
+    close_received_file(slot);
+}
+
+int port_close_and_report(int slot) {
+    PortSlot& port = port_slot[slot];
+    const TransferState& t = transfer_state[slot];
+    if (port.closing || !port.connected)
+        return 1;
+    port.closing = true;
+    // A transfer that comes to its end while the question is up is closed whatever the answer.
+    if (asks_before_close(t) && show_dnc_box(DncBox::DISCONNECT) != 0 && asks_before_close(t)) {
+        port.closing = false;
+        return 0;
+    }
+    disconnect(slot);
+    {
+        const LockGuard guard(port.step_lock);
+        close_received_file(slot);
+    }
+    tell_end(slot);
+    release_port(slot);
+    port.closing = false;
+    return 1;
+}
+
+int port_read(uint8_t* buffer, int size, int slot) {
+    PortSlot& port = port_slot[slot];
+    const int queued = line_queue_length(port.port_handle);
+    int count = std::min(size, queued);
+    if (queued < size / 3) {
+        count = queued == port.last_in_queue ? queued : 0;
+        port.last_in_queue = queued;
+    }
+    if (count == 0)
+        return 0;
+    port.last_in_queue = 0;
+    const int got = line_read(port.port_handle, buffer, count);
+    transfer_state[slot].bytes_done += got;
+    return got;
+}
+
+void port_write(const uint8_t* bytes, int count, int slot) {
+    PortSlot& port = port_slot[slot];
+    port.write_count = count;
+    port.write_running = 1;
+    if (!line_write(port.port_handle, bytes, count))
+        port.write_running = 0;  // the line has failed: its worker learns it from the wait
+}
+
+}  // namespace hexlane

@@ -1,0 +1,51 @@
+// transfer.h: sending and receiving a file on a slot: preparing, the one step function, and the ends.
+#pragma once
+
+#include "dnc/transfer_state.h"
+
+#include <cstdint>
+
+namespace hexlane {
+
+constexpr int STEP_RECEIVE = 2;
+constexpr int STEP_SEND = 3;
+constexpr int STEP_NONE = 4;
+
+// One step of the slot's transfer, under its lock. 0 when the slot is not connected, else 1. Any thread.
+int transfer_step(int slot, int op);
+
+// Fills the first output buffer of a send; file_name, total_bytes, start_offset and file_position are set and
+// the port is open. With send_now the first write goes out at once. Main thread. Gives 1; 0 when the file
+// cannot be read, and then status is PORT_IDLE.
+int prepare_send(int slot);
+
+// From SEND_STANDBY to SENDING: sets the line's normal handshake and writes what is prepared. Main thread.
+void begin_sending(int slot);
+
+// Makes the file of a receive, empty, in the place of file_name, and waits for the first byte; the port is
+// open. 1, or 0 on failure with the reason in platform::last_file_error(). Main thread.
+int prepare_receive(int slot);
+
+// Closes the file of a receive, flushed. 1; 0 when the medium did not take it all, which is noted as the
+// transfer's fault. Under the slot's lock, or with no worker running.
+int close_received_file(int slot);
+
+// On every tick of the 1000 ms timer: ends a receive after its time of silence. Main thread.
+void check_receive_timeout(int slot);
+
+// TRANSFER_DONE_MESSAGE and TRANSFER_FAILED_MESSAGE: closes the port and tells how it ended, if that transfer
+// is still the slot's. Main thread.
+void finish_transfer(int slot, int64_t transfer_number);
+void finish_failed_transfer(int slot, int64_t transfer_number);
+
+// Reading of the file that is sent, a piece or a line at a time, each with an open of its own. Under the
+// slot's lock.
+void read_chunk(int slot);
+void read_line(int slot);
+
+// The steps of transfer_step for a caller that holds the lock already, and the worker's start of a queued
+// send.
+int transfer_step_locked(int slot, int op);
+void set_sending_handshake(int slot);
+
+}  // namespace hexlane

@@ -1,0 +1,295 @@
+// transfer_step.cpp: preparing a transfer, its steps, and its end.
+
+#include "dnc/transfer.h"
+
+#include "dnc/crc32.h"
+#include "dnc/filters.h"
+#include "dnc/machine_fields.h"
+#include "dnc/port_engine.h"
+#include "frame/child.h"
+#include "platform/clock.h"
+#include "platform/desktop.h"
+#include "platform/threads.h"
+
+#include <cstring>
+
+namespace hexlane {
+
+using namespace platform;
+
+namespace {
+
+constexpr int MS_PER_SECOND = 1000;
+
+int32_t next_transfer_number = 1;
+
+bool line_mode(int slot) {
+    return machine_setting(machine_of_slot(slot), Field::EOB_DELAY_MS) != 0;
+}
+
+void begin_transfer(TransferState& t) {
+    t.transfer_number = next_transfer_number++;
+    t.fault = TransferFault::NONE;
+    t.wait_for_ack = 0;
+    t.tally = {};
+}
+
+// Reads the next piece if the one in the file buffer is used up, and runs the filters over it. A stretch that
+// they drop whole is followed by the next at once, since no write means no transmitter-empty.
+void refill(int slot) {
+    TransferState& t = transfer_state[slot];
+    const bool by_line = line_mode(slot);
+    t.out_index = 0;
+    t.out_count = 0;
+    while (!t.fill_done && t.out_count == 0) {
+        if (t.in_index >= t.file_count && !t.last_buffer && t.carry_count == 0 && !t.source_ended) {
+            if (by_line)
+                read_line(slot);
+            else
+                read_chunk(slot);
+        }
+        const int32_t from = t.in_index;
+        t.fill_done = static_cast<int16_t>(by_line ? fill_from_line(slot) : fill_from_buffer(slot));
+        const auto taken = static_cast<std::size_t>(t.in_index - from);
+        t.tally.file_crc = crc32(t.tally.file_crc, transfer_buffers[slot].file_buffer + from, taken);
+        t.tally.file_bytes += static_cast<int64_t>(taken);
+    }
+}
+
+void write_output(int slot) {
+    TransferState& t = transfer_state[slot];
+    if (t.out_count == 0 || t.out_index >= OUTPUT_BUFFER_SIZE || port_slot[slot].write_running)
+        return;
+    const uint8_t* bytes = transfer_buffers[slot].output_buffer + t.out_index;
+    const int count = t.out_count - t.out_index;
+    t.tally.line_crc = crc32(t.tally.line_crc, bytes, static_cast<std::size_t>(count));
+    port_write(bytes, count, slot);
+}
+
+// The file's size for a pass, or -1; its stamp is what the reads are held against.
+int64_t take_source_stamp(TransferState& t) {
+    return path_stamp(t.file_name, &t.source_stamp) && t.source_stamp.size <= INT32_MAX ? t.source_stamp.size
+                                                                                        : -1;
+}
+
+// A further pass over the whole file. 0 when it cannot be read any more.
+int start_next_pass(int slot) {
+    TransferState& t = transfer_state[slot];
+    const int64_t size = take_source_stamp(t);
+    if (size <= 0) {
+        t.fault = TransferFault::SOURCE_CHANGED;
+        return 0;
+    }
+    t.total_bytes = static_cast<int32_t>(size);
+    refill(slot);
+    return 1;
+}
+
+void end_send(int slot) {
+    TransferState& t = transfer_state[slot];
+    t.status = SEND_DONE;
+    t.bytes_done = 0;
+    post_message(child[0].main_window, TRANSFER_DONE_MESSAGE, slot, t.transfer_number);
+}
+
+void step_send(int slot) {
+    TransferState& t = transfer_state[slot];
+    if (!block_mode && t.out_index >= t.out_count)
+        refill(slot);
+    if (t.out_count == 0 && t.fill_done && !block_mode) {
+        const bool faulty = t.fault != TransferFault::NONE;
+        reset_transfer(slot);
+        if (!t.continuous || faulty || !start_next_pass(slot)) {
+            end_send(slot);
+            return;
+        }
+    }
+    write_output(slot);
+}
+
+void fail_receive(int slot) {
+    TransferState& t = transfer_state[slot];
+    t.fault_error = last_file_error();
+    t.fault = TransferFault::CANNOT_WRITE;
+    t.status = RECEIVE_DONE;
+    post_message(child[0].main_window, TRANSFER_FAILED_MESSAGE, slot, t.transfer_number);
+}
+
+// Filters `count` received bytes and puts them behind what the file holds.
+int append_received(int count, int slot) {
+    TransferState& t = transfer_state[slot];
+    const uint8_t* received = transfer_buffers[slot].receive_buffer;
+    t.tally.line_bytes += count;
+    t.tally.line_crc = crc32(t.tally.line_crc, received, static_cast<std::size_t>(count));
+    const int stored = receive_filter(count, received, slot);
+    const uint8_t* bytes = transfer_buffers[slot].file_buffer;
+    if (!file_write_at(t.file_handle, t.received_length, bytes, static_cast<std::size_t>(stored)))
+        return 0;
+    t.received_length += stored;
+    t.tally.file_bytes += stored;
+    t.tally.file_crc = crc32(t.tally.file_crc, bytes, static_cast<std::size_t>(stored));
+    return 1;
+}
+
+// Takes all that is queued. Sizes are halved until something comes, so that a few bytes are waited for once.
+void step_receive(int slot) {
+    TransferState& t = transfer_state[slot];
+    int count = 0;
+    do {
+        count = 0;
+        for (int size = RECEIVE_CHUNK; size >= 1 && count == 0; size /= 2)
+            count = port_read(transfer_buffers[slot].receive_buffer, size, slot);
+        if (count > 0 && !append_received(count, slot)) {
+            fail_receive(slot);
+            return;
+        }
+        t.last_activity_tick = tick_ms();
+    } while (count > 0);
+}
+
+// While a queued send stands by: DC1 is the machine's request, any other byte is dropped.
+void step_standby(int slot) {
+    uint8_t byte = 0;
+    while (transfer_state[slot].status == SEND_STANDBY && port_read(&byte, 1, slot) == 1) {
+        if (byte == DC1)
+            transfer_state[slot].status = XON_SEEN;
+    }
+}
+
+}  // namespace
+
+int transfer_step_locked(int slot, int op) {
+    TransferState& t = transfer_state[slot];
+    if (!port_slot[slot].connected)
+        return 0;
+    if (op == STEP_NONE && (t.status == SEND_DONE || t.status == RECEIVE_DONE)) {
+        t.bytes_done = 0;
+        t.status = PORT_IDLE;
+    }
+    if (op == STEP_SEND && t.status == SENDING)
+        step_send(slot);
+    if (op == STEP_RECEIVE && t.status == RECEIVING)
+        step_receive(slot);
+    else if (op == STEP_RECEIVE && t.status == SEND_STANDBY)
+        step_standby(slot);
+    return 1;
+}
+
+int transfer_step(int slot, int op) {
+    const LockGuard guard(port_slot[slot].step_lock);
+    return transfer_step_locked(slot, op);
+}
+
+int prepare_send(int slot) {
+    TransferState& t = transfer_state[slot];
+    {
+        const LockGuard guard(port_slot[slot].step_lock);
+        t.status = SEND_STANDBY;
+        begin_transfer(t);
+        t.bytes_done = t.start_offset;
+        t.need_start = 1;
+        t.total_bytes = t.total_bytes - t.start_offset;
+        t.in_index = 0;
+        t.out_count = 0;
+        t.out_index = 0;
+        t.file_count = 0;
+        t.carry_count = 0;
+        t.source_count = 0;
+        t.last_buffer = 0;
+        t.fill_done = 0;
+        t.end_sent = 0;
+        t.source_ended = 0;
+        if (take_source_stamp(t) < 0) {
+            t.status = PORT_IDLE;
+            return 0;
+        }
+        refill(slot);
+        t.continuous = send_continuous;
+    }
+    if (send_now)
+        begin_sending(slot);
+    return 1;
+}
+
+void set_sending_handshake(int slot) {
+    LineSettings settings;
+    if (!line_settings(port_slot[slot].port_handle, &settings))
+        return;
+    settings.xon_char = XON_CHAR;
+    line_configure(port_slot[slot].port_handle, settings);
+}
+
+void begin_sending(int slot) {
+    if (!port_slot[slot].connected)
+        return;
+    const LockGuard guard(port_slot[slot].step_lock);
+    TransferState& t = transfer_state[slot];
+    if (t.status != SEND_STANDBY)
+        return;
+    set_sending_handshake(slot);
+    t.first_block = 1;
+    t.status = SENDING;
+    transfer_step_locked(slot, STEP_SEND);
+}
+
+int prepare_receive(int slot) {
+    TransferState& t = transfer_state[slot];
+    const LockGuard guard(port_slot[slot].step_lock);
+    // A file of the user's that has this name goes first; a new one is made, so that links are not followed.
+    if (path_kind(t.file_name) != PathKind::NONE && !delete_file(t.file_name))
+        return 0;
+    t.file_handle = file_create(t.file_name, FileCreate::NEW);
+    if (t.file_handle == NO_FILE)
+        return 0;
+    begin_transfer(t);
+    t.received_length = 0;
+    port_slot[slot].last_in_queue = 0;
+    t.bytes_done = 0;
+    t.status = RECEIVE_STANDBY;
+    return 1;
+}
+
+int close_received_file(int slot) {
+    TransferState& t = transfer_state[slot];
+    if (t.file_handle == NO_FILE)
+        return 1;
+    const int flushed = file_flush(t.file_handle);
+    const int closed = file_close(t.file_handle);
+    t.file_handle = NO_FILE;
+    if (flushed && closed)
+        return 1;
+    if (t.fault == TransferFault::NONE) {
+        t.fault_error = last_file_error();
+        t.fault = TransferFault::CANNOT_WRITE;
+    }
+    return 0;
+}
+
+void check_receive_timeout(int slot) {
+    TransferState& t = transfer_state[slot];
+    if (t.status != RECEIVING)
+        return;
+    const int limit = machine_setting(machine_of_slot(slot), Field::RECEIVE_TIMEOUT_S) * MS_PER_SECOND;
+    {
+        const LockGuard guard(port_slot[slot].step_lock);
+        if (t.status != RECEIVING || tick_ms() - t.last_activity_tick < static_cast<uint32_t>(limit))
+            return;
+        t.status = RECEIVE_DONE;
+        close_received_file(slot);
+    }
+    port_close_and_report(slot);
+}
+
+void finish_transfer(int slot, int64_t transfer_number) {
+    const TransferState& t = transfer_state[slot];
+    if (port_slot[slot].connected && t.status == SEND_DONE && t.transfer_number == transfer_number)
+        port_close_and_report(slot);
+}
+
+void finish_failed_transfer(int slot, int64_t transfer_number) {
+    const TransferState& t = transfer_state[slot];
+    if (port_slot[slot].connected && t.fault != TransferFault::NONE && t.transfer_number == transfer_number)
+        port_close_and_report(slot);
+}
+
+}  // namespace hexlane
