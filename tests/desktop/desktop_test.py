@@ -56,13 +56,7 @@ def read(path):
 
 
 def check_typing(editor):
-    def colors():
-        rows, _ = editor.display.pixels()
-        found = set()
-        for row in rows:
-            found.update(row[at:at + 3] for at in range(0, len(row), 3))
-        return len(found)
-    wait_for("a coloured program", lambda: colors() >= COLORS_LEAST)
+    wait_for("a coloured program", lambda: editor.display.count_colors() >= COLORS_LEAST)
     editor.keep_picture("opened")
     editor.display.type("(typed)")
     editor.display.key("Return")
@@ -70,7 +64,7 @@ def check_typing(editor):
 
 
 def check_focus(editor):
-    """Text typed before another window took the focus, and behind it, is one row."""
+    """Text typed before another window took the focus, and behind it, is one row; a blank end row follows it."""
     editor.display.key("ctrl+End")
     editor.display.type("(before")
     editor.display.key("alt+h", "c")
@@ -80,13 +74,13 @@ def check_focus(editor):
     editor.display.wait_active(TITLE)
     editor.display.type(" and behind)")
     editor.save_and_expect("a row from both sides of a loss of focus", editor.file,
-                           b"(typed)\r\n" + editor.original + b"(before and behind)\r\n")
+                           b"(typed)\r\n" + editor.original + b"(before and behind)\r\n\r\n")
 
 
 def check_second_start(editor):
     display = editor.display
     display.hand("search", "--onlyvisible", "--name", f"^{TITLE}$", "windowminimize")
-    wait_for("the window to be minimised", lambda: not display.shown(TITLE))
+    wait_for("the window to be minimised", lambda: display.count_shown(TITLE) == 0)
     editor.start_again()
     display.wait_active(TITLE)
     other = os.path.join(display.scratch, "other.nc")
@@ -118,17 +112,15 @@ def check_save_as(editor):
 
 
 def check_open_dialog(editor):
-    """A file of the other case of letters is offered; a name that does not exist is asked about."""
+    """A name that does not exist is asked about, and No leaves the dialog up."""
     editor.display.key("ctrl+o")
     editor.display.wait_active("Open file")
     editor.display.type("nothing-there.nc")
     editor.display.key("Return")
-    wait_for("the question", lambda: len(editor.display.output(
-        "xdotool", "search", "--onlyvisible", "--name", "^Open file *$").split()) == 2)
+    wait_for("the question", lambda: editor.display.count_shown("Open file") == 2)
     editor.keep_picture("create-question")
     editor.display.key("n")
-    wait_for("the dialog alone", lambda: len(editor.display.output(
-        "xdotool", "search", "--onlyvisible", "--name", "^Open file *$").split()) == 1)
+    wait_for("the dialog alone", lambda: editor.display.count_shown("Open file") == 1)
     editor.display.wait_active("Open file")
     editor.display.key("Escape")
     editor.display.wait_active(TITLE)

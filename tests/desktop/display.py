@@ -12,6 +12,7 @@ import time
 
 LIMIT = 60.0  # seconds that a condition may take on a busy machine
 STEP = 0.05
+CARET_ROWS = 24  # rows of pixels that a caret can change
 
 
 class Failure(Exception):
@@ -111,9 +112,9 @@ class Display:
     def wait_active(self, title):
         wait_for(f"the window '{title}' to be active", lambda: self.active_title().strip() == title)
 
-    def shown(self, title):
-        """Id of the window of exactly that title on the screen, empty when there is none."""
-        return self.output("xdotool", "search", "--onlyvisible", "--name", f"^{title} *$").split("\n")[0]
+    def count_shown(self, title):
+        """Windows of exactly that title on the screen."""
+        return len(self.output("xdotool", "search", "--onlyvisible", "--name", f"^{title} *$").split())
 
     # ---- Pictures ----------------------------------------------------------------------------------------
 
@@ -127,3 +128,24 @@ class Display:
                               stdout=subprocess.PIPE, check=True).stdout
         width = int(self.size.split("x")[0])
         return [data[at:at + 3 * width] for at in range(0, len(data), 3 * width)], width
+
+    def count_colors(self):
+        rows, _ = self.pixels()
+        colors = set()
+        for row in rows:
+            colors.update(row[at:at + 3] for at in range(0, len(row), 3))
+        return len(colors)
+
+    def wait_still(self, what, still=6):
+        """Waits until nothing but a blinking caret has changed for so many looks."""
+        last = self.pixels()[0]
+        count = 0
+
+        def is_still():
+            nonlocal last, count
+            rows = self.pixels()[0]
+            changed = sum(old != new for old, new in zip(last, rows))
+            last = rows
+            count = count + 1 if changed <= CARET_ROWS else 0
+            return count >= still
+        wait_for(what, is_still)

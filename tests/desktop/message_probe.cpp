@@ -24,10 +24,12 @@ constexpr int WORKER = 103;
 constexpr int LONG_RUN = 104;
 constexpr int GRAYED = 105;
 constexpr int LEAVE = 106;
+constexpr int VIEW = 107;
 
 constexpr uint32_t SENT_BY_WORKER = 0x8101;
 constexpr uint32_t POSTED_BY_WORKER = 0x8102;
 constexpr Color MARK_COLOR = 0x0000FF;  // red, of the cell that shows how large a cell is
+constexpr Color PANE_MARK_COLOR = 0xFF0000;
 
 constexpr MenuPopup POPUPS[] = {{1, "&Acts", "Hint of Acts", false}, {2, "&Help", "Hint of Help", true}};
 constexpr MenuEntry ENTRIES[] = {
@@ -36,6 +38,7 @@ constexpr MenuEntry ENTRIES[] = {
     {1, WORKER, "&Worker", "Hint of Worker", false, false},
     {1, LONG_RUN, "&Long Run", "Hint of Long Run", false, false},
     {1, GRAYED, "&Grayed\tCtrl+G", "Hint of Grayed", false, true},
+    {1, VIEW, "&View...", "Hint of View", false, false},
     {2, LEAVE, "&Leave", "Hint of Leave", false, false},
 };
 constexpr Accelerator ACCELERATORS[] = {
@@ -46,6 +49,20 @@ constexpr ControlSpec FIELDS[] = {
     {2, ControlKind::TEXT, "", 0, 1, 1, 1, 60, CONTROL_SUNKEN, nullptr},
 };
 constexpr ViewSpec STATUS = {"Status", "", 1, FIELDS, 2};
+
+constexpr int16_t NUMBER_FIELD = 12;
+constexpr int16_t PANE = 14;
+constexpr int16_t OK_BUTTON = 15;
+constexpr InputRule NUMBER_RULE = {3, "0123456789", 1, 100, nullptr, "1 to 100, please.", "Bad number"};
+constexpr ControlSpec VIEW_CONTROLS[] = {
+    {11, ControlKind::TEXT, "&Number:", 0, 0, 1, 1, 0, 0, nullptr},
+    {NUMBER_FIELD, ControlKind::FIELD, "", 0, 1, 1, 1, 8, 0, &NUMBER_RULE},
+    {13, ControlKind::CHECK, "&Mirror", 1, 0, 1, 1, 0, 0, nullptr},
+    {PANE, ControlKind::PANE, "", 2, 0, 5, 2, 30, 0, nullptr},
+    {OK_BUTTON, ControlKind::BUTTON, "&OK", 7, 0, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {16, ControlKind::BUTTON, "Cancel", 7, 1, 1, 1, 0, CONTROL_CANCEL, nullptr},
+};
+constexpr ViewSpec VIEW_SPEC = {"Probe", "Probe view", 2, VIEW_CONTROLS, 6, 40, 40};
 
 WindowHandle window = NO_WINDOW;
 ViewHandle status = NO_WINDOW;
@@ -66,6 +83,44 @@ int number(int64_t parameter) {
 }
 
 int64_t status_procedure(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
+    return view_default(view, message, first, second);
+}
+
+void begin_view(ViewHandle view) {
+    say("view begins");
+    const WindowHandle pane = view_pane(view, PANE);
+    draw_text(pane, 0, 0, " ", 1, BLACK, PANE_MARK_COLOR);
+    set_scroll_range(pane, 0, 10);
+}
+
+int64_t view_procedure(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
+    view_attach(view);
+    switch (message) {
+    case WM_INITDIALOG:
+        begin_view(view);
+        return 1;
+    case WM_COMMAND:
+        say("view command %d", number(first));
+        if (first == OK_BUTTON) {
+            char text[8];
+            view_get_text(view, NUMBER_FIELD, text, sizeof text);
+            say("number %s", text);
+            view_end(view, 5);
+        }
+        break;
+    case WM_KEYDOWN:
+        say("pane %d down %d", high_word(first), low_word(first));
+        break;
+    case WM_LBUTTONDOWN:
+        say("pane %d press %d,%d", high_word(first), signed_low(second) / CELL_WIDTH,
+            signed_high(second) / CELL_HEIGHT);
+        break;
+    case WM_VSCROLL:
+        say("pane %d scroll %d", high_word(first), low_word(first));
+        break;
+    default:
+        break;
+    }
     return view_default(view, message, first, second);
 }
 
@@ -132,6 +187,9 @@ void run_command(int command) {
         break;
     case LONG_RUN:
         run_long();
+        break;
+    case VIEW:
+        say("view gave %d", view_run(view_create(&VIEW_SPEC, window, view_procedure)));
         break;
     case LEAVE:
         send_message(window, WM_CLOSE, 0, 0);
@@ -225,7 +283,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     end_of_long_run = argv[1];
-    const MainWindowSpec spec = {"Probe", "Message probe", procedure, POPUPS, 2, ENTRIES, 6, ACCELERATORS, 3};
+    const MainWindowSpec spec = {"Probe", "Message probe", procedure, POPUPS, 2, ENTRIES, 7, ACCELERATORS, 3};
     window = create_main_window(&spec);
     status = view_create_child(window, &STATUS, status_procedure);
     show_window(window, ShowWindow::NORMAL);

@@ -85,7 +85,11 @@ class Probe:
         self.seen = len(self.lines())
 
     def expect_under_box(self, what, wanted):
-        wait_for(f"{what}: {wanted}", lambda: self.lines()[self.seen:] == wanted)
+        """The same where no key can be pressed behind it."""
+        try:
+            wait_for("these lines", lambda: self.lines()[self.seen:] == wanted)
+        except Failure as failure:
+            raise Failure(f"{what}: {failure}\n  wanted {wanted}\n  got    {self.lines()[self.seen:]}") from None
         self.seen = len(self.lines())
 
 
@@ -112,21 +116,18 @@ def check_german_keys(probe, display):
     display.output("setxkbmap", "us")
 
 
-def find_mark(display):
-    """The red cell: left, top, width and height in pixels."""
-    def red(pixels, at):
-        return pixels[at:at + 3] == b"\xff\x00\x00"
-
+def find_mark(display, color=b"\xff\x00\x00"):
+    """The cell of that colour: left, top, width and height in pixels."""
     def search():
         rows, width = display.pixels()
         for y, row in enumerate(rows):
-            at = row.find(b"\xff\x00\x00")
-            if at >= 0 and at % 3 == 0:
-                left = at // 3
-                cells = next(x for x in range(left, width) if not red(row, 3 * x)) - left
-                return left, y, cells, next(i for i in range(y, len(rows)) if not red(rows[i], at)) - y
+            left = next((x for x in range(width) if row[3 * x:3 * x + 3] == color), None) if color in row else None
+            if left is not None:
+                right = next(x for x in range(left, width) if row[3 * x:3 * x + 3] != color)
+                bottom = next(i for i in range(y, len(rows)) if rows[i][3 * left:3 * left + 3] != color)
+                return left, y, right - left, bottom - y
         return None
-    return wait_for("the red cell", search)
+    return wait_for("the coloured cell", search)
 
 
 def check_mouse(probe, display):
@@ -179,6 +180,34 @@ def check_box(probe, display):
         display.wait_active("Message probe")
         probe.expect(f"the box and {key}", ["command 101", "focus lost", "focus gained", f"pressed {number}"],
                      leave_out=["select"])
+
+
+def check_view(probe, display):
+    display.key("alt+a", "v")
+    display.wait_active("Probe view")
+    display.hand("type", "x9999")
+    probe.expect_under_box("typing in a field", ["select 1", "select 101", "select 107", "select 0", "command 107",
+                                                 "focus lost", "view begins"] + ["view command 12"] * 3)
+    display.key("Tab")
+    display.wait_active("Bad number")
+    display.key("Return")
+    display.wait_active("Probe view")
+    display.type("42")
+    display.key("alt+m")
+    probe.expect_under_box("a good number", ["view command 12"] * 2 + ["view command 13"])
+    left, top, width, height = find_mark(display, b"\x00\x00\xff")
+    display.hand("mousemove", left + 3 * width + 2, top + 2 * height + 2, "click", 1, "click", 5)
+    display.key("Down")
+    probe.expect_under_box("the pane", ["pane 14 press 3,2"] + [f"pane 14 scroll {SB_LINEDOWN}"] * 3 + ["pane 14 down 40"])
+    display.key("Return")
+    display.wait_active("Message probe")
+    probe.expect("the view", ["view command 15", "number 42", "focus gained", "view gave 5"])
+    display.key("alt+a", "v")
+    display.wait_active("Probe view")
+    display.key("Escape")
+    display.wait_active("Message probe")
+    probe.expect("the cancelled view", ["command 107", "focus lost", "view begins", "view command 16",
+                                        "focus gained", "view gave 0"], leave_out=["select"])
 
 
 def check_timer_and_worker(probe, display):
@@ -258,6 +287,7 @@ def main():
             check_scroll_bar(probe, display)
             check_menu(probe, display)
             check_box(probe, display)
+            check_view(probe, display)
             check_timer_and_worker(probe, display)
             check_long_run(probe, display, arguments.pictures)
             check_minimising(probe, display)

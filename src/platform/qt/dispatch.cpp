@@ -109,7 +109,10 @@ void remove_window(WindowHandle window) {
 
 int64_t call_window(WindowHandle window, uint32_t message, int64_t first, int64_t second) {
     const auto found = procedures.find(window);
-    return found == procedures.end() ? 0 : found->second(window, message, first, second);
+    if (found == procedures.end() || found->second == nullptr) {
+        return 0;
+    }
+    return found->second(window, message, first, second);
 }
 
 int64_t send_message(WindowHandle window, uint32_t message, int64_t first, int64_t second) {

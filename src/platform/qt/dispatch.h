@@ -10,7 +10,7 @@ namespace hexlane::platform {
 // Makes the receiver of queued messages. Once, before the first window and before any worker.
 void make_dispatcher();
 
-// A new handle whose messages go to `procedure`. Handles are never used twice.
+// A new handle whose messages go to `procedure`, or nowhere with nullptr. Handles are never used twice.
 WindowHandle add_window(WindowProcedure procedure);
 
 // Ends a handle: its timers stop, and what still waits for it is dropped.

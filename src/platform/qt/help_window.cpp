@@ -88,6 +88,7 @@ HelpWindow::HelpWindow() {
     connect(this, &QObject::destroyed, [] { help_window = nullptr; });
     contents = new QListWidget;
     contents->setAccessibleName(QStringLiteral("Contents"));
+    contents->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     text = new QTextBrowser;
     text->setAccessibleName(QStringLiteral("Manual"));
     text->setOpenLinks(false);

@@ -23,6 +23,7 @@ constexpr int FIRST_TEXT_CODE = 0x20;
 constexpr int DELETE_CODE = 0x7F;
 constexpr int NO_CODE = -1;
 
+constexpr int F10_KEY = VK_F1 + 9;
 constexpr int KEYPAD_DIGITS = 0x60;  // key number of the keypad's 0
 
 struct KeyNumber {
@@ -57,9 +58,6 @@ const KeyEntry* entry_in(const KeyNumber (&table)[COUNT], int qt) {
     return nullptr;
 }
 
-WindowHandle key_window = NO_WINDOW;
-const Accelerator* window_accelerators = nullptr;
-int window_accelerator_count = 0;
 int held_modifiers = 0;                        // KEY_WITH_ bits
 std::map<quint32, const KeyEntry*> held_keys;  // by the keyboard's own code
 
@@ -111,60 +109,67 @@ const KeyEntry* entry_of(const QKeyEvent* event, int code) {
     return key_by_character(code != NO_CODE ? code : qt, &shift);
 }
 
-void run_accelerator(int command) {
+void run_accelerator(const InputTarget& target, int command) {
     if (menu_entry_enabled(command)) {
-        call_window(key_window, WM_COMMAND, command, 0);
+        send_input(target, WM_COMMAND, command, 0);
     }
 }
 
-void send_bare_character(int code) {
-    call_window(key_window, WM_CHAR, code, make_parameter(1, 0));
+void send_bare_character(const InputTarget& target, int code) {
+    send_input(target, WM_CHAR, code, make_parameter(1, 0));
+}
+
+// A key that a pane leaves to its view.
+bool is_views_key(const InputTarget& target, const KeyEntry* entry) {
+    return target.pane != 0 && (entry->key == VK_TAB || entry->key == VK_RETURN || entry->key == VK_ESCAPE);
+}
+
+// F10 opens the menu, as Alt does.
+bool is_menu_key(const InputTarget& target, const KeyEntry* entry, int modifiers) {
+    return target.pane == 0 && entry->key == F10_KEY && modifiers == 0;
 }
 
 }  // namespace
 
-void set_key_window(WindowHandle window, const Accelerator* accelerators, int accelerator_count) {
-    key_window = window;
-    window_accelerators = accelerators;
-    window_accelerator_count = accelerator_count;
+void send_input(const InputTarget& target, uint32_t message, int64_t first, int64_t second) {
+    call_window(target.window, message, first | static_cast<int64_t>(target.pane) << 16, second);
 }
 
-// F10 opens the menu, as Alt does; a key with Alt that is no accelerator belongs to the menu as well.
-bool press_key(const QKeyEvent* event) {
+bool press_key(const InputTarget& target, const QKeyEvent* event) {
     note_modifiers(event->modifiers());
     const int modifiers = held_modifiers;
     const int code = typed_code(event);
     const KeyEntry* entry = entry_of(event, code);
     if (entry == nullptr) {
         if (code != NO_CODE) {
-            send_bare_character(code);
+            send_bare_character(target, code);
         }
         return code != NO_CODE;
     }
-    const KeyPlan plan = plan_key(entry, modifiers, window_accelerators, window_accelerator_count);
-    if (!plan.taken && modifiers & KEY_WITH_ALT) {
+    const KeyPlan plan = plan_key(entry, modifiers, target.accelerators, target.accelerator_count);
+    if (!plan.taken && (modifiers & KEY_WITH_ALT || is_views_key(target, entry))) {
         return false;
     }
-    if (!plan.taken && entry->key == VK_F1 + 9 && modifiers == 0) {
+    if (!plan.taken && is_menu_key(target, entry, modifiers)) {
         open_first_menu();
         return true;
     }
     held_keys[event->nativeScanCode()] = entry;
     if (plan.taken) {
-        run_accelerator(plan.command);
+        run_accelerator(target, plan.command);
         return true;
     }
     const int64_t parameter = key_parameter(entry, 1, false);
-    call_window(key_window, WM_KEYDOWN, entry->key, parameter);
+    send_input(target, WM_KEYDOWN, entry->key, parameter);
     const int character = code != NO_CODE ? code : plan.character;
     if (character >= 0) {
-        call_window(key_window, WM_CHAR, character, parameter);
+        send_input(target, WM_CHAR, character, parameter);
     }
     return true;
 }
 
 // A key that repeats is let go and pressed again in Qt's eyes; only the last one counts.
-bool release_key(const QKeyEvent* event) {
+bool release_key(const InputTarget& target, const QKeyEvent* event) {
     note_modifiers(event->modifiers());
     if (event->isAutoRepeat()) {
         return true;
@@ -175,14 +180,14 @@ bool release_key(const QKeyEvent* event) {
     }
     const KeyEntry* entry = found->second;
     held_keys.erase(found);
-    call_window(key_window, WM_KEYUP, entry->key, key_parameter(entry, 1, true));
+    send_input(target, WM_KEYUP, entry->key, key_parameter(entry, 1, true));
     return true;
 }
 
-void take_text(const QString& text) {
+void take_text(const InputTarget& target, const QString& text) {
     for (const char32_t code_point : text.normalized(QString::NormalizationForm_C).toUcs4()) {
         if (code_point >= FIRST_TEXT_CODE) {
-            send_bare_character(code_of(code_point));
+            send_bare_character(target, code_of(code_point));
         }
     }
 }

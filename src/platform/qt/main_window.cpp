@@ -7,7 +7,6 @@
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QScreen>
-#include <QWheelEvent>
 #include <QWindow>
 
 #include "platform/qt/application.h"
@@ -45,57 +44,14 @@ MainWindow::MainWindow(const MainWindowSpec& spec) {
     auto* client = new QWidget(this);
     client->installEventFilter(this);
     text = new TextArea(client);
-    make_scroll_bar(client);
     setCentralWidget(client);
     text->setFocus();
     text->measure();
-    const int across = bar->sizeHint().width();
+    const int across = text->bar->sizeHint().width();
     client->setMinimumSize(text->logical_width(LEAST_COLS) + across, text->logical_height(LEAST_ROWS));
 }
 
-void MainWindow::make_scroll_bar(QWidget* client) {
-    bar = new QScrollBar(Qt::Vertical, client);
-    bar->setRange(0, 0);
-    bar->setPageStep(1);
-    bar->setTracking(false);  // the thumb acts when it is let go
-    bar->setFocusPolicy(Qt::NoFocus);
-    bar->setContextMenuPolicy(Qt::NoContextMenu);
-    bar->setAccessibleName(QStringLiteral("Position in the program"));
-    bar->installEventFilter(this);
-    connect(bar, &QScrollBar::actionTriggered, this, &MainWindow::scroll);
-    connect(bar, &QScrollBar::sliderReleased, this, [this] {
-        call_window(handle, WM_VSCROLL, make_parameter(SB_THUMBPOSITION, bar->sliderPosition()), 0);
-    });
-}
-
-// The program moves the thumb; the bar only tells what was asked of it.
-void MainWindow::scroll(int action) {
-    struct Request {
-        int action;
-        int request;
-    };
-    static constexpr Request REQUESTS[] = {
-        {QAbstractSlider::SliderSingleStepSub, SB_LINEUP},
-        {QAbstractSlider::SliderSingleStepAdd, SB_LINEDOWN},
-        {QAbstractSlider::SliderPageStepSub, SB_PAGEUP},
-        {QAbstractSlider::SliderPageStepAdd, SB_PAGEDOWN},
-        {QAbstractSlider::SliderToMinimum, SB_TOP},
-        {QAbstractSlider::SliderToMaximum, SB_BOTTOM},
-    };
-    for (const Request& line : REQUESTS) {
-        if (line.action == action) {
-            bar->setSliderPosition(bar->value());
-            call_window(handle, WM_VSCROLL, line.request, 0);
-            return;
-        }
-    }
-}
-
 bool MainWindow::eventFilter(QObject* object, QEvent* event) {
-    if (object == bar && event->type() == QEvent::Wheel) {
-        text->scroll_by_wheel(static_cast<QWheelEvent*>(event));
-        return true;
-    }
     if (object == centralWidget() && event->type() == QEvent::Resize) {
         lay_out();
     }
@@ -116,10 +72,10 @@ void MainWindow::lay_out() {
     const QSize client = centralWidget()->size();
     const int status_height = std::min(text->logical_height(STATUS_ROWS), client.height());
     const int text_height = client.height() - status_height;
-    const int across = bar->sizeHint().width();
+    const int across = text->bar->sizeHint().width();
     const int text_width = std::max(client.width() - across, 0);
     text->setGeometry(0, 0, text_width, text_height);
-    bar->setGeometry(text_width, 0, across, text_height);
+    text->bar->setGeometry(text_width, 0, across, text_height);
     if (status_line != nullptr) {
         status_line->setGeometry(0, text_height, client.width(), status_height);
     }
@@ -142,7 +98,7 @@ void MainWindow::tell_size(int width, int height) {
 
 void MainWindow::show_first() {
     const QSize room = screen()->availableSize() * 9 / 10;
-    const QSize wanted(text->logical_width(FIRST_COLS) + bar->sizeHint().width(),
+    const QSize wanted(text->logical_width(FIRST_COLS) + text->bar->sizeHint().width(),
                        text->logical_height(FIRST_ROWS) + menuBar()->sizeHint().height());
     resize(wanted.boundedTo(room));
     show();
@@ -154,7 +110,7 @@ void MainWindow::show_first() {
 }
 
 void MainWindow::gain_focus() {
-    if (!on_show || program_focus) {
+    if (!on_show || program_focus || isMinimized()) {
         return;
     }
     program_focus = true;
@@ -168,16 +124,19 @@ void MainWindow::lose_focus() {
     }
     program_focus = false;
     forget_held_keys();
+    text->end_drag();
     text->set_focused(false);
     call_window(handle, WM_KILLFOCUS, 0, 0);
 }
 
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() != QEvent::ActivationChange || modal_is_up()) {
+    const bool of_focus =
+        event->type() == QEvent::ActivationChange || event->type() == QEvent::WindowStateChange;
+    if (!of_focus || modal_is_up()) {
         return;
     }
-    if (isActiveWindow()) {
+    if (isActiveWindow() && !isMinimized()) {
         gain_focus();
     } else {
         lose_focus();
@@ -203,9 +162,9 @@ WindowHandle create_main_window(const MainWindowSpec* spec) {
     }
     the_window = new MainWindow(*spec);
     the_window->handle = add_window(spec->procedure);
-    the_window->text->window = the_window->handle;
+    the_window->text->set_surface(the_window->handle);
+    the_window->text->target = {the_window->handle, 0, spec->accelerators, spec->accelerator_count};
     build_menu(the_window->menuBar(), *spec, the_window->handle);
-    set_key_window(the_window->handle, spec->accelerators, spec->accelerator_count);
     watch_instance_socket();
     if (call_window(the_window->handle, WM_CREATE, 0, 0) == -1) {
         destroy_window(the_window->handle);
@@ -251,7 +210,6 @@ void destroy_window(WindowHandle window) {
     gone->hide();
     call_window(window, WM_DESTROY, 0, 0);
     remove_window(window);
-    set_key_window(NO_WINDOW, nullptr, 0);
     forget_menu();
     forget_child_view();
     the_window = nullptr;

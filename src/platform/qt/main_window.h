@@ -4,7 +4,6 @@
 #pragma once
 
 #include <QMainWindow>
-#include <QScrollBar>
 
 #include "platform/desktop.h"
 #include "platform/qt/text_area.h"
@@ -20,7 +19,6 @@ public:
 
     WindowHandle handle = NO_WINDOW;
     TextArea* text = nullptr;
-    QScrollBar* bar = nullptr;
     bool on_show = false;  // has been shown, so that sizes are told
 
     // Puts a child view at the bottom.
@@ -45,8 +43,6 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void make_scroll_bar(QWidget* client);
-    void scroll(int action);
     void tell_size(int width, int height);
 
     QWidget* status_line = nullptr;

@@ -1,22 +1,17 @@
-// surface.cpp: the text area's operations on the grid, each followed by what has to be drawn again.
+// surface.cpp: the operations on the grid of a text area, each followed by what has to be drawn again.
 
 #include "platform/surface.h"
 
-#include "platform/qt/main_window.h"
+#include "platform/qt/text_area.h"
 
 namespace hexlane::platform {
 
 namespace {
 
-TextArea* area_of(WindowHandle window) {
-    MainWindow* found = main_window();
-    return found != nullptr && found->handle == window ? found->text : nullptr;
-}
-
 // Runs a change of the caret and redraws where it was and is.
 template <typename Change>
 void change_caret(WindowHandle window, Change change) {
-    if (TextArea* area = area_of(window)) {
+    if (TextArea* area = find_text_area(window)) {
         const QRect before = area->visible_caret();
         change(&area->grid);
         area->show_caret_change(before);
@@ -26,7 +21,7 @@ void change_caret(WindowHandle window, Change change) {
 }  // namespace
 
 void draw_text(WindowHandle window, int x, int y, const char* text, int count, Color ink, Color paper) {
-    if (TextArea* area = area_of(window)) {
+    if (TextArea* area = find_text_area(window)) {
         grid_draw(&area->grid, x, y, text, count, ink, paper);
         area->show_drawn_rows();
     }
@@ -64,17 +59,17 @@ void show_caret(WindowHandle window) {
 }
 
 void set_scroll_range(WindowHandle window, int low, int high) {
-    if (area_of(window) != nullptr) {
-        area_of(window)->grid.scroll_low = low;
-        area_of(window)->grid.scroll_high = high;
-        main_window()->bar->setRange(low, high);
+    if (TextArea* area = find_text_area(window)) {
+        area->grid.scroll_low = low;
+        area->grid.scroll_high = high;
+        area->bar->setRange(low, high);
     }
 }
 
 void set_scroll_position(WindowHandle window, int position) {
-    if (area_of(window) != nullptr) {
-        area_of(window)->grid.scroll_position = position;
-        main_window()->bar->setValue(position);
+    if (TextArea* area = find_text_area(window)) {
+        area->grid.scroll_position = position;
+        area->bar->setValue(position);
     }
 }
 

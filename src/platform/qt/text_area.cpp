@@ -1,10 +1,13 @@
-// text_area.cpp: painting the grid and its caret; mouse, wheel and text of the main window.
+// text_area.cpp: painting the grid and its caret; mouse, keys and text. The scroll bar is in
+// text_scrolling.cpp.
 
 #include "platform/qt/text_area.h"
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
+#include <QCursor>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -12,17 +15,14 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QStyleHints>
-#include <QWheelEvent>
 
 #include "platform/qt/dispatch.h"
-#include "platform/qt/keyboard.h"
 
 namespace hexlane::platform {
 
 namespace {
 
-constexpr int WHEEL_NOTCH = 120;  // eighths of a degree
-constexpr int LINES_PER_NOTCH = 3;
+std::map<WindowHandle, TextArea*> text_areas;  // by surface
 
 int mouse_flags(const QMouseEvent* event) {
     int flags = 0;
@@ -39,7 +39,7 @@ int clamp_to_16_bits(int units) {
 
 }  // namespace
 
-TextArea::TextArea(QWidget* parent) : QWidget(parent) {
+TextArea::TextArea(QWidget* parent) : QWidget(parent), bar(new QScrollBar(Qt::Vertical, parent)) {
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::IBeamCursor);
     setMouseTracking(true);
@@ -47,6 +47,23 @@ TextArea::TextArea(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_InputMethodEnabled);
     setContextMenuPolicy(Qt::NoContextMenu);
     setAccessibleName(QStringLiteral("Program text"));
+    make_scroll_bar();
+}
+
+TextArea::~TextArea() {
+    text_areas.erase(surface_handle);
+    remove_window(surface_handle);
+}
+
+void TextArea::set_surface(WindowHandle handle) {
+    text_areas.erase(surface_handle);
+    surface_handle = handle;
+    text_areas[handle] = this;
+}
+
+TextArea* find_text_area(WindowHandle surface) {
+    const auto found = text_areas.find(surface);
+    return found == text_areas.end() ? nullptr : found->second;
 }
 
 bool TextArea::measure() {
@@ -161,16 +178,36 @@ bool TextArea::event(QEvent* event) {
     return QWidget::event(event);
 }
 
+// Tab belongs to the program, but in a view it moves on.
+bool TextArea::focusNextPrevChild(bool next) {
+    return target.pane != 0 && QWidget::focusNextPrevChild(next);
+}
+
+// The main window's caret follows the focus as the program knows it.
+void TextArea::focusInEvent(QFocusEvent* event) {
+    QWidget::focusInEvent(event);
+    if (target.pane != 0) {
+        set_focused(true);
+    }
+}
+
+void TextArea::focusOutEvent(QFocusEvent* event) {
+    QWidget::focusOutEvent(event);
+    if (target.pane != 0) {
+        set_focused(false);
+    }
+}
+
 void TextArea::keyPressEvent(QKeyEvent* event) {
-    event->setAccepted(press_key(event));
+    event->setAccepted(press_key(target, event));
 }
 
 void TextArea::keyReleaseEvent(QKeyEvent* event) {
-    event->setAccepted(release_key(event));
+    event->setAccepted(release_key(target, event));
 }
 
 void TextArea::inputMethodEvent(QInputMethodEvent* event) {
-    take_text(event->commitString());
+    take_text(target, event->commitString());
     event->accept();
 }
 
@@ -187,13 +224,23 @@ QVariant TextArea::inputMethodQuery(Qt::InputMethodQuery query) const {
     }
 }
 
-void TextArea::send_mouse(uint32_t message, const QMouseEvent* event) {
-    note_modifiers(event->modifiers());
+int64_t TextArea::place_parameter(const QPoint& global) const {
     int x = 0;
     int y = 0;
-    units_at(event->globalPosition().toPoint(), &x, &y);
-    call_window(window, message, mouse_flags(event),
-                make_parameter(clamp_to_16_bits(x), clamp_to_16_bits(y)));
+    units_at(global, &x, &y);
+    return make_parameter(clamp_to_16_bits(x), clamp_to_16_bits(y));
+}
+
+void TextArea::send_mouse(uint32_t message, const QMouseEvent* event) {
+    note_modifiers(event->modifiers());
+    send_input(target, message, mouse_flags(event), place_parameter(event->globalPosition().toPoint()));
+}
+
+void TextArea::end_drag() {
+    if (button_down) {
+        button_down = false;
+        send_input(target, WM_NCLBUTTONUP, 0, place_parameter(QCursor::pos()));
+    }
 }
 
 void TextArea::mousePressEvent(QMouseEvent* event) {
@@ -212,16 +259,6 @@ void TextArea::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && button_down) {
         button_down = false;
         send_mouse(rect().contains(event->position().toPoint()) ? WM_LBUTTONUP : WM_NCLBUTTONUP, event);
-    }
-}
-
-void TextArea::scroll_by_wheel(const QWheelEvent* event) {
-    constexpr int LINE = WHEEL_NOTCH / LINES_PER_NOTCH;
-    wheel_rest += event->angleDelta().y();
-    const int lines = wheel_rest / LINE;
-    wheel_rest -= lines * LINE;
-    for (int i = 0; i < std::abs(lines); i++) {
-        call_window(window, WM_VSCROLL, lines > 0 ? SB_LINEUP : SB_LINEDOWN, 0);
     }
 }
 

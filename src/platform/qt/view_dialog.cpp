@@ -1,14 +1,13 @@
 // view_dialog.cpp: a modal view: one widget for each control, on the grid that the view's data gives.
 // A control that lies inside a frame's places goes into that frame, on a grid of the frame's own.
 
-#include <algorithm>
-
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFocusEvent>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -19,6 +18,7 @@
 
 #include "platform/common/input_rules.h"
 #include "platform/qt/dispatch.h"
+#include "platform/qt/main_window.h"
 #include "platform/qt/pictures.h"
 #include "platform/qt/view_window.h"
 
@@ -26,6 +26,8 @@ namespace hexlane::platform {
 
 namespace {
 
+constexpr int DIALOG_UNITS_ACROSS = 4;  // in an average character
+constexpr int DIALOG_UNITS_DOWN = 8;
 constexpr int PICTURE_SIZE = 48;     // logical pixels
 constexpr int64_t FROM_CONTROL = 1;  // second parameter of WM_COMMAND: nonzero, unlike the menu's
 constexpr std::size_t LONGEST_LABEL = 256;
@@ -62,6 +64,10 @@ public:
 private:
     const InputRule* rule;
 };
+
+void tell_view(const View* view, int index) {
+    call_window(view->handle, WM_COMMAND, spec_of(view, index).id, FROM_CONTROL);
+}
 
 bool value_is_good(const View* view, int index) {
     const auto* field = static_cast<QLineEdit*>(view->controls[static_cast<std::size_t>(index)]);
@@ -138,6 +144,7 @@ QWidget* make_choice_button(View* view, int index) {
 
 QWidget* make_field(View* view, int index) {
     auto* field = new ViewField(view, index);
+    QObject::connect(field, &QLineEdit::textEdited, field, [view, index] { tell_view(view, index); });
     field->setValidator(new FieldValidator(spec_of(view, index).rule, field));
     return field;
 }
@@ -154,6 +161,25 @@ QWidget* make_drop_down(View* view, int index) {
     auto* choice = new QComboBox;
     QObject::connect(choice, &QComboBox::activated, choice, [view, index] { press_control(view, index); });
     return choice;
+}
+
+// A text surface of as many cells as the control is wide and covers rows of the grid.
+QWidget* make_pane(const View* view, const ControlSpec& spec) {
+    auto* frame = new QFrame;
+    frame->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
+    auto* area = new TextArea(frame);
+    area->measure();
+    grid_resize(&area->grid, spec.width, spec.rows);
+    area->setFixedSize(area->logical_width(spec.width), area->logical_height(spec.rows));
+    area->set_surface(add_window(nullptr));
+    area->target = {view->handle, spec.id, nullptr, 0};
+    auto* line = new QHBoxLayout(frame);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(0);
+    line->addWidget(area);
+    line->addWidget(area->bar);
+    frame->setFocusProxy(area);
+    return frame;
 }
 
 QWidget* make_frame(const ControlSpec& spec) {
@@ -181,8 +207,9 @@ QWidget* make_control(View* view, int index) {
         return make_drop_down(view, index);
     case ControlKind::FRAME:
         return make_frame(spec);
+    case ControlKind::PANE:
+        return make_pane(view, spec);
     case ControlKind::ICON:
-    case ControlKind::PANE:  // make_dialog has refused it
         break;
     }
     return make_picture(view, spec);
@@ -222,7 +249,7 @@ void place_control(View* view, int index, QGridLayout* outermost) {
     const bool centered = spec.flags & CONTROL_CENTERED && spec.kind == ControlKind::BUTTON;
     grid->addWidget(control, row, column, spec.rows, spec.columns,
                     centered ? Qt::AlignCenter : Qt::Alignment());
-    if (spec.width > 0) {
+    if (spec.width > 0 && spec.kind != ControlKind::PANE) {
         control->setMinimumWidth(control->fontMetrics().averageCharWidth() * (spec.width + 2));
     }
 }
@@ -254,14 +281,21 @@ void group_radio_buttons(View* view) {
     }
 }
 
+// A view with a wished place stands there, in dialog units of its font from the client area's corner.
+void place_dialog(const View* view, const QWidget* parent) {
+    const MainWindow* window = main_window();
+    if (window == nullptr || parent == nullptr || (view->spec->x == 0 && view->spec->y == 0)) {
+        return;
+    }
+    const QFontMetrics metrics = view->dialog->fontMetrics();
+    const QPoint corner = window->centralWidget()->mapToGlobal(QPoint(0, 0));
+    view->dialog->move(corner.x() + view->spec->x * metrics.averageCharWidth() / DIALOG_UNITS_ACROSS,
+                       corner.y() + view->spec->y * metrics.height() / DIALOG_UNITS_DOWN);
+}
+
 }  // namespace
 
-bool make_dialog(View* view, QWidget* parent) {
-    const ControlSpec* controls = view->spec->controls;
-    if (std::any_of(controls, controls + view->spec->control_count,
-                    [](const ControlSpec& control) { return control.kind == ControlKind::PANE; })) {
-        return false;
-    }
+void make_dialog(View* view, QWidget* parent) {
     view->dialog = new ViewDialog(view, parent);
     view->window = view->dialog;
     view->dialog->setWindowTitle(QString::fromUtf8(view->spec->title));
@@ -278,7 +312,7 @@ bool make_dialog(View* view, QWidget* parent) {
         view->controls[static_cast<std::size_t>(i)]->setDisabled(spec_of(view, i).flags & CONTROL_DISABLED);
     }
     group_radio_buttons(view);
-    return true;
+    place_dialog(view, parent);
 }
 
 // All but the cancel button wait for good values.
@@ -291,7 +325,7 @@ void press_control(View* view, int index) {
             }
         }
     }
-    call_window(view->handle, WM_COMMAND, make_parameter(spec_of(view, index).id, 0), FROM_CONTROL);
+    tell_view(view, index);
 }
 
 void cancel_view(View* view) {

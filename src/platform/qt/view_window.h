@@ -23,9 +23,8 @@ struct View {
     bool ended = false;
 };
 
-// Makes the widgets of a modal view and lays them out by their grid. Gives false when it cannot show one of
-// them.
-bool make_dialog(View* view, QWidget* parent);
+// Makes the widgets of a modal view and lays them out by their grid.
+void make_dialog(View* view, QWidget* parent);
 
 // Makes the strip of a child view: its controls in a row, each with its share of the width.
 void make_strip(View* view);

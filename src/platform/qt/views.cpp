@@ -122,12 +122,8 @@ void forget_child_view() {
 
 ViewHandle view_create(const ViewSpec* spec, WindowHandle, WindowProcedure procedure) {
     View* view = add_view(spec, procedure);
-    const ViewHandle handle = view->handle;
-    if (!make_dialog(view, modal_parent())) {
-        remove_view(handle);
-        return NO_WINDOW;
-    }
-    return handle;
+    make_dialog(view, modal_parent());
+    return view->handle;
 }
 
 int view_run(ViewHandle handle) {
@@ -284,6 +280,12 @@ int view_selection(ViewHandle handle, int id) {
     }
     const auto* choice = control<QComboBox>(handle, id);
     return choice != nullptr ? choice->currentIndex() : -1;
+}
+
+WindowHandle view_pane(ViewHandle handle, int id) {
+    const auto* frame = control<QWidget>(handle, id);
+    const auto* area = frame != nullptr ? dynamic_cast<const TextArea*>(frame->focusProxy()) : nullptr;
+    return area != nullptr ? area->surface() : NO_WINDOW;
 }
 
 // ---- Drawing -----------------------------------------------------------------------------------------
