@@ -5,7 +5,7 @@
 #include "dnc/machine_fields.h"
 #include "dnc/transfer_state.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace hexlane {
 
@@ -219,14 +219,12 @@ void filter_char(Filter& f, uint8_t c) {
     framed_out(f, c);
 }
 
-// Brings what was carried into the empty output buffer.
+// Brings what was carried into the empty output buffer, which has room for all of it.
 void take_carry(Filter& f) {
-    const int now = f.t.carry_count < OUTPUT_BUFFER_SIZE ? f.t.carry_count : OUTPUT_BUFFER_SIZE;
-    std::memcpy(f.buffers.output_buffer, f.buffers.carry_buffer, static_cast<std::size_t>(now));
-    f.t.out_count = now;
-    f.t.carry_count -= now;
-    std::memmove(f.buffers.carry_buffer, f.buffers.carry_buffer + now,
-                 static_cast<std::size_t>(f.t.carry_count));
+    static_assert(CARRY_BUFFER_SIZE < OUTPUT_BUFFER_SIZE);
+    std::copy_n(f.buffers.carry_buffer, f.t.carry_count, f.buffers.output_buffer);
+    f.t.out_count = f.t.carry_count;
+    f.t.carry_count = 0;
 }
 
 // Takes at most `limit` bytes of the file buffer up to `end`. Stops behind the file's last byte, at a block
