@@ -74,6 +74,10 @@ int64_t send_message(WindowHandle window, uint32_t message, int64_t first, int64
 // Queues; messages are served in the order of posting. Any thread.
 void post_message(WindowHandle window, uint32_t message, int64_t first, int64_t second);
 
+// Takes one waiting message and serves it: for a long run that keeps the windows alive. Costs a flag test when
+// nothing waits. Gives whether one was served.
+bool pump_one_message();
+
 // Sends WM_TIMER with `id` every `period_ms`. Starting a running timer gives it the new period.
 void start_timer(WindowHandle window, int id, int period_ms);
 void kill_timer(WindowHandle window, int id);
