@@ -7,9 +7,6 @@ Makes its inputs (always the same bytes) in build/bench-data: 4,000,000 rows of 
 --quick takes a twentieth of the two large ones. The editor is driven by scripts and measured by the milliseconds
 that hexlane-script --time tells for each line, so that the start of its process is left out; what it takes to start
 a peer is measured with --version and taken off. All files are warm. Peers run with LC_ALL=C.
-
-The editor's temporary files (8 bytes a row) lie in memory (/dev/shm) where not told otherwise: making hundreds of
-files in each of many runs would measure the file system's habit of not using a freed inode again for minutes.
 """
 
 import argparse
@@ -18,19 +15,16 @@ import os
 import pathlib
 import random
 import re
-import shutil
 import statistics
 import subprocess
 import sys
-import tempfile
 import time
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
 DATA = TOP / 'build' / 'bench-data'
 SCREEN_ROWS = 26  # rows of text that the default window of 80 by 28 cells shows
-REPEATS = 5
+REPEATS = 7
 C_LOCALE = {**os.environ, 'LC_ALL': 'C'}
-IN_MEMORY, ON_DISK = '/dev/shm', str(DATA)
 
 
 # ---- Inputs ------------------------------------------------------------------------------------------
@@ -62,7 +56,7 @@ def warm(path):
 # ---- Measuring the editor ----------------------------------------------------------------------------
 
 
-def run_measured(command, record, errors, environment):
+def run_measured(command, record, errors):
     """Runs a command and gives (exit code, most memory used in kB).
 
     What the system tells of a process begins with what its parent used before it became that program. So a
@@ -72,7 +66,7 @@ def run_measured(command, record, errors, environment):
     ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
     number = DATA / 'pid'
     subprocess.run(['/bin/sh', '-c', '"$@" & echo $! >"$0"', str(number), *command], check=True, stdout=record,
-                   stderr=errors, env=environment)
+                   stderr=errors)
     _, status, usage = os.wait4(int(number.read_text()), 0)
     return os.waitstatus_to_exitcode(status), usage.ru_maxrss
 
@@ -80,16 +74,13 @@ def run_measured(command, record, errors, environment):
 class Run:
     """One scripted run: the milliseconds of each line that was marked, and the most memory used, in MB."""
 
-    def __init__(self, program, lines, temporary=IN_MEMORY):
+    def __init__(self, program, lines):
         """`lines` are script lines, or pairs of a mark and a script line."""
         marked = [line if isinstance(line, tuple) else (None, line) for line in lines]
         script, errors = DATA / 'script', DATA / 'times'
         script.write_text(''.join(line + '\n' for _, line in marked))
-        folder = tempfile.mkdtemp(prefix='hexlane-peers-', dir=temporary)
         with open(DATA / 'record', 'wb') as record, open(errors, 'wb') as error_file:
-            code, memory = run_measured([program, '--time', str(script)], record, error_file,
-                                        {**os.environ, 'TMP': folder})
-        shutil.rmtree(folder)
+            code, memory = run_measured([program, '--time', str(script)], record, error_file)
         text = errors.read_text()
         if code != 0:
             sys.exit(f'{program} ended with {code}:\n{text[-2000:]}')
@@ -124,8 +115,10 @@ def elapsed(*commands):
 def peer_times(commands):
     """Milliseconds of the commands, several times over, less what it takes to start their programs."""
     starts = [[command[0], '--version'] for command in commands]
-    least = min(elapsed(*starts) for _ in range(REPEATS))
-    return [max(elapsed(*commands) - least, 0.001) for _ in range(REPEATS)]
+    elapsed(*starts, *commands)  # so that the programs themselves are warm
+    pairs = [(elapsed(*commands), elapsed(*starts)) for _ in range(REPEATS)]
+    least = min(start for _, start in pairs)
+    return [max(whole - least, 0.001) for whole, _ in pairs]
 
 
 # ---- The table ---------------------------------------------------------------------------------------
@@ -160,11 +153,11 @@ def size_text(path):
     return f'{path.stat().st_size / 1e6:.0f} MB'
 
 
-def measure_open(table, program, path, temporary=IN_MEMORY, where=''):
+def measure_open(table, program, path):
     """Opened again and again by a running program, as a second start asks for it."""
     warm(path)
-    run = Run(program, ['start'] + [('open', f'open-request {quoted(path)}')] * REPEATS, temporary)
-    table.row(f'open {size_text(path)}{where}, beside wc -l', run.times['open'], peer_times([['wc', '-l', path]]), 'ms',
+    run = Run(program, ['start'] + [('open', f'open-request {quoted(path)}')] * REPEATS)
+    table.row(f'open {size_text(path)}, beside wc -l', run.times['open'], peer_times([['wc', '-l', path]]), 'ms',
               '6', run.memory)
     return run.memory
 
@@ -235,7 +228,6 @@ def main():
 
     table = Table()
     memory = {path: measure_open(table, program, path) for path in (big, middle, small)}
-    measure_open(table, program, big, ON_DISK, ', temporary files on disk')
     for path in (big, middle, small):
         measure_save(table, program, path)
     measure_paging(table, program, big, 1000)

@@ -2,8 +2,11 @@
 
 #include <cstring>
 
+#include "dnc/transfer_state.h"
 #include "frame/child.h"
 #include "frame/commands.h"
+#include "frame/transfer_watch.h"
+#include "macros/macro_table.h"
 #include "platform/text.h"
 #include "store/block_buffer.h"
 
@@ -40,12 +43,17 @@ bool is_enabled(Enabled rule) {
         return false;
     switch (rule) {
     case Enabled::BLOCK_MARKED:
-        return child[0].block_active != 0;
+        return !macros.recording && child[0].block_active != 0;
     case Enabled::CUT_OR_COPIED:
-        return copy_block.start.row >= 0 || cut_block.start.row >= 0;
+        return !macros.recording && (copy_block.start.row >= 0 || cut_block.start.row >= 0);
+    case Enabled::PORT_QUIET:
+        return transfer_state[0].status != SENDING && transfer_state[0].status != RECEIVING;
     case Enabled::MACRO_THERE:
+        return !macros.recording && macros.count > 0;
+    case Enabled::NOT_RECORDING:
+        return !macros.recording;
     case Enabled::RECORDING:
-        return false;
+        return macros.recording;
     default:
         return true;
     }
@@ -94,6 +102,7 @@ void build_custom_filter(char filter[CUSTOM_FILTER_SIZE]) {
 }  // namespace
 
 void update_menus(WindowHandle) {
+    label_send_this();
     for (int i = 0; i < COMMAND_COUNT; i++) {
         const Command& command = COMMANDS[i];
         if (command.id != 0 && command.popup != 0)

@@ -5,7 +5,11 @@
 #include "frame/main_window.h"
 #include "frame/views.h"
 #include "input/block.h"
+#include "macros/playback.h"
+#include "macros/recording.h"
+#include "ncutils/nc_commands.h"
 #include "platform/keys.h"
+#include "search/search.h"
 #include "store/block_buffer.h"
 #include "view/colors.h"
 
@@ -98,20 +102,22 @@ const Command COMMANDS[] = {
     {1007, FILE_POPUP, "E&xit", "Quit the application", Enabled::ALWAYS, false, command_exit},
 
     {1008, EDIT_POPUP, "Cu&t\tCtrl+X", "Cut and copy the selected text", Enabled::BLOCK_MARKED, false,
-     nullptr},
-    {1009, EDIT_POPUP, "&Copy\tCtrl+C", "Copy the selected text", Enabled::BLOCK_MARKED, false, nullptr},
-    {1010, EDIT_POPUP, "&Paste\tCtrl+V", "Paste the selected text", Enabled::CUT_OR_COPIED, false, nullptr},
+     command_cut},
+    {1009, EDIT_POPUP, "&Copy\tCtrl+C", "Copy the selected text", Enabled::BLOCK_MARKED, false, command_copy},
+    {1010, EDIT_POPUP, "&Paste\tCtrl+V", "Paste the selected text", Enabled::CUT_OR_COPIED, false,
+     command_paste},
     {COMMAND_DELETE, EDIT_POPUP, "&Delete\tDel", "Delete the selected text", Enabled::FILE_OPEN, false,
      command_delete},
     line_in(EDIT_POPUP),
     {1012, EDIT_POPUP, "&Find and Replace...", "Find and replace a text pattern", Enabled::FILE_OPEN, true,
-     nullptr},
+     command_find_and_replace},
 
-    {1013, VIEW_POPUP, "Move To &Row...", "Move to a specific row number", Enabled::FILE_OPEN, true, nullptr},
+    {1013, VIEW_POPUP, "Move To &Row...", "Move to a specific row number", Enabled::FILE_OPEN, true,
+     command_move_to_row},
     {1014, VIEW_POPUP, "Move To &Line Number...", "Move to a specific line number", Enabled::FILE_OPEN, true,
-     nullptr},
+     command_move_to_line_number},
     line_in(VIEW_POPUP),
-    {1015, VIEW_POPUP, "&Find...", "Find a text pattern", Enabled::FILE_OPEN, true, nullptr},
+    {1015, VIEW_POPUP, "&Find...", "Find a text pattern", Enabled::FILE_OPEN, true, command_find},
     line_in(VIEW_POPUP),
     {1016, VIEW_POPUP, "&Set Colors...", "Set environment colors", Enabled::ALWAYS, true, nullptr},
     {COMMAND_ENABLE_COLORS, VIEW_POPUP, "&Enable Colors\tF3", "Enable or disable colors", Enabled::FILE_OPEN,
@@ -122,22 +128,24 @@ const Command COMMANDS[] = {
     {COMMAND_NC_MODE, VIEW_POPUP, "&NC Mode\tF7", "Place text in NC Mode", Enabled::ALWAYS, false,
      command_nc_mode},
 
-    {1020, NC_POPUP, "&Renumber...", "Renumber the active file", Enabled::FILE_OPEN, true, nullptr},
+    {1020, NC_POPUP, "&Renumber...", "Renumber the active file", Enabled::FILE_OPEN, true, command_renumber},
     {1021, NC_POPUP, "Strip &Line Numbers", "Strip the line numbers from active file", Enabled::FILE_OPEN,
-     true, nullptr},
+     true, command_strip},
     line_in(NC_POPUP),
-    {1022, NC_POPUP, "&Shift...", "Shift values in active file", Enabled::FILE_OPEN, true, nullptr},
-    {1023, NC_POPUP, "S&cale...", "Scale values in active file", Enabled::FILE_OPEN, true, nullptr},
+    {1022, NC_POPUP, "&Shift...", "Shift values in active file", Enabled::FILE_OPEN, true, command_shift},
+    {1023, NC_POPUP, "S&cale...", "Scale values in active file", Enabled::FILE_OPEN, true, command_scale},
     line_in(NC_POPUP),
     {1024, NC_POPUP, "&Incremental to Absolute...", "Change to absolute values in active file",
-     Enabled::FILE_OPEN, true, nullptr},
+     Enabled::FILE_OPEN, true, command_incr_to_abs},
     {1025, NC_POPUP, "&Absolute to Incremental...", "Change to incremental values in active file",
-     Enabled::FILE_OPEN, true, nullptr},
+     Enabled::FILE_OPEN, true, command_abs_to_incr},
 
-    {1026, MACROS_POPUP, "&Play...\tF8", "Play a prerecorded macro", Enabled::MACRO_THERE, true, nullptr},
-    {1027, MACROS_POPUP, "&Record...", "Record a new macro", Enabled::NOT_RECORDING, true, nullptr},
+    {1026, MACROS_POPUP, "&Play...\tF8", "Play a prerecorded macro", Enabled::MACRO_THERE, true,
+     command_play_macro},
+    {1027, MACROS_POPUP, "&Record...", "Record a new macro", Enabled::NOT_RECORDING, true,
+     command_record_macro},
     {1028, MACROS_POPUP, "&End Record", "Stop recording the active macro", Enabled::RECORDING, false,
-     nullptr},
+     command_end_record},
 
     {1032, DNC_POPUP, "&Parameter Settings", "Set the communication parameters", Enabled::ALWAYS, true,
      nullptr},

@@ -16,6 +16,9 @@ Directories directories;
 
 namespace {
 
+// Bytes of the longest path below the home folder, "/ZOLTTMP/" and a temporary name or "/INIT/" and a file.
+constexpr std::size_t LONGEST_NAME_BELOW = 32;
+
 constexpr int NAME_CHARS = 62;
 constexpr int VALUES_PER_CHAR = 529;
 constexpr int NAME_CHAR_RANGE = 32768;
@@ -92,7 +95,8 @@ int find_home() {
     const char* separator = std::strcmp(d.launch_dir, "/") == 0 ? "" : "/";
     if (!format_text(home, sizeof home, "%s%sZOLT", d.launch_dir, separator) ||
         !format_text(d.help_path, sizeof d.help_path, "%s/zolt.hlp", home) ||
-        !format_text(d.terminal_path, sizeof d.terminal_path, "%s/term.exe", home))
+        !format_text(d.terminal_path, sizeof d.terminal_path, "%s/term.exe", home) ||
+        std::strlen(home) + LONGEST_NAME_BELOW >= PATH_SIZE)
         return 0;
     copy_text(d.start_dir, sizeof d.start_dir, path_kind(home) == PathKind::FOLDER ? home : d.launch_dir);
     return 1;

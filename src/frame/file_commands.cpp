@@ -3,6 +3,7 @@
 
 #include "frame/file_commands.h"
 
+#include "dnc/transfer_state.h"
 #include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/directories.h"
@@ -15,6 +16,7 @@
 #include "input/block.h"
 #include "platform/files.h"
 #include "store/block_buffer.h"
+#include "store/file_watch.h"
 #include "store/load.h"
 #include "store/merge.h"
 #include "store/row_table.h"
@@ -88,12 +90,22 @@ void open_file(const char* path, const char* title) {
     clear_block_records();
 }
 
+// Whether two paths are one entry of a folder, links followed. Two hard links to one file are two entries:
+// each can be replaced without the other.
+bool same_entry(const char* left, const char* right) {
+    char left_target[PATH_SIZE];
+    char right_target[PATH_SIZE];
+    return same_path(left, right) && follow_links(left, left_target, sizeof left_target) &&
+           follow_links(right, right_target, sizeof right_target) &&
+           equal_ignoring_case(left_target, right_target);
+}
+
 // The active file saved under another name, which becomes the active file. 1 when that was done.
 int save_under_other_name() {
     FileDialog dialog;
     if (!guard_rows() || !ask_save_name(&dialog))
         return 0;
-    const bool same = same_path(dialog.path, child[0].file_path);
+    const bool same = same_entry(dialog.path, child[0].file_path);
     if (same && guard_save() != GuardAnswer::WRITE)
         return 0;
     const PointerShape pointer = begin_wait();
@@ -101,6 +113,8 @@ int save_under_other_name() {
     end_wait(pointer);
     if (!saved)
         return 0;
+    if (!same)
+        forget_merge_of(dialog.path);
     close_document();
     copy_text(child[0].file_path, PATH_SIZE, dialog.path);
     copy_text(child[0].file_title, PATH_SIZE, dialog.file_title);
@@ -158,19 +172,46 @@ void show_closed() {
 // A document that was changed, or whose file was replaced, is written first, so that the splice point is a
 // place in the file on disk. 1 when the document is the file now.
 int settle_for_merge() {
-    if (guard_save() != GuardAnswer::WRITE)
-        return 0;
     const PointerShape pointer = begin_wait();
     const int saved = save_file_keeping_merge();
     end_wait(pointer);
-    return saved && load_again();
+    if (!saved || !load_again())
+        return 0;
+    if (merge_counts()) {  // an earlier merge is still to be confirmed
+        note_merged_file();
+        child[0].modified = 1;
+    }
+    return 1;
 }
 
 bool merge_needs_save() {
     RowRecord record;
     // A row that stands nowhere in the file (the end row of a file without a line end) is no reason: the
     // merge then goes to the file's end.
-    return child[0].modified || !read_record(child[0].current_row, &record) || record.origin == ORIGIN_CHANGE;
+    bool fresh = false;
+    return child[0].modified || document_change(&fresh) != FileChange::NONE ||
+           !read_record(child[0].current_row, &record) || record.origin == ORIGIN_CHANGE;
+}
+
+// A requested file that a port is using is refused, and the user chooses another one.
+bool take_requested_file() {
+    if (requested_file[0] == '\0')
+        return false;
+    note_named_file(requested_file);
+    if (!is_active_file(requested_file))
+        return true;
+    show_frame_box(FrameBox::OPEN_ACTIVE_FILE);
+    requested_file[0] = '\0';
+    return false;
+}
+
+int ask_quiet_file(FileDialog* dialog) {
+    while (ask_open_name(dialog)) {
+        if (!is_active_file(dialog->path))
+            return 1;
+        show_frame_box(FrameBox::OPEN_ACTIVE_FILE);
+    }
+    return 0;
 }
 
 }  // namespace
@@ -189,13 +230,12 @@ void command_open() {
         requested_file[0] = '\0';
         return;
     }
-    FileDialog dialog;
-    if (requested_file[0] != '\0') {
-        note_named_file(requested_file);
+    if (take_requested_file()) {
         open_requested_file();
         return;
     }
-    if (ask_open_name(&dialog))
+    FileDialog dialog;
+    if (ask_quiet_file(&dialog))
         open_file(dialog.path, dialog.file_title);
     else if (needs_load)
         load_again();
@@ -252,7 +292,10 @@ void command_merge() {
     FileDialog dialog;
     if (!ask_open_name(&dialog))
         return;
-    if (merge_needs_save() ? !settle_for_merge() : guard_save() != GuardAnswer::WRITE)
+    const GuardAnswer answer = guard_save();
+    if (answer == GuardAnswer::SAVE_AS)
+        save_under_other_name();
+    if (answer != GuardAnswer::WRITE || (merge_needs_save() && !settle_for_merge()))
         return;
     copy_text(child[0].merge_path, PATH_SIZE, dialog.path);
     if (same_path(child[0].merge_path, child[0].file_path)) {
@@ -265,6 +308,8 @@ void command_merge() {
     end_wait(pointer);
     if (merged) {
         load_again();
+        if (merge_counts())
+            note_merged_file();  // the load may have stripped NULs from it
         update_scrollbar(child[0].main_window);
         show_file_name();
         show_status(STATUS_BLANK);

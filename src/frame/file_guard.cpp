@@ -14,6 +14,7 @@ bool overwrite_agreed = false;  // for the state of the file that was reported l
 // Offers to load the file as it is now; the edits go.
 void offer_reload(FrameBox box) {
     mark_change_told();
+    overwrite_agreed = false;
     if (show_frame_box(box, child[0].file_path) == 0)
         reload_document();
 }

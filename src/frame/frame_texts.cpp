@@ -24,6 +24,8 @@ constexpr BoxText FRAME_BOXES[] = {
      "Merge File", BoxIcon::QUESTION, BUTTONS_YES_NO},
     {"Cannot merge file with itself.", "Merge Error", BoxIcon::STOP, BUTTONS_OK},
     {"Unable to display view", "System Error", BoxIcon::STOP, BUTTONS_OK},
+    {"You cannot open an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
+    {"You cannot compare with an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
 
     {"Another program has replaced %s since it was opened.\n\nOverwrite puts the document in the editor in "
      "its "
@@ -47,7 +49,10 @@ constexpr BoxText FRAME_BOXES[] = {
      "file.\n\nReload "
      "shows the file as it is now.",
      "File Changed", BoxIcon::EXCLAMATION, BUTTONS_RELOAD},
-    {"%s not opened\n\nThe reason: the path is too long.", "Access Denied", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"%s not opened", "Access Denied", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"The program's folder cannot be used: %s\n\nIt does not exist, may not be made, or its path is too "
+     "long.",
+     "System Error", BoxIcon::STOP, BUTTONS_OK},
 };
 
 }  // namespace

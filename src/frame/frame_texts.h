@@ -9,13 +9,16 @@ enum class FrameBox {
     MERGE_QUESTION,
     MERGE_WITH_ITSELF,
     VIEW_FAILED,
+    OPEN_ACTIVE_FILE,
+    COMPARE_ACTIVE_FILE,
     // Our own: the active file was changed by another program.
     REPLACED_MODIFIED,    // file; Overwrite, Save As, Cancel
     REMOVED,              // file; Overwrite, Save As, Cancel
     REPLACED_UNMODIFIED,  // file; Reload, Cancel
     IN_PLACE_MODIFIED,    // file; Reload, Cancel
     IN_PLACE_UNMODIFIED,  // file; Reload, Cancel
-    PATH_TOO_LONG,        // file
+    NOT_OPENED,           // file
+    NO_HOME,              // folder
 };
 
 // Shows a box and gives the index of the button pressed.

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "dnc/port_engine.h"
+#include "dnc/transfer.h"
 #include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/commands.h"
@@ -11,9 +13,12 @@
 #include "frame/file_guard.h"
 #include "frame/scroll.h"
 #include "frame/status_line.h"
+#include "frame/transfer_watch.h"
 #include "input/block.h"
 #include "input/keyboard.h"
 #include "input/mouse.h"
+#include "macros/macro_table.h"
+#include "macros/recording.h"
 #include "platform/surface.h"
 #include "platform/views.h"
 #include "store/row_table.h"
@@ -107,6 +112,7 @@ int64_t on_kill_focus(WindowHandle, int64_t, int64_t) {
 
 int64_t on_paint(WindowHandle window, int64_t, int64_t) {
     if (!child[0].file_open) {
+        set_scroll_bar(window);
         blank_client(window);
         update_menus(window);
         return 0;
@@ -120,26 +126,36 @@ int64_t on_paint(WindowHandle window, int64_t, int64_t) {
     return 0;
 }
 
-int64_t on_key_down(WindowHandle window, int64_t first, int64_t) {
+// While a macro is recorded the status line goes on saying so.
+void show_edit_mode() {
+    if (!macros.recording)
+        show_status(STATUS_EDIT_MODE);
+}
+
+int64_t on_key_down(WindowHandle window, int64_t first, int64_t second) {
     if (!child[0].file_open)
         return 0;
+    record_event(WM_KEYDOWN, first, second);
     const int key = static_cast<int>(first);
     if (child[0].block_active && !key_keeps_block(key))
         send_message(window, WM_COMMAND, COMMAND_DELETE, 0);
     handle_key_down(key);
-    show_status(STATUS_EDIT_MODE);
+    show_edit_mode();
     return 0;
 }
 
-int64_t on_key_up(WindowHandle window, int64_t, int64_t) {
-    if (child[0].file_open)
-        update_menus(window);
+int64_t on_key_up(WindowHandle window, int64_t first, int64_t second) {
+    if (!child[0].file_open)
+        return 0;
+    record_event(WM_KEYUP, first, second);
+    update_menus(window);
     return 0;
 }
 
 int64_t on_char(WindowHandle, int64_t first, int64_t second) {
     if (!child[0].file_open)
         return 0;
+    record_event(WM_CHAR, first, second);
     handle_char(static_cast<int>(first), std::max(low_word(second), 1));
     show_status(STATUS_EDIT_MODE);
     return 0;
@@ -183,22 +199,36 @@ int64_t on_file_check(WindowHandle, int64_t, int64_t) {
     return 0;
 }
 
-// The icon that tells of a transfer goes, and with nothing to wait for so does the slow use of the timer.
+// A drag with the pointer outside of the window scrolls. In the slow use the icon that tells of a transfer
+// goes, and with nothing to wait for so does the timer.
 int64_t on_timer(WindowHandle, int64_t, int64_t) {
-    if (slow_timer_running()) {
-        stop_ui_timer();
-        show_activity_icon(false);
+    if (drag_timer_running() && child[0].block_active) {
+        int x = 0;
+        int y = 0;
+        pointer_position(&x, &y);
+        drag_scroll(x, y);
     }
+    if (slow_timer_running())
+        watch_transfers();
+    return 0;
+}
+
+int64_t on_transfer_done(WindowHandle, int64_t first, int64_t second) {
+    finish_transfer(static_cast<int>(first), second);
+    return 0;
+}
+
+int64_t on_transfer_failed(WindowHandle, int64_t first, int64_t second) {
+    finish_failed_transfer(static_cast<int>(first), second);
     return 0;
 }
 
 int64_t on_vscroll(WindowHandle, int64_t first, int64_t) {
     if (!child[0].file_open)
         return 0;
-    if (child[0].block_active)
-        block_clear();
+    block_dismiss();
     handle_vscroll(low_word(first), high_word(first));
-    show_status(STATUS_EDIT_MODE);
+    show_edit_mode();
     return 0;
 }
 
@@ -216,8 +246,9 @@ int64_t on_menu_select(WindowHandle window, int64_t first, int64_t second) {
 int64_t on_mouse_down(WindowHandle, int64_t first, int64_t second) {
     if (!child[0].file_open)
         return 0;
+    record_event(WM_LBUTTONDOWN, first, second);
     handle_mouse_down(static_cast<int>(first), signed_low(second), signed_high(second));
-    show_status(STATUS_EDIT_MODE);
+    show_edit_mode();
     set_ui_timer(UI_TIMER_DRAG);
     return 0;
 }
@@ -228,8 +259,8 @@ int64_t on_mouse_move(WindowHandle, int64_t first, int64_t second) {
     return 0;
 }
 
-// Inside the client area or, with the button let go elsewhere, outside of it.
-int64_t on_mouse_up(WindowHandle window, int64_t, int64_t second) {
+// With the button let go outside of the client area; nothing is recorded there.
+int64_t on_mouse_up_outside(WindowHandle window, int64_t, int64_t second) {
     if (!child[0].file_open)
         return 0;
     handle_mouse_up(signed_low(second), signed_high(second));
@@ -237,6 +268,12 @@ int64_t on_mouse_up(WindowHandle window, int64_t, int64_t second) {
     release_capture();
     update_menus(window);
     return 0;
+}
+
+int64_t on_mouse_up(WindowHandle window, int64_t first, int64_t second) {
+    if (child[0].file_open)
+        record_event(WM_LBUTTONUP, first, second);
+    return on_mouse_up_outside(window, first, second);
 }
 
 struct MessageEntry {
@@ -255,7 +292,7 @@ constexpr MessageEntry MESSAGES[] = {
     {WM_MOUSEMOVE, on_mouse_move},
     {WM_LBUTTONDOWN, on_mouse_down},
     {WM_LBUTTONUP, on_mouse_up},
-    {WM_NCLBUTTONUP, on_mouse_up},
+    {WM_NCLBUTTONUP, on_mouse_up_outside},
     {WM_VSCROLL, on_vscroll},
     {WM_HSCROLL, on_hscroll},
     {WM_MENUSELECT, on_menu_select},
@@ -265,6 +302,8 @@ constexpr MessageEntry MESSAGES[] = {
     {WM_CLOSE, on_close},
     {WM_CREATE, on_create},
     {WM_DESTROY, on_destroy},
+    {TRANSFER_DONE_MESSAGE, on_transfer_done},
+    {TRANSFER_FAILED_MESSAGE, on_transfer_failed},
     {OPEN_REQUEST_MESSAGE, on_open_request},
     {STORE_FAULT_MESSAGE, on_store_fault},
     {FILE_CHECK_MESSAGE, on_file_check},

@@ -4,6 +4,9 @@
 
 #include <cstring>
 
+#include "dnc/machine_table.h"
+#include "dnc/port_engine.h"
+#include "dnc/transfer_state.h"
 #include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/commands.h"
@@ -13,11 +16,14 @@
 #include "frame/frame_texts.h"
 #include "frame/main_window.h"
 #include "frame/status_line.h"
+#include "frame/transfer_watch.h"
 #include "input/block.h"
+#include "macros/macro_table.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
 #include "platform/instance.h"
 #include "platform/process.h"
+#include "search/search.h"
 #include "store/block_buffer.h"
 #include "store/merge.h"
 #include "store/row_table.h"
@@ -83,16 +89,23 @@ void set_up_state() {
     child[0].block_active = 0;
     block_clear();
     reset_store();
+    reset_search();
     update_menus(child[0].main_window);
     create_directories();
     load_colors();
     merge_backup.merge_backup_active = 0;
+    reset_macros();
     child[0].colors_enabled = 1;
     child[0].changes_colored = 0;
     clear_cut_block();
     clear_copy_block();
     block_clear();
     set_caret_visible(false);
+    load_machine_table();
+    send_continuous = 0;
+    send_now = 0;
+    background_requested = 0;
+    label_send_this();
 }
 
 void show_program() {
@@ -104,10 +117,9 @@ void show_program() {
 // A named file that does not exist is not made here, and nothing is said about it.
 void open_first_file() {
     if (refused_name != nullptr)
-        show_frame_box(FrameBox::PATH_TOO_LONG, refused_name);
+        show_frame_box(FrameBox::NOT_OPENED, refused_name);
     if (requested_file[0] != '\0' && path_kind(requested_file) != PathKind::NONE) {
-        note_named_file(requested_file);
-        open_requested_file();
+        send_message(child[0].main_window, WM_COMMAND, COMMAND_OPEN, 0);
     }
     requested_file[0] = '\0';
 }
@@ -117,8 +129,11 @@ void open_first_file() {
 int program_main(const char* file) {
     const PointerShape pointer = begin_wait();
     reset_child();
-    if (!find_home())
-        return 0;
+    if (!find_home()) {
+        end_wait(pointer);
+        show_frame_box(FrameBox::NO_HOME, directories.launch_dir);
+        return 1;
+    }
     take_command_line(file);
     if (claim_instance(directories.launch_dir) == 0) {
         hand_over();

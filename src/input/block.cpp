@@ -34,6 +34,15 @@ void block_swap_ends() {
     std::swap(block.start, block.end);
 }
 
+bool block_holds_rows() {
+    return block.end.row >= 0;
+}
+
+void block_order_ends() {
+    if (block_holds_rows() && block.end.row < block.start.row)
+        block_swap_ends();
+}
+
 void block_dismiss() {
     if (!child[0].block_active)
         return;

@@ -32,6 +32,13 @@ void block_clear();
 // Exchanges start and end; the block is on show.
 void block_swap_ends();
 
+// Whole rows, and not a part of one row.
+bool block_holds_rows();
+
+// Puts the ends of whole rows in the order of the document. Every step that moves an end closes with it, so
+// that whoever uses a block finds start.row <= end.row.
+void block_order_ends();
+
 // What a key, a character and a mouse press do to a block on show: takes it off the screen, then block_clear.
 // Commits a pending row first. Does nothing without a block.
 void block_dismiss();

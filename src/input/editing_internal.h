@@ -31,6 +31,9 @@ void mark_edited();
 // Places the caret and shows its position.
 void show_caret_place();
 
+// The caret to the next row, if there is one; the view follows.
+void move_down();
+
 // The Delete key: takes out the character at the caret, or joins the next row on. Needs: no row pending.
 void delete_at_caret();
 

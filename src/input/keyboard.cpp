@@ -1,4 +1,5 @@
-// keyboard.cpp: the keys that move the caret, and Insert and Delete. Characters are in typing.cpp.
+// keyboard.cpp: the keys that move the caret, and Insert and Delete. What Shift makes of a movement is in
+// selection.cpp, characters are in typing.cpp.
 
 #include "input/keyboard.h"
 
@@ -6,6 +7,8 @@
 #include "frame/main_window.h"
 #include "input/block.h"
 #include "input/editing_internal.h"
+#include "input/held_keys.h"
+#include "input/selection_internal.h"
 #include "platform/desktop.h"
 #include "platform/keys.h"
 #include "store/row_table.h"
@@ -24,7 +27,7 @@ namespace {
 // page, and brings the caret to the first row.
 int32_t last_page_top;
 
-void key_up() {
+void move_up() {
     if (child[0].current_row == 0)
         return;
     --child[0].current_row;
@@ -33,22 +36,11 @@ void key_up() {
         paint_view();
 }
 
-void key_down() {
-    if (child[0].current_row >= child[0].last_file_row)
-        return;
-    ++child[0].current_row;
-    ++child[0].caret_row;
-    if (child[0].caret_row > child[0].window_rows) {
-        --child[0].caret_row;
-        paint_view();
-    }
-}
-
 // Neither wraps to another row. A caret that stands beyond the window's edge comes back to the last column.
-void key_left() {
+void move_left() {
     child[0].caret_col = std::clamp(child[0].caret_col - 1, 0, child[0].window_cols - 1);
 }
-void key_right() {
+void move_right() {
     child[0].caret_col = std::min(child[0].caret_col + 1, child[0].window_cols - 1);
 }
 
@@ -67,18 +59,11 @@ void document_end() {
     paint_view();
 }
 
-void key_home() {
-    if (key_is_down(VK_CONTROL))
-        document_start();
-    else
-        child[0].caret_col = 0;
+void row_start() {
+    child[0].caret_col = 0;
 }
 
-void key_end() {
-    if (key_is_down(VK_CONTROL)) {
-        document_end();
-        return;
-    }
+void row_end() {
     fetch_row(child[0].current_row);
     const int32_t end = row_end_column();
     child[0].caret_col = end > child[0].window_cols ? child[0].window_cols - 1 : end;
@@ -101,8 +86,12 @@ void page_up() {
     show_page(top);
 }
 
+bool has_further_page() {
+    return child[0].last_file_row > child[0].window_rows;
+}
+
 void page_down() {
-    if (child[0].last_file_row <= child[0].window_rows)
+    if (!has_further_page())
         return;
     // One screen row stays empty at the end of the document.
     const int32_t lowest = child[0].last_file_row - child[0].window_rows + 1;
@@ -110,28 +99,58 @@ void page_down() {
 }
 
 void toggle_overwrite() {
-    if (!key_is_down(VK_SHIFT) && !key_is_down(VK_CONTROL))
+    if (!held_key(VK_SHIFT) && !held_key(VK_CONTROL))
         child[0].overwrite_mode = !child[0].overwrite_mode;
 }
 
+bool has_row_above() {
+    return child[0].current_row > 0;
+}
+bool has_row_below() {
+    return child[0].current_row < child[0].last_file_row;
+}
+
+enum class WithCtrl { NO, YES, EITHER };
+
 struct KeyRule {
     int key;
-    void (*act)();  // runs with no row pending
+    WithCtrl ctrl;
+    void (*act)();         // runs with no row pending
+    ExtendBlock extend;    // with Shift the movement takes the block along; nullptr: Shift adds nothing
+    bool (*can_extend)();  // whether that does anything at all; nullptr: always
 };
 
 // To give a key a meaning, add a line.
 constexpr KeyRule KEY_RULES[] = {
-    {VK_UP, key_up},
-    {VK_DOWN, key_down},
-    {VK_LEFT, key_left},
-    {VK_RIGHT, key_right},
-    {VK_HOME, key_home},
-    {VK_END, key_end},
-    {VK_PRIOR, page_up},
-    {VK_NEXT, page_down},
-    {VK_INSERT, toggle_overwrite},
-    {VK_DELETE, delete_at_caret},
+    {VK_UP, WithCtrl::EITHER, move_up, extend_up, has_row_above},
+    {VK_DOWN, WithCtrl::EITHER, move_down, extend_down, has_row_below},
+    {VK_LEFT, WithCtrl::EITHER, move_left, extend_left, nullptr},
+    {VK_RIGHT, WithCtrl::EITHER, move_right, extend_right, nullptr},
+    {VK_HOME, WithCtrl::NO, row_start, extend_to_row_start, nullptr},
+    {VK_HOME, WithCtrl::YES, document_start, extend_to_document_start, nullptr},
+    {VK_END, WithCtrl::NO, row_end, extend_to_row_end, nullptr},
+    {VK_END, WithCtrl::YES, document_end, extend_to_document_end, nullptr},
+    {VK_PRIOR, WithCtrl::EITHER, page_up, extend_page_up, nullptr},
+    {VK_NEXT, WithCtrl::EITHER, page_down, extend_page_down, has_further_page},
+    {VK_INSERT, WithCtrl::EITHER, toggle_overwrite, nullptr, nullptr},
+    {VK_DELETE, WithCtrl::EITHER, delete_at_caret, nullptr, nullptr},
 };
+
+const KeyRule* rule_of_key(int key) {
+    const bool ctrl = held_key(VK_CONTROL);
+    const auto* rule = std::find_if(std::begin(KEY_RULES), std::end(KEY_RULES), [&](const KeyRule& entry) {
+        return entry.key == key && (entry.ctrl == WithCtrl::EITHER || (entry.ctrl == WithCtrl::YES) == ctrl);
+    });
+    return rule != std::end(KEY_RULES) ? rule : nullptr;
+}
+
+void act_on_key(const KeyRule& rule) {
+    commit_pending();
+    if (!held_key(VK_SHIFT) || rule.extend == nullptr)
+        rule.act();
+    else if (rule.can_extend == nullptr || rule.can_extend())
+        extend_block(rule.act, rule.extend);
+}
 
 struct KeyRange {
     int first;
@@ -143,17 +162,24 @@ constexpr KeyRange BLOCK_KEEPING_KEYS[] = {
 
 }  // namespace
 
+void move_down() {
+    if (child[0].current_row >= child[0].last_file_row)
+        return;
+    ++child[0].current_row;
+    ++child[0].caret_row;
+    if (child[0].caret_row > child[0].window_rows) {
+        --child[0].caret_row;
+        paint_view();
+    }
+}
+
 void handle_key_down(int key) {
-    if (!key_is_down(VK_SHIFT) && !key_is_down(VK_CONTROL))
+    if (!held_key(VK_SHIFT) && !held_key(VK_CONTROL))
         block_dismiss();
     if (!child[0].block_active)
         place_caret_now();
-    const auto* rule = std::find_if(std::begin(KEY_RULES), std::end(KEY_RULES),
-                                    [key](const KeyRule& entry) { return entry.key == key; });
-    if (rule != std::end(KEY_RULES)) {
-        commit_pending();
-        rule->act();
-    }
+    if (const KeyRule* rule = rule_of_key(key))
+        act_on_key(*rule);
     if (child[0].pending_row != child[0].current_row)
         commit_pending();
     if (child[0].block_active)

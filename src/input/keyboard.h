@@ -7,7 +7,7 @@
 
 namespace hexlane {
 
-// Caret movement, Insert and Delete; Shift and Ctrl are asked of the platform. Movement, Insert and Delete
+// Caret movement, Insert and Delete; Shift and Ctrl are asked of held_key. Movement, Insert and Delete
 // commit a pending row first; other keys do nothing here.
 void handle_key_down(int key);
 

@@ -1,11 +1,13 @@
-// mouse.cpp: presses and releases of the left button.
+// mouse.cpp: presses, moves and releases of the left button. What a drag makes of the block is in drag.cpp.
 
 #include "input/mouse.h"
 
 #include "frame/child.h"
 #include "frame/main_window.h"
 #include "input/block.h"
+#include "input/drag_internal.h"
 #include "input/editing_internal.h"
+#include "platform/messages.h"
 #include "store/row_table.h"
 #include "view/text_view.h"
 
@@ -31,6 +33,17 @@ void move_caret_to_cell(int32_t col, int32_t row) {
     child[0].caret_col = col;
 }
 
+// A block without a cell has been no more than a click.
+void finish_block() {
+    if (!block_holds_rows() && block.end.col == block.start.col) {
+        block_clear();
+        return;
+    }
+    paint_rows(child[0].current_row, child[0].window_rows, child[0].window_cols, child[0].caret_row);
+    if (!block_holds_rows())
+        paint_row_with_block(block.start.row);
+}
+
 }  // namespace
 
 void handle_mouse_down(int, int x, int y) {
@@ -43,13 +56,23 @@ void handle_mouse_down(int, int x, int y) {
     show_caret_place();
 }
 
-void handle_mouse_move(int, int, int) {
+void handle_mouse_move(int flags, int x, int y) {
+    const bool dragging = flags == platform::MK_LBUTTON;
+    if (dragging && !child[0].block_active && child[0].mouse_pressed) {
+        commit_and_repaint();
+        begin_drag();
+    }
     child[0].mouse_pressed = 1;
+    if (dragging && child[0].block_active)
+        drag_to_cell(x / child[0].char_width, y / child[0].char_height);
 }
 
 void handle_mouse_up(int, int) {
     commit_and_repaint();
-    set_caret_visible(true);
+    if (child[0].block_active)
+        finish_block();
+    else
+        set_caret_visible(true);
     show_caret_place();
 }
 

@@ -5,6 +5,7 @@
 #include "frame/main_window.h"
 #include "input/block.h"
 #include "input/editing_internal.h"
+#include "input/held_keys.h"
 #include "input/keyboard.h"
 #include "platform/desktop.h"
 #include "platform/keys.h"
@@ -237,7 +238,7 @@ int act_on_character(const CharacterRule& rule, int code) {
 void handle_char(int code, int repeat) {
     block_dismiss();
     place_caret_now();
-    const CharacterRule* rule = rule_of_character(code, key_is_down(VK_CONTROL));
+    const CharacterRule* rule = rule_of_character(code, held_key(VK_CONTROL));
     while (repeat-- > 0 && act_on_character(*rule, code)) {
     }
 }

@@ -89,7 +89,7 @@ void line_set_mask(LineHandle line, uint32_t mask);
 int line_wait_event(LineHandle line, uint32_t* events);
 
 // Holds the calling worker for `ms` milliseconds (the driver goes on sending what it has, and bytes are still handed
-// to it). 1 when the time is over, 0 when mask 0 ended it.
+// to it). 1 when the time is over; 0 when mask 0 ended it, or the device has vanished, which the next wait tells.
 int line_delay(LineHandle line, int ms);
 
 // Bytes in the receive ring.

@@ -36,6 +36,7 @@ struct InputRule {
     const int32_t* high_field;  // the range's upper end is in this field (plus `high`), when not nullptr
     const char* message;   // box at a bad value; nullptr for a beep
     const char* message_title;
+    bool capitals = false;      // letters a to z become capitals
 };
 
 constexpr uint16_t CONTROL_HIDDEN = 1;       // at start

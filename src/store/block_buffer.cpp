@@ -1,15 +1,16 @@
-// block_buffer.cpp: the Delete command on the block, and the records of what was cut and copied.
+// block_buffer.cpp: the four commands on the block, each for whole rows and for a part of a row.
 
 #include "store/block_buffer.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/main_window.h"
 #include "frame/scroll.h"
-#include "frame/status_line.h"
 #include "platform/keys.h"
+#include "store/cut_file.h"
 #include "store/row_edits.h"
 #include "store/store_fault.h"
 #include "view/nc_columns.h"
@@ -24,36 +25,183 @@ Block copy_block = NO_BLOCK;
 
 namespace {
 
-// Takes the rows of `block` out; the caret ends where the block began.
+int32_t row_count(const Block& rows) {
+    return rows.end.row - rows.start.row + 1;
+}
+
+int32_t text_length() {
+    return static_cast<int32_t>(std::strlen(child[0].row_text));
+}
+
+// Whether the document takes an edit now; a beep tells that it does not.
+bool edit_begins() {
+    if (edits_allowed())
+        return true;
+    message_beep(BoxIcon::EXCLAMATION);
+    return false;
+}
+
+// Index into row_text of a display column; in NC Mode nc_columns must fit row_text.
+int16_t index_of_column(int32_t col) {
+    return static_cast<int16_t>(std::min(child[0].nc_mode ? text_index_from(col) : col, text_length()));
+}
+
+// The block inside a row with its columns turned into indexes of the row's text, which row_text takes. Gives
+// 1; 0 when no character is between them, or the row can't be read.
+int read_block_part(Block* part) {
+    *part = block;
+    if (!fetch_row(block.start.row))
+        return 0;
+    if (child[0].nc_mode)
+        build_nc_columns();
+    part->start.col = index_of_column(block.start.col);
+    part->end.col = index_of_column(block.end.col);
+    return part->start.col < part->end.col;
+}
+
+// Copies the characters of `part` out of row_text.
+void copy_characters(const Block& part, char text[ROW_BUFFER_SIZE]) {
+    const int count = part.end.col - part.start.col;
+    std::memcpy(text, child[0].row_text + part.start.col, static_cast<std::size_t>(count));
+    text[count] = '\0';
+}
+
+// Stores row_text as the text of `row`. A row that was the end row gets a new one behind it.
+void store_changed_row(int32_t row) {
+    child[0].modified = 1;
+    child[0].pending_row = row;
+    commit_pending();
+}
+
+// ---- Taking away -------------------------------------------------------------------------------------
+
+// Takes the rows of the block out. The caret goes to the row that has come to their place, on the screen row
+// where the block began, if that is on the screen.
 void delete_block_rows() {
-    const int32_t first = block.start.row;
-    const int32_t count = block.end.row - first + 1;
-    const int32_t screen_row = block.start.screen_row;
-    const PointerShape pointer = begin_wait();
-    delete_rows(first, count);
-    child[0].caret_col = block.start.col;
-    child[0].caret_row = screen_row;
-    child[0].current_row = first;
+    const Block rows = block;
+    delete_rows(rows.start.row, row_count(rows));
+    child[0].caret_col = std::max<int32_t>(rows.start.col, 0);
+    child[0].caret_row = rows.start.screen_row;
+    child[0].current_row = rows.start.row;
     hold_caret_in_document();
+    child[0].caret_row =
+        std::clamp(child[0].caret_row, 0, std::min(child[0].current_row, child[0].window_rows));
     block_clear();
-    if (child[0].caret_row < 0 || child[0].caret_row > child[0].current_row)
-        child[0].caret_row = child[0].current_row;
     place_caret_now();
     paint_view();
     child[0].modified = 1;
     update_scrollbar(child[0].main_window);
-    end_wait(pointer);
     update_menus(child[0].main_window);
 }
 
-// In NC Mode the block's columns are those of the spread row; the text needs indexes.
-void turn_columns_into_indexes() {
-    if (!child[0].nc_mode || block.end.row >= 0)
+// Takes the characters of `part` out of its row, which row_text holds.
+void remove_characters(const Block& part) {
+    const char* behind = child[0].row_text + part.end.col;
+    std::memmove(child[0].row_text + part.start.col, behind, std::strlen(behind) + 1);
+    store_changed_row(part.start.row);
+}
+
+// Takes a part of a row out, into `cut` too if that is not nullptr; the caret goes to its place.
+void delete_block_part(char cut[ROW_BUFFER_SIZE]) {
+    const BlockEnd start = block.start;
+    child[0].caret_row = screen_row_of(start.row);
+    child[0].current_row = start.row;
+    child[0].caret_col = start.col;
+    Block part;
+    const int found = read_block_part(&part);
+    if (found && cut != nullptr) {
+        copy_characters(part, cut);
+        copy_block = NO_BLOCK;
+        cut_block = part;
+    }
+    if (found)
+        remove_characters(part);
+    block_clear();
+    place_caret_now();
+    repaint_row(start.row, found != 0);
+    update_scrollbar(child[0].main_window);
+    update_menus(child[0].main_window);
+}
+
+void delete_rows_of_block() {
+    const PointerShape pointer = begin_wait();
+    delete_block_rows();
+    end_wait(pointer);
+}
+
+void cut_rows() {
+    const Block rows = block;
+    const PointerShape pointer = begin_wait();
+    if (copy_rows_to_cut_file(rows.start.row, row_count(rows))) {
+        clear_copy_block();
+        cut_block = rows;
+        delete_block_rows();
+    }
+    end_wait(pointer);
+}
+
+// ---- Copying -----------------------------------------------------------------------------------------
+
+int copy_rows() {
+    const PointerShape pointer = begin_wait();
+    const int copied = copy_rows_to_cut_file(block.start.row, row_count(block));
+    end_wait(pointer);
+    if (copied)
+        copy_block = block;
+    return copied;
+}
+
+int copy_part() {
+    Block part;
+    if (!read_block_part(&part))
+        return 0;
+    copy_block = part;
+    return 1;
+}
+
+// ---- Pasting -----------------------------------------------------------------------------------------
+
+// The text of a part of a row that would be pasted now; empty when whole rows would be, or nothing.
+void text_to_paste(char text[ROW_BUFFER_SIZE]) {
+    text[0] = '\0';
+    const bool copied = copy_block.start.row >= 0;
+    if (!copied && cut_block.start.row >= 0 && cut_block.end.row < 0)
+        std::memcpy(text, child[0].cut_text, sizeof child[0].cut_text);
+    if (!copied || copy_block.end.row >= 0 || !fetch_row(copy_block.start.row))
         return;
-    fetch_row(block.start.row);
-    build_nc_columns();
-    block.start.col = static_cast<int16_t>(column_text_index(block.start.col));
-    block.end.col = static_cast<int16_t>(column_text_index(block.end.col));
+    Block part = copy_block;
+    part.end.col = std::min(part.end.col, static_cast<int16_t>(text_length()));
+    part.start.col = std::min(part.start.col, part.end.col);
+    copy_characters(part, text);
+}
+
+void paste_rows(int32_t count) {
+    const PointerShape pointer = begin_wait();
+    const int32_t last_before = child[0].last_file_row;
+    if (paste_rows_from_cut_file(child[0].current_row, count) || child[0].last_file_row != last_before)
+        child[0].modified = 1;
+    update_scrollbar(child[0].main_window);
+    paint_rows(child[0].current_row, child[0].window_rows, child[0].window_cols, child[0].caret_row);
+    end_wait(pointer);
+}
+
+void paste_text(const char* text) {
+    const int32_t row = child[0].current_row;
+    const auto added = static_cast<int32_t>(std::strlen(text));
+    if (added == 0)
+        return;
+    if (!fetch_row(row) || text_length() + added > ROW_PASTE_MAX) {
+        message_beep(BoxIcon::EXCLAMATION);
+        return;
+    }
+    if (child[0].nc_mode)
+        build_nc_columns();
+    char* at = child[0].row_text + index_of_column(child[0].caret_col);
+    std::memmove(at + added, at, std::strlen(at) + 1);
+    std::memcpy(at, text, static_cast<std::size_t>(added));
+    store_changed_row(row);
+    repaint_row(row, true);
+    update_scrollbar(child[0].main_window);
 }
 
 }  // namespace
@@ -68,17 +216,37 @@ void clear_copy_block() {
     set_caret_visible(true);
 }
 
-void delete_within_row(int32_t row) {
-    fetch_row(child[0].current_row);
-    const int32_t length = static_cast<int32_t>(std::strlen(child[0].row_text));
-    const int32_t first = block.start.col;
-    const int32_t behind = block.end.col < length ? block.end.col : length;
-    if (first < 0 || first >= behind)
+void command_cut() {
+    if (block.start.row < 0 || !edit_begins())
         return;
-    std::memmove(child[0].row_text + first, child[0].row_text + behind,
-                 static_cast<std::size_t>(length - behind) + 1);
-    if (commit_row(row))
-        child[0].modified = 1;
+    if (block_holds_rows())
+        cut_rows();
+    else
+        delete_block_part(child[0].cut_text);
+}
+
+void command_copy() {
+    if (block.start.row < 0 || !edit_begins())
+        return;
+    if (block_holds_rows() ? copy_rows() : copy_part()) {
+        clear_cut_block();
+        update_menus(child[0].main_window);
+    }
+}
+
+void command_paste() {
+    if (!edit_begins())
+        return;
+    // Read before a block gives way to it: that may be the very text that was copied.
+    char text[ROW_BUFFER_SIZE];
+    text_to_paste(text);
+    if (child[0].block_active)
+        command_delete();
+    const Block& source = copy_block.start.row >= 0 ? copy_block : cut_block;
+    if (source.start.row >= 0 && source.end.row >= 0)
+        paste_rows(row_count(source));
+    else
+        paste_text(text);
 }
 
 void command_delete() {
@@ -87,21 +255,12 @@ void command_delete() {
                      key_parameter(key_by_number(VK_DELETE), 1, false));
         return;
     }
-    if (!edits_allowed()) {
-        message_beep(BoxIcon::EXCLAMATION);
+    if (!edit_begins())
         return;
-    }
-    const int16_t column = block.start.col;
-    turn_columns_into_indexes();
-    if (block.end.row >= 0) {
-        delete_block_rows();
-        return;
-    }
-    delete_within_row(child[0].current_row);
-    child[0].caret_col = column;
-    block_clear();
-    place_caret_now();
-    repaint_row(child[0].current_row, true);
+    if (block_holds_rows())
+        delete_rows_of_block();
+    else
+        delete_block_part(nullptr);
 }
 
 }  // namespace hexlane

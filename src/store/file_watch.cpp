@@ -41,8 +41,8 @@ FileChange compare_with_disk() {
 
 }  // namespace
 
-void note_document_stamp() {
-    file_stamp(stream_file(child[0].file_stream), &loaded_stamp);
+void note_document_stamp(FileHandle file) {
+    file_stamp(file, &loaded_stamp);
     reported_change = FileChange::NONE;
     found_change = FileChange::NONE;
 }

@@ -12,8 +12,8 @@ enum class FileChange {
     REMOVED,   // no file has the name; our handle still holds the old bytes
 };
 
-// Notes what the file is at load.
-void note_document_stamp();
+// Notes what the file is ahead of a load, so that a write during the load is noticed too.
+void note_document_stamp(platform::FileHandle file);
 
 // Compares with the file on disk. `fresh` takes true when this state has not been reported by
 // mark_change_told yet.

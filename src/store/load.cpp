@@ -93,15 +93,14 @@ LoadResult scan_file(FileHandle file) {
 // Opens file_path, making it when it is missing, and gives an empty file the line end that every document
 // has. NO_FILE after a message.
 FileHandle open_active_file() {
-    FileHandle file = path_kind(child[0].file_path) == PathKind::NONE
-                          ? file_create(child[0].file_path, FileCreate::NEW)
-                          : file_open(child[0].file_path, FileAccess::READ_WRITE);
+    char target[PATH_SIZE];
+    FileHandle file = NO_FILE;
+    if (path_kind(child[0].file_path) != PathKind::NONE)
+        file = file_open(child[0].file_path, FileAccess::READ_WRITE);
+    else if (follow_links(child[0].file_path, target, sizeof target))  // a link may point at nothing yet
+        file = file_create(target, FileCreate::NEW);
     if (file == NO_FILE) {
-        const FileError reason = last_file_error();
-        if (reason == FileError::NONE || reason == FileError::OTHER)
-            show_store_box(StoreBox::NOT_OPENED, child[0].file_path);
-        else
-            show_store_box(StoreBox::NOT_OPENED_REASON, child[0].file_path, file_error_text(reason));
+        show_store_box(StoreBox::NOT_OPENED, child[0].file_path);
         return NO_FILE;
     }
     const int64_t size = file_size(file);
@@ -174,6 +173,7 @@ int load_file() {
     FileHandle file = open_active_file();
     if (file == NO_FILE)
         return forget_file();
+    note_document_stamp(file);
     const LoadResult result = build_table(file);
     if (result != LoadResult::DONE) {
         const FileError reason = last_file_error();
@@ -186,7 +186,6 @@ int load_file() {
     child[0].pending_row = -1;
     child[0].current_segment = 0;
     clear_store_fault();
-    note_document_stamp();
     update_scroll_values();
     add_end_row_after_load();
     show_status(STATUS_BLANK);

@@ -94,7 +94,7 @@ void note_backup(const char* backup) {
         copy_text(merge_backup.merge_restore_path, PATH_SIZE, child[0].file_path);
         copy_text(merge_backup.merge_backup_path, PATH_SIZE, backup);
     }
-    path_stamp(child[0].file_path, &merge_backup.merged);
+    note_merged_file();
 }
 
 int splice_file(Splice* splice) {
@@ -173,6 +173,15 @@ int merge_file() {
         close_document();
     }
     return merged;
+}
+
+void note_merged_file() {
+    path_stamp(child[0].file_path, &merge_backup.merged);
+}
+
+void forget_merge_of(const char* path) {
+    if (merge_backup.merge_backup_active && same_path(path, merge_backup.merge_restore_path))
+        merge_backup.merge_backup_active = 0;
 }
 
 void confirm_merge() {

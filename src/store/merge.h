@@ -27,6 +27,12 @@ int merge_file();
 // Whether the backup belongs to the active file.
 bool merge_counts();
 
+// Takes the active file as it stands on disk as what the merge made: after a save or a load of our own.
+void note_merged_file();
+
+// `path` has been replaced by another document: there is no merge of it to undo any more. Its backup stays.
+void forget_merge_of(const char* path);
+
 // After a Save: the merge is final; deletes the backup.
 void confirm_merge();
 

@@ -17,6 +17,8 @@ uint8_t copy_buffer[COPY_BUFFER_SIZE];
 
 namespace {
 
+const char* failed_file = "";  // see failed_store_file
+
 StreamHandle stream_of(char origin) {
     return origin == ORIGIN_FILE ? child[0].file_stream : child[0].change_stream;
 }
@@ -104,9 +106,14 @@ bool row_is_empty(int32_t row) {
     return read_record(row, &record) && row_span(record, &span) && span.length == 0;
 }
 
+const char* failed_store_file() {
+    return failed_file;
+}
+
 int store_row_text(int32_t row, const char* text, const RowSpan* rest) {
     const int64_t start = stream_end(child[0].change_stream);
     const std::size_t length = std::strlen(text);
+    failed_file = child[0].change_path;
     const int64_t rest_length = rest == nullptr ? 0 : rest->length;
     if (start + static_cast<int64_t>(length) + rest_length + 2 > CHANGE_FILE_LIMIT) {
         set_last_file_error(FileError::TOO_LARGE);
@@ -114,8 +121,11 @@ int store_row_text(int32_t row, const char* text, const RowSpan* rest) {
     }
     const RowRecord record = {static_cast<uint32_t>(start), ORIGIN_CHANGE};
     if (stream_append(child[0].change_stream, text, length) && (rest_length == 0 || append_rest(*rest)) &&
-        stream_append(child[0].change_stream, "\n", 1) && write_record(row, record))
-        return 1;
+        stream_append(child[0].change_stream, "\n", 1)) {
+        if (write_record(row, record))
+            return 1;
+        failed_file = child[0].segment_path;
+    }
     const FileError reason = last_file_error();
     stream_rewind_to(child[0].change_stream, start);
     set_last_file_error(reason);

@@ -82,6 +82,14 @@ int fetch_row(int32_t row);
 // honours, and the user is told from the message loop.
 int commit_row(int32_t row);
 
+// Around the commits of a long run over many rows, which then cost no system call each: the records of the
+// rows may wait in memory, where every reader of the store sees them. Between the two no row is put in or
+// taken out and no segment file is read or written past read_record and write_record. end_row_batch writes
+// out what waits and gives 1; 0 on failure: nothing is lost, one row has become the unsaved one, and the user
+// is told from the message loop.
+void begin_row_batch();
+int end_row_batch();
+
 // Commits the pending row, if there is one. If it is the last row and has text, a new end row is put behind
 // it. Gives 1, or 0 when the commit failed (pending_row is -1 in both cases).
 int commit_pending();
@@ -113,6 +121,9 @@ constexpr int32_t SHOWN_BY_FETCH = -1;
 // the record of `row` at it. Gives 1; 0 on failure, and then table and change file are as before and nothing
 // has been told.
 [[nodiscard]] int store_row_text(int32_t row, const char* text, const RowSpan* rest);
+
+// The file that failed in the last store_row_text that gave 0.
+const char* failed_store_file();
 
 // Sets last_file_row and what the scroll bar derives from it.
 void set_last_file_row(int32_t row);

@@ -170,17 +170,25 @@ void settle_rows() {
     edits_allowed();
 }
 
-// Writes the document complete beside `path` and puts it in place. `like` gives mode and owner.
+// Writes the document complete beside `path` and puts it in place. A file that is there already must be one
+// that may be written; it gives mode and owner, otherwise `like` does.
 int write_document(const char* path, FileHandle like, bool show_progress) {
-    Replacement output;
-    if (!begin_replacement(&output, path))
+    FileHandle old = file_open(path, FileAccess::READ_WRITE);
+    if (old == NO_FILE && last_file_error() != FileError::NOT_FOUND)
         return 0;
-    if (write_rows(&output, show_progress) && finish_replacement(&output, like))
-        return 1;
+    Replacement output;
+    int done = begin_replacement(&output, path);
+    if (done) {
+        done = write_rows(&output, show_progress) && finish_replacement(&output, old == NO_FILE ? like : old);
+        const FileError reason = last_file_error();
+        abandon_replacement(&output);
+        set_last_file_error(reason);
+    }
     const FileError reason = last_file_error();
-    abandon_replacement(&output);
+    if (old != NO_FILE)
+        file_close(old);
     set_last_file_error(reason);
-    return 0;
+    return done;
 }
 
 int tell_save_failure(const char* path) {
@@ -214,13 +222,7 @@ int save_file_keeping_merge() {
 
 int save_file_as(const char* path) {
     settle_rows();
-    FileHandle like = file_open(path, FileAccess::READ);
-    const int saved = write_document(path, like, false);
-    const FileError reason = last_file_error();
-    if (like != NO_FILE)
-        file_close(like);
-    set_last_file_error(reason);
-    if (!saved)
+    if (!write_document(path, NO_FILE, false))
         return tell_save_failure(path);
     child[0].modified = 0;
     return 1;

@@ -1,5 +1,6 @@
 // segment_rewrite.h: rewriting one segment file through a work file: the one way in which records come into
-// the middle of the table or leave it. Private to row_edits.cpp and row_delete.cpp. Main thread only.
+// the middle of the table or leave it. Private to row_edits.cpp, row_delete.cpp and
+// cut_file.cpp. Main thread only.
 #pragma once
 
 #include <cstdint>

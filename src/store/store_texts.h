@@ -8,7 +8,6 @@ enum class StoreBox {
     ASK_NULLS,   // file
     NOT_OPENED,  // file
     // Our own.
-    NOT_OPENED_REASON,   // file, reason
     NOT_INDEXED,         // file, reason
     TOO_MANY_ROWS,       // file, limit
     TOO_LARGE,           // file, limit

@@ -2,6 +2,8 @@
 
 #include "store/temp_names.h"
 
+#include <cstring>
+
 #include "frame/directories.h"
 #include "platform/process.h"
 #include "platform/text.h"
@@ -12,6 +14,9 @@ namespace hexlane {
 using namespace platform;
 
 namespace {
+
+// Bytes of the longest name behind temp_prefix's folder: the prefix, "DX" and a number.
+constexpr std::size_t LONGEST_NAME = 4 + 2 + 10;
 
 int32_t name_counter = 0;  // the number given last; goes on through the run
 
@@ -42,9 +47,9 @@ void name_segment(int segment) {
     do {
         format_text(segment_table[segment].file_name, sizeof segment_table[segment].file_name, "%s%d",
                     directories.temp_prefix, ++name_counter);
-        format_text(path, sizeof path, "%s%s%s", directories.temp_dir, separator_behind(directories.temp_dir),
-                    segment_table[segment].file_name);
-    } while (path_kind(path) != PathKind::NONE);
+    } while (format_text(path, sizeof path, "%s%s%s", directories.temp_dir,
+                         separator_behind(directories.temp_dir), segment_table[segment].file_name) &&
+             path_kind(path) != PathKind::NONE);
 }
 
 void choose_temp_folder(const char* wanted, char* folder) {
@@ -52,11 +57,11 @@ void choose_temp_folder(const char* wanted, char* folder) {
     const char* candidates[] = {named, wanted, "/"};
     environment_value("TMP", named, sizeof named);
     for (const char* candidate : candidates) {
-        if (candidate[0] != '\0' && path_kind(candidate) == PathKind::FOLDER) {
-            // A relative TMP is taken from where the program was started.
-            if (absolute_path(candidate, folder, PATH_SIZE))
-                return;
-        }
+        // A relative TMP is taken from where the program was started. A folder with a path so long that names
+        // in it would be cut is of no use.
+        if (candidate[0] != '\0' && path_kind(candidate) == PathKind::FOLDER &&
+            absolute_path(candidate, folder, PATH_SIZE) && std::strlen(folder) + 1 + LONGEST_NAME < PATH_SIZE)
+            return;
     }
     copy_text(folder, PATH_SIZE, ".");
 }

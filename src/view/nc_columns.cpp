@@ -58,19 +58,15 @@ void format_nc_row() {
     std::memcpy(child[0].row_text, formatted, static_cast<size_t>(end) + 1);
 }
 
-int32_t caret_text_index() {
+int32_t text_index_from(int32_t col) {
     int32_t index = 0;
-    while (child[0].row_text[index] != '\0' && child[0].nc_columns[index] < child[0].caret_col)
+    while (child[0].row_text[index] != '\0' && child[0].nc_columns[index] < col)
         ++index;
     return index;
 }
 
-int32_t column_text_index(int32_t col) {
-    int32_t index = 0;
-    while (child[0].row_text[index] != '\0' && child[0].nc_columns[index] < col)
-        ++index;
-    const bool in_gap = child[0].row_text[index] != '\0' && child[0].nc_columns[index] > col;
-    return in_gap && index > 0 ? index - 1 : index;
+int32_t caret_text_index() {
+    return text_index_from(child[0].caret_col);
 }
 
 int32_t nc_display_length(const char* text) {

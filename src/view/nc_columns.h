@@ -21,13 +21,13 @@ void build_nc_columns();
 // Spreads row_text out to its display form, at most NC_MAX_LENGTH characters; what goes past is not shown.
 void format_nc_row();
 
-// The text index under the caret: the first whose column is caret_col or beyond, or the text's length.
-// Needs: build_nc_columns for the text that row_text holds now. So does column_text_index.
-int32_t caret_text_index();
+// The text index of display column `col`: the first whose column is `col` or beyond, or the text's length. So
+// the characters between two columns on the screen are those between their indexes.
+// Needs: build_nc_columns for the text that row_text holds now. So does caret_text_index.
+int32_t text_index_from(int32_t col);
 
-// The text index at display column `col`; between two characters the one before the gap; behind the text its
-// length.
-int32_t column_text_index(int32_t col);
+// The text index under the caret.
+int32_t caret_text_index();
 
 // Cells that `text` takes when it is formatted from column 0, not cut at NC_MAX_LENGTH.
 int32_t nc_display_length(const char* text);

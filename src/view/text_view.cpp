@@ -153,6 +153,18 @@ void paint_colored_row(int32_t pixel_y, int32_t row) {
     }
 }
 
+void paint_row_with_block(int32_t row) {
+    const int32_t y = row - top_row();
+    if (y < 0 || y > child[0].window_rows)
+        return;
+    fetch_row(row);
+    if (child[0].nc_mode)
+        format_nc_row();
+    paint_colored_row(y * child[0].char_height, row);
+    if (child[0].nc_mode)
+        fetch_row(row);
+}
+
 void paint_color_overlay(int32_t y) {
     const char* text = child[0].row_text;
     ColorStretch stretch = {};

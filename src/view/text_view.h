@@ -27,6 +27,11 @@ void paint_block_rows(int32_t first_row, int32_t last_y, int32_t cols, int32_t f
 // in units. A block inside document row `row` shows white on black. Behind the text nothing is drawn.
 void paint_colored_row(int32_t pixel_y, int32_t row);
 
+// Draws the row of a block that lies inside one, as paint_colored_row does, so that the block shows in every
+// display mode. The blanks behind the text stay as they are; a row off the screen is left alone. row_text
+// holds the row then.
+void paint_row_with_block(int32_t row);
+
 // Draws the coloured words of row_text over a row that was just drawn plain, at screen row y.
 void paint_color_overlay(int32_t y);
 

@@ -35,8 +35,10 @@ void check_columns(const std::string& text) {
     for (child[0].caret_col = 0; child[0].caret_col < 300; child[0].caret_col++) {
         const int32_t index = caret_text_index();
         fuzz::require(index >= 0 && index <= length, "the caret's index lies outside the text");
-        const int32_t at = column_text_index(child[0].caret_col);
-        fuzz::require(at >= 0 && at <= length && at <= index, "a column's index lies outside the text");
+        fuzz::require(index == length || child[0].nc_columns[index] >= child[0].caret_col,
+                      "the caret's index lies in front of it");
+        fuzz::require(index == 0 || child[0].nc_columns[index - 1] < child[0].caret_col,
+                      "the caret's index is not the first");
     }
     child[0].caret_col = 0;
 }

@@ -12,7 +12,7 @@ namespace hexlane::platform {
 namespace {
 
 // What is said; %s stands for the name as it was given or worked out.
-enum class FileSaying { TOO_LONG, NO_FOLDER, IS_FOLDER, CREATE, REPLACE };
+enum class FileSaying { TOO_LONG, NO_FOLDER, IS_FOLDER, NO_FILE_AT_ALL, CREATE, REPLACE };
 
 struct FileText {
     FileSaying saying;
@@ -24,6 +24,8 @@ constexpr FileText FILE_TEXTS[] = {
     {FileSaying::TOO_LONG, "%s\nThis name is too long.", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {FileSaying::NO_FOLDER, "%s\nThere is no such folder.", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {FileSaying::IS_FOLDER, "%s\nThis is a folder, not a file.", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {FileSaying::NO_FILE_AT_ALL, "%s\nThis is a device or a pipe, not a file.", BoxIcon::EXCLAMATION,
+     BUTTONS_OK},
     {FileSaying::CREATE, "%s\nThis file does not exist.\nCreate it?", BoxIcon::QUESTION, BUTTONS_YES_NO},
     {FileSaying::REPLACE, "%s\nThis file exists already.\nReplace it?", BoxIcon::EXCLAMATION, BUTTONS_YES_NO},
 };
@@ -78,6 +80,10 @@ int settle(FileDialog* dialog, const char* typed, int filter_index, PathKind ask
         return 0;
     }
     const PathKind kind = path_kind(path);
+    if (kind == PathKind::OTHER) {
+        say_about(dialog, FileSaying::NO_FILE_AT_ALL, path);
+        return 0;
+    }
     if (kind == PathKind::FOLDER) {
         say_about(dialog, FileSaying::IS_FOLDER, path);
         return 0;

@@ -21,6 +21,11 @@ bool field_takes(const InputRule* rule, const char* text) {
     return rule->allowed == nullptr || std::strspn(text, rule->allowed) == length;
 }
 
+char field_character(const InputRule* rule, char c) {
+    const bool raised = rule != nullptr && rule->capitals && c >= 'a' && c <= 'z';
+    return raised ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
 bool value_in_range(const InputRule* rule, const char* text) {
     if (rule == nullptr || (rule->low == rule->high && rule->high_field == nullptr)) {
         return true;

@@ -8,6 +8,9 @@ namespace hexlane::platform {
 // Whether a field may hold `text` while it is being typed: limit and allowed characters. No rule takes all.
 bool field_takes(const InputRule* rule, const char* text);
 
+// A character as the field takes it: a capital where the rule wants capitals.
+char field_character(const InputRule* rule, char c);
+
 // Whether `text` is a number in the rule's range; true when the rule has no range. An empty text is bad.
 bool value_in_range(const InputRule* rule, const char* text);
 

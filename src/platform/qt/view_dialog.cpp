@@ -58,6 +58,11 @@ class FieldValidator final : public QValidator {
 public:
     FieldValidator(const InputRule* field_rule, QObject* parent) : QValidator(parent), rule(field_rule) {}
     State validate(QString& text, int&) const override {
+        for (QChar& character : text) {
+            if (character.unicode() < 0x80) {
+                character = QLatin1Char(field_character(rule, character.toLatin1()));
+            }
+        }
         return field_takes(rule, text.toUtf8().constData()) ? Acceptable : Invalid;
     }
 

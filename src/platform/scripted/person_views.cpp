@@ -217,7 +217,8 @@ Refusal person_fills(const ControlName& field, const std::string& text) {
     }
     control->text.clear();
     for (std::size_t at = 0; at < text.size(); at += character_length(text, at)) {
-        const std::string longer = control->text + text.substr(at, character_length(text, at));
+        std::string longer = control->text + text.substr(at, character_length(text, at));
+        longer.back() = field_character(control->spec->rule, longer.back());
         if (field_takes(control->spec->rule, longer.c_str())) {
             control->text = longer;
         }

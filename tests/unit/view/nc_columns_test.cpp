@@ -59,13 +59,12 @@ TEST(NcColumns, EveryWordStartsOnAMultipleOfTheFieldWidth) {
 TEST(NcColumns, TextIndexOfAColumnInsideAndBesideTheText) {
     set_text("N10G1X5");  // N10  G1   X5
     build_nc_columns();
-    //                                  N  1  0  .  .  G  1  .  .  .  X  5  end
-    const int32_t behind_gap[] = {0, 1, 2, 3, 3, 3, 4, 5, 5, 5, 5, 6, 7, 7};
-    const int32_t before_gap[] = {0, 1, 2, 2, 2, 3, 4, 4, 4, 4, 5, 6, 7, 7};
+    //                             N  1  0  .  .  G  1  .  .  .  X  5  end
+    const int32_t index_of[] = {0, 1, 2, 3, 3, 3, 4, 5, 5, 5, 5, 6, 7, 7};
     for (int32_t col = 0; col < 14; ++col) {
         child[0].caret_col = col;
-        EXPECT_EQ(caret_text_index(), behind_gap[col]) << "column " << col;
-        EXPECT_EQ(column_text_index(col), before_gap[col]) << "column " << col;
+        EXPECT_EQ(caret_text_index(), index_of[col]) << "column " << col;
+        EXPECT_EQ(text_index_from(col), index_of[col]) << "column " << col;
     }
 }
 

@@ -1,0 +1,45 @@
+#include "frame/transfer_watch.h"
+
+#include "dnc/machine_table.h"
+#include "dnc/transfer.h"
+#include "frame/command_state.h"
+#include "frame/commands.h"
+#include "frame/status_line.h"
+#include "platform/desktop.h"
+#include "platform/text.h"
+
+namespace hexlane {
+
+namespace {
+
+bool any_slot(int8_t first, int8_t second) {
+    for (int slot = 0; slot < SLOT_COUNT; slot++) {
+        const int8_t status = transfer_state[slot].status;
+        if (status == first || status == second)
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void watch_transfers() {
+    for (int slot = 0; slot < SLOT_COUNT; slot++)
+        check_receive_timeout(slot);
+    if (any_slot(SENDING, RECEIVING)) {
+        show_activity_icon(true);
+    } else if (!any_slot(SEND_STANDBY, RECEIVE_STANDBY)) {
+        stop_ui_timer();
+        show_activity_icon(false);
+    }
+}
+
+void label_send_this() {
+    char text[MACHINE_NAME_SIZE + 16];
+    char name[MACHINE_NAME_SIZE];
+    platform::copy_text(name, sizeof name, machine_of_slot(0).name);
+    platform::format_text(text, sizeof text, "Send This - %s", name);
+    platform::set_menu_text(COMMAND_SEND_THIS, text);
+}
+
+}  // namespace hexlane

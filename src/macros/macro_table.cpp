@@ -1,0 +1,142 @@
+// macro_table.cpp: the folder of macro files, as a table in memory.
+
+#include "macros/macro_table.h"
+
+#include "frame/directories.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "store/replace_file.h"
+
+#include <cstring>
+
+namespace hexlane {
+
+using namespace platform;
+
+MacroState macros;
+
+namespace {
+
+constexpr const char* FILE_STEM = "MACRO.";
+
+int macro_path(const char* file_name, char path[PATH_SIZE]) {
+    return format_text(path, PATH_SIZE, "%s%s", directories.macro_dir, file_name);
+}
+
+bool is_macro_name(const char* file_name) {
+    char stem[7];
+    copy_text(stem, sizeof stem, file_name);
+    return equal_ignoring_case(stem, FILE_STEM) && std::strlen(file_name) < MACRO_FILE_NAME_SIZE;
+}
+
+// The name inside a file, with zeros behind it; empty when the file cannot be read.
+void read_macro_name(const char* path, char name[MACRO_NAME_SIZE]) {
+    std::memset(name, 0, MACRO_NAME_SIZE);
+    const FileHandle file = file_open(path, FileAccess::READ);
+    if (file == NO_FILE)
+        return;
+    char read[MACRO_NAME_SIZE] = "";
+    if (file_read_at(file, 0, read, MACRO_NAME_SIZE - 1) >= 0)
+        std::memcpy(name, read, std::strlen(read));
+    file_close(file);
+}
+
+void enter_file(void*, const char* file_name) {
+    char path[PATH_SIZE];
+    if (macros.count == MAX_MACROS || !is_macro_name(file_name) || !macro_path(file_name, path) ||
+        path_kind(path) == PathKind::FOLDER)
+        return;
+    MacroEntry& entry = macros.table[macros.count++];
+    read_macro_name(path, entry.name);
+    copy_text(entry.file_name, sizeof entry.file_name, file_name);
+}
+
+bool name_is_taken(const char* file_name, int32_t but) {
+    char path[PATH_SIZE];
+    if (!macro_path(file_name, path) || path_kind(path) != PathKind::NONE)
+        return true;
+    for (int32_t i = 0; i < macros.count; ++i)
+        if (i != but && equal_ignoring_case(macros.table[i].file_name, file_name))
+            return true;
+    return false;
+}
+
+int write_image(const char* path) {
+    const FileHandle old = file_open(path, FileAccess::READ);
+    Replacement replacement;
+    int written = begin_replacement(&replacement, path);
+    if (written) {
+        written = replacement_write(&replacement, macros.block.bytes, sizeof macros.block.bytes) &&
+                  finish_replacement(&replacement, old);
+        if (!written)
+            abandon_replacement(&replacement);
+    }
+    if (old != NO_FILE)
+        file_close(old);
+    return written;
+}
+
+}  // namespace
+
+void reset_macros() {
+    macros = {};
+    scan_macros();
+}
+
+void scan_macros() {
+    macros.count = 0;
+    list_folder(directories.macro_dir, "", enter_file, nullptr);
+}
+
+int new_macro_file(int32_t entry) {
+    for (int number = 1; number <= MAX_MACROS; ++number) {
+        char name[MACRO_FILE_NAME_SIZE];
+        format_text(name, sizeof name, "%s%03d", FILE_STEM, number);
+        if (!name_is_taken(name, entry)) {
+            copy_text(macros.table[entry].file_name, sizeof macros.table[entry].file_name, name);
+            return 1;
+        }
+    }
+    return 0;
+}
+
+int write_macro(int32_t entry) {
+    put_macro_count(&macros.block, macros.event_count);
+    std::memcpy(macros.block.bytes, macros.table[entry].name, MACRO_NAME_SIZE);
+    char path[PATH_SIZE];
+    return macro_path(macros.table[entry].file_name, path) && write_image(path);
+}
+
+int read_macro(int32_t entry) {
+    static MacroFileImage image;
+    char path[PATH_SIZE];
+    if (!macro_path(macros.table[entry].file_name, path))
+        return 0;
+    const FileHandle file = file_open(path, FileAccess::READ);
+    if (file == NO_FILE)
+        return 0;
+    const int64_t length = file_read_at(file, 0, image.bytes, sizeof image.bytes);
+    file_close(file);
+    const int count = get_macro_count(image);
+    if (length != MACRO_FILE_SIZE || count < 0 || count > MACRO_MOST_EVENTS)
+        return 0;
+    macros.block = image;
+    macros.event_count = count;
+    return 1;
+}
+
+void delete_macro(int32_t entry) {
+    char path[PATH_SIZE];
+    if (macro_path(macros.table[entry].file_name, path))
+        delete_file(path);
+    scan_macros();
+}
+
+int32_t find_macro(const char* name) {
+    for (int32_t i = 0; i < macros.count; ++i)
+        if (std::strcmp(macros.table[i].name, name) == 0)
+            return i;
+    return -1;
+}
+
+}  // namespace hexlane

@@ -1,0 +1,30 @@
+// macro_texts.cpp: the table behind show_macro_box, in the order of MacroBox.
+
+#include "macros/macro_texts.h"
+
+#include "frame/boxes.h"
+
+namespace hexlane {
+
+using platform::BoxIcon;
+using platform::BUTTONS_OK;
+using platform::BUTTONS_YES_NO;
+
+namespace {
+
+constexpr BoxText MACRO_BOXES[] = {
+    {"You must enter a Macro Name.", "Record Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"Overwrite %s with new macro?", "Overwrite Macro", BoxIcon::QUESTION, BUTTONS_YES_NO},
+    {"Delete %s?", "Delete Macro", BoxIcon::QUESTION, BUTTONS_YES_NO},
+
+    {"There is no room for another macro. Delete one first, or record over one that is there.",
+     "Record Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
+};
+
+}  // namespace
+
+int show_macro_box(MacroBox box, const char* name) {
+    return show_box(MACRO_BOXES[static_cast<int>(box)], name);
+}
+
+}  // namespace hexlane

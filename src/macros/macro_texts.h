@@ -1,0 +1,20 @@
+// macro_texts.h: every message box of the macros. A new one is a line here and in the table.
+#pragma once
+
+namespace hexlane {
+
+enum class MacroBox {
+    // Told texts.
+    NAME_MISSING,
+    ASK_OVERWRITE,  // name
+    ASK_DELETE,     // name
+    // Our own.
+    NO_ROOM,
+};
+
+constexpr int YES_BUTTON = 0;
+
+// Shows a box and gives the index of the button pressed.
+int show_macro_box(MacroBox box, const char* name = "");
+
+}  // namespace hexlane

@@ -1,0 +1,22 @@
+// serial_driver.h: what a running write asks of a tty driver. A table, so that a test can stand in for a
+// driver that tells its queue and its shift register and has modem lines, none of which a pty has.
+#pragma once
+
+#include <cstddef>
+#include <sys/types.h>
+
+namespace hexlane::platform {
+
+struct LineDriver {
+    ssize_t (*write)(int tty, const void* data, std::size_t count);  // as write(2), without waiting
+    int (*queued)(int tty);  // bytes accepted and not yet sent; 0 also when the driver doesn't tell
+    bool (*transmitter_empty)(int tty);  // true also when the driver doesn't tell
+    int (*clear_to_send)(int tty);       // 1 or 0; -1 when there are no modem lines
+};
+
+extern const LineDriver TTY_DRIVER;
+
+// What line_open gives to a new line: TTY_DRIVER, unless a test has put its own here before.
+extern LineDriver line_driver;
+
+}  // namespace hexlane::platform

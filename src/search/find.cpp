@@ -1,0 +1,143 @@
+// find.cpp: the command Find: its dialog and the walk from match to match.
+
+#include "frame/child.h"
+#include "frame/main_window.h"
+#include "frame/status_line.h"
+#include "frame/views.h"
+#include "search/search.h"
+#include "search/search_internal.h"
+#include "search/search_texts.h"
+#include "store/row_table.h"
+#include "view/text_view.h"
+
+namespace hexlane {
+
+using namespace platform;
+
+namespace {
+
+// ---- The dialogs -------------------------------------------------------------------------------------
+
+constexpr int16_t FIND_BUTTON = 1;
+constexpr int16_t CANCEL_BUTTON = 2;
+constexpr int16_t UP_RADIO = 111;
+constexpr int16_t DOWN_RADIO = 112;
+
+constexpr ControlSpec FIND_CONTROLS[] = {
+    {100, ControlKind::TEXT, "Find What:", 0, 0, 1, 1, 0, 0, nullptr},
+    {FIND_FIELD, ControlKind::FIELD, "", 0, 1, 1, 2, 40, 0, &SEARCH_TEXT_RULE},
+    {110, ControlKind::FRAME, "Search Direction", 1, 1, 1, 2, 0, 0, nullptr},
+    {UP_RADIO, ControlKind::RADIO, "Up", 1, 1, 1, 1, 0, CONTROL_GROUP, nullptr},
+    {DOWN_RADIO, ControlKind::RADIO, "Down", 1, 2, 1, 1, 0, 0, nullptr},
+    {FIND_BUTTON, ControlKind::BUTTON, "Find", 0, 3, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 1, 3, 1, 1, 0, CONTROL_CANCEL, nullptr},
+};
+constexpr ViewSpec FIND_VIEW = {"IDD_FIND", "Find", 0, FIND_CONTROLS, 7};
+
+constexpr ControlSpec NEXT_CONTROLS[] = {
+    {REPLY_FIND_NEXT, ControlKind::BUTTON, "Find Next", 0, 0, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {REPLY_DONE, ControlKind::BUTTON, "Done", 0, 1, 1, 1, 0, CONTROL_CANCEL, nullptr},
+};
+constexpr ViewSpec NEXT_VIEW = {"IDD_NEXT_FIND", "Find", 0, NEXT_CONTROLS, 2, 300, 80};
+
+// What the dialog asks for.
+bool find_go;
+bool find_down;
+
+void fill_find_dialog(ViewHandle view) {
+    if (!search_texts.find_opened)
+        search_texts.find_text[0] = '\0';
+    search_texts.find_opened = true;
+    view_choose_field(view, FIND_FIELD);
+    view_set_text(view, search_texts.find_text);
+    view_check(view, DOWN_RADIO, true);
+}
+
+int64_t find_proc(WindowHandle window, uint32_t message, int64_t first, int64_t second) {
+    view_attach(window);
+    if (message == WM_INITDIALOG) {
+        fill_find_dialog(window);
+        return 1;
+    }
+    if (message == WM_COMMAND && low_word(first) == FIND_BUTTON) {
+        view_get_text(window, FIND_FIELD, search_texts.find_text, sizeof search_texts.find_text);
+        find_down = view_checked(window, DOWN_RADIO);
+        find_go = true;
+        view_end(window, 1);
+        return 0;
+    }
+    return view_default(window, message, first, second);
+}
+
+// ---- The walk ----------------------------------------------------------------------------------------
+
+struct Find {
+    SearchPattern pattern;
+    PointerShape pointer;
+    bool found;
+    bool failed;  // a row could not be read: the walk ends, and the message loop tells why
+};
+
+// Stops at each match in `row`. Gives whether the walk goes on.
+bool find_in_row(Find* find, int32_t row) {
+    uint8_t positions[ROW_BUFFER_SIZE];
+    const int32_t count = find_candidates(find->pattern, positions);
+    for (int32_t i = 0; i < count; ++i) {
+        if (!matches_at(find->pattern, positions[i]))
+            continue;
+        find->found = true;
+        end_wait(find->pointer);
+        find->failed = ask_about_match(&NEXT_VIEW, row, positions[i], find->pattern) < 0;
+        if (!find->failed)
+            repaint_row(row, false);
+        find->pointer = begin_wait();
+        if (find->failed || child[0].replace_reply == REPLY_DONE)
+            return false;
+    }
+    return true;
+}
+
+int32_t next_row(int32_t row, bool down) {
+    if (down)
+        return row == child[0].last_file_row ? 0 : row + 1;
+    return row == 0 ? child[0].last_file_row : row - 1;
+}
+
+void tell_end(const Find& find) {
+    if (find.failed)
+        return;
+    if (!find.found)
+        show_search_box(SearchBox::NOT_FOUND, search_texts.find_text);
+    else if (child[0].replace_reply != REPLY_DONE)
+        show_search_box(SearchBox::SEARCH_COMPLETE);
+}
+
+// Begins with the whole of the caret's row, and wraps at the document's ends with no question.
+void run_find(const char* text, bool down) {
+    Find find = {{}, begin_wait(), false, false};
+    prepare_pattern(text, &find.pattern);
+    const int32_t start = child[0].current_row;
+    int32_t row = start;
+    do {
+        find.failed = !fetch_walked_row(row);
+        if (find.failed || !find_in_row(&find, row))
+            break;
+        row = next_row(row, down);
+    } while (row != start);
+    end_wait(find.pointer);
+    show_position();
+    tell_end(find);
+}
+
+}  // namespace
+
+void command_find() {
+    find_go = false;
+    child[0].replace_reply = REPLY_NONE;
+    show_view(&FIND_VIEW, find_proc);
+    set_caret_visible(false);
+    if (find_go)
+        run_find(search_texts.find_text, find_down);
+}
+
+}  // namespace hexlane

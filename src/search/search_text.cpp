@@ -1,0 +1,119 @@
+// search_text.cpp: when a text in a row matches, and showing a match.
+
+#include "frame/child.h"
+#include "frame/main_window.h"
+#include "frame/status_line.h"
+#include "frame/views.h"
+#include "platform/text.h"
+#include "search/search.h"
+#include "search/search_internal.h"
+#include "store/row_table.h"
+#include "view/nc_columns.h"
+#include "view/text_view.h"
+
+#include <cstring>
+
+namespace hexlane {
+
+using namespace platform;
+
+SearchTexts search_texts;
+
+const InputRule SEARCH_TEXT_RULE = {SEARCH_TEXT_SIZE - 1, nullptr, 0, 0, nullptr, nullptr, nullptr};
+
+namespace {
+
+constexpr char fold(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// The first place of `c` from `from` on; `end` when there is none.
+const char* next_place(const char* from, const char* end, char c) {
+    const void* found = from < end ? std::memchr(from, c, static_cast<size_t>(end - from)) : nullptr;
+    return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
+}  // namespace
+
+void reset_search() {
+    search_texts = {};
+}
+
+// A character that no row can hold makes the text one that no row holds.
+void prepare_pattern(const char* text, SearchPattern* pattern) {
+    const bool possible = text_to_bytes(pattern->bytes, sizeof pattern->bytes, text);
+    for (char& c : pattern->bytes)
+        c = fold(c);
+    pattern->length = possible ? static_cast<int32_t>(std::strlen(pattern->bytes)) : 0;
+    pattern->cells = child[0].nc_mode ? nc_display_length(pattern->bytes) : pattern->length;
+}
+
+// The two cases are looked for apart: a row is scanned at the speed of memory, and most rows have neither.
+int32_t find_char_positions(char c, uint8_t positions[ROW_BUFFER_SIZE]) {
+    const char* text = child[0].row_text;
+    const char* end = text + std::strlen(text);
+    const char capital = fold(c);
+    const bool has_small = capital >= 'A' && capital <= 'Z';
+    const char small = static_cast<char>(has_small ? capital - 'A' + 'a' : capital);
+    const char* next_capital = next_place(text, end, capital);
+    const char* next_small = has_small ? next_place(text, end, small) : end;
+    int32_t count = 0;
+    while (next_capital != end || next_small != end) {
+        const bool takes_capital = next_capital < next_small;
+        const char*& next = takes_capital ? next_capital : next_small;
+        positions[count++] = static_cast<uint8_t>(next - text);
+        next = next_place(next + 1, end, takes_capital ? capital : small);
+    }
+    return count;
+}
+
+bool matches_at(const SearchPattern& pattern, int32_t index) {
+    const char* text = child[0].row_text;
+    const auto length = static_cast<int32_t>(std::strlen(text));
+    if (index < 0 || pattern.length > length - index)
+        return false;
+    for (int32_t i = 0; i < pattern.length; ++i)
+        if (fold(text[index + i]) != pattern.bytes[i])
+            return false;
+    return true;
+}
+
+int32_t find_candidates(const SearchPattern& pattern, uint8_t positions[ROW_BUFFER_SIZE]) {
+    return pattern.length > 0 ? find_char_positions(pattern.bytes[0], positions) : 0;
+}
+
+// ---- Showing a match ---------------------------------------------------------------------------------
+
+namespace {
+
+// The stepping dialogs: each button's id is its answer. Closing one in another way is a Done.
+int64_t step_proc(WindowHandle window, uint32_t message, int64_t first, int64_t second) {
+    view_attach(window);
+    if (message == WM_INITDIALOG)
+        return 1;
+    if (message == WM_COMMAND || message == WM_CLOSE) {
+        view_end(window, message == WM_CLOSE ? REPLY_DONE : low_word(first));
+        return 0;
+    }
+    return view_default(window, message, first, second);
+}
+
+}  // namespace
+
+int ask_about_match(const ViewSpec* dialog, int32_t row, int32_t index, const SearchPattern& pattern) {
+    show_match(row, index, pattern.cells);
+    show_position();
+    const int reply = show_view(dialog, step_proc);
+    set_caret_visible(false);
+    if (reply != REPLY_NONE)
+        child[0].replace_reply = static_cast<int16_t>(reply);
+    return fetch_row(row) ? reply : -1;
+}
+
+int fetch_walked_row(int32_t row) {
+    if (row % ROW_COUNT_STEP == 0)
+        show_row_count(row);
+    return fetch_row(row);
+}
+
+}  // namespace hexlane

@@ -1,0 +1,178 @@
+#include "store/cut_file.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "frame/child.h"
+#include "frame/directories.h"
+#include "frame/status_line.h"
+#include "platform/text.h"
+#include "platform/text_stream.h"
+#include "store/row_edits.h"
+#include "store/row_record_format.h"
+#include "store/row_table.h"
+#include "store/segment_rewrite.h"
+#include "store/store_fault.h"
+#include "store/temp_names.h"
+
+namespace hexlane {
+
+using namespace platform;
+
+namespace {
+
+// Records on their way into the file or out of it.
+uint8_t records[SEGMENT_WINDOW_ROWS * ROW_RECORD_SIZE];
+
+constexpr int64_t record_bytes(int32_t count) {
+    return static_cast<int64_t>(count) * ROW_RECORD_SIZE;
+}
+
+void cut_file_path(char path[PATH_SIZE]) {
+    format_text(path, PATH_SIZE, "%s/%sCUT.INX", directories.temp_dir, directories.temp_prefix);
+}
+
+// ---- Into the file -----------------------------------------------------------------------------------
+
+int write_records(FileHandle file, int32_t row, int32_t count) {
+    for (int32_t done = 0; done < count;) {
+        const int32_t now = std::min(count - done, SEGMENT_WINDOW_ROWS);
+        for (int32_t i = 0; i < now; i++) {
+            RowRecord record;
+            if (!read_record(row + done + i, &record))
+                return 0;
+            put_row_record(records + record_bytes(i), record.position, record.origin);
+        }
+        if (!file_write_at(file, record_bytes(done), records, static_cast<std::size_t>(record_bytes(now))))
+            return 0;
+        done += now;
+    }
+    return 1;
+}
+
+// ---- Out of the file ---------------------------------------------------------------------------------
+
+// One row's text where a record says that it stands: `text` is what a fetch would show of it, `rest` what
+// stands behind that.
+int read_recorded_text(const RowRecord& record, char text[ROW_FETCH_MAX + 1], RowSpan* rest) {
+    text[0] = '\0';
+    *rest = {ORIGIN_BLANK, 0, 0, -1, 0};
+    if (record.origin == ORIGIN_BLANK)
+        return 1;
+    const StreamHandle stream = record.origin == ORIGIN_FILE ? child[0].file_stream : child[0].change_stream;
+    const LineRead line = stream_read_line(stream, record.position, text, ROW_FETCH_MAX);
+    if (line.end == LineEnd::FAILED)
+        return 0;
+    const auto shown = static_cast<int32_t>(std::strlen(text));
+    const bool whole = shown < line.length || line.end == LineEnd::LF || line.end == LineEnd::END;
+    return whole || unseen_rest(record, shown, rest);
+}
+
+int paste_record(const RowRecord& record, int32_t row) {
+    char text[ROW_FETCH_MAX + 1];
+    RowSpan rest;
+    return read_recorded_text(record, text, &rest) && store_row_text(row, text, &rest);
+}
+
+// Gives 1; 0 on failure, and then `failed` takes the file that is to blame.
+int fill_rows(FileHandle file, int32_t row, int32_t count, const char** failed) {
+    for (int32_t done = 0; done < count; done++) {
+        const int32_t index = done % SEGMENT_WINDOW_ROWS;
+        const auto wanted = record_bytes(std::min(count - done, SEGMENT_WINDOW_ROWS));
+        if (index == 0 &&
+            file_read_at(file, record_bytes(done), records, static_cast<std::size_t>(wanted)) != wanted)
+            return 0;
+        if (!paste_record(get_row_record(records + record_bytes(index)), row + done)) {
+            *failed = child[0].change_path;
+            return 0;
+        }
+        if (done % ROW_COUNT_STEP == 0)
+            show_row_count(row + done);
+    }
+    return 1;
+}
+
+// Takes out the `count` rows behind `row`.
+int remove_rows_behind(int32_t row, int32_t count) {
+    while (count > 0) {
+        if (locate_row(row + 1) < 0)
+            return 0;
+        const int segment = child[0].current_segment;
+        const int32_t index = row + 1 - segment_table[segment].first_row;
+        const int32_t here = std::min(count, segment_rows(segment) - index);
+        if (!rewrite_segment(segment, index, here, 0))
+            return 0;
+        shift_rows_behind(segment, -here);
+        count -= here;
+    }
+    return 1;
+}
+
+// The table as it was before `count` rows came in at `row`, which had this record. The texts that were
+// appended for them go first: on a full disk that makes the room that the segment's new file needs.
+void take_rows_back(int32_t row, int32_t count, const RowRecord& record, int64_t change_end) {
+    const FileError reason = last_file_error();
+    stream_rewind_to(child[0].change_stream, change_end);
+    if (write_record(row, record) && remove_rows_behind(row, count))
+        set_last_file_error(reason);
+    forget_cached_rows();
+}
+
+int insert_rows_of(FileHandle file, int32_t row, int32_t count, const char* path) {
+    RowRecord before;
+    if (!read_record(row, &before))
+        return fail_edit(child[0].segment_path);
+    const int64_t change_end = stream_end(child[0].change_stream);
+    if (!insert_blank_rows(row, count))
+        return 0;
+    const char* failed = path;
+    begin_row_batch();
+    const int filled = fill_rows(file, row, count, &failed);
+    const FileError reason = last_file_error();
+    if (!end_row_batch())
+        return 0;
+    if (filled)
+        return 1;
+    set_last_file_error(reason);
+    take_rows_back(row, count, before, change_end);
+    return fail_edit(failed);
+}
+
+}  // namespace
+
+int copy_rows_to_cut_file(int32_t row, int32_t count) {
+    char path[PATH_SIZE];
+    char work_path[PATH_SIZE];
+    char prefix[sizeof directories.temp_prefix + 2];
+    cut_file_path(path);
+    format_text(prefix, sizeof prefix, "%sDX", directories.temp_prefix);
+    const FileHandle work = create_unique_file(directories.temp_dir, prefix, work_path);
+    if (work == NO_FILE)
+        return fail_edit(path);
+    const int written = write_records(work, row, count);
+    const FileError reason = last_file_error();
+    const int closed = file_close(work);
+    if (written && closed && rename_file(work_path, path))
+        return 1;
+    if (!written)
+        set_last_file_error(reason);
+    fail_edit(path);
+    delete_file(work_path);
+    return 0;
+}
+
+int paste_rows_from_cut_file(int32_t row, int32_t count) {
+    char path[PATH_SIZE];
+    cut_file_path(path);
+    const FileHandle file = file_open(path, FileAccess::READ);
+    if (file == NO_FILE)
+        return fail_edit(path);
+    const int64_t size = file_size(file);
+    if (size >= 0 && size < record_bytes(count))
+        set_last_file_error(FileError::IO);  // somebody has cut it short
+    const int pasted = size < record_bytes(count) ? fail_edit(path) : insert_rows_of(file, row, count, path);
+    file_close(file);
+    return pasted;
+}
+
+}  // namespace hexlane

@@ -1,0 +1,93 @@
+// The machine table and its file, and the rules that tie settings together.
+
+#include <cstring>
+#include <filesystem>
+
+#include "dnc/crc32.h"
+#include "dnc/machine_fields.h"
+#include "dnc/machine_presets.h"
+#include "dnc/machine_table.h"
+#include "frame/directories.h"
+#include "support/program_test.h"
+
+namespace hexlane {
+namespace {
+
+class MachineTest : public ProgramTest {
+protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        start("");
+        file = directories.parameter_file_path;
+    }
+    std::string file;
+};
+
+TEST_F(MachineTest, AMissingFileIsMadeWithDefaults) {
+    std::memset(static_cast<void*>(machine_table), 0x55, sizeof machine_table);
+    std::filesystem::remove(file);
+    load_machine_table();
+    const std::string bytes = read_bytes(file);
+    ASSERT_EQ(bytes.size(), 17728U);
+    EXPECT_STREQ(machine_table[5].name, "Machine 6");
+    EXPECT_EQ(bytes.substr(5 * 1108, 9), "Machine 6");
+    const std::string record = bytes.substr(5 * 1108, 1108);
+    EXPECT_EQ(record.substr(36, 14), std::string("\0\0\x06\0\x02\0\0\0\0\0\x01\0\0\0", 14));
+    EXPECT_EQ(record.substr(75, 9), std::string("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0", 9));
+    EXPECT_EQ(record.substr(104, 9), std::string("\x03\0\0\0\0\0\0\0\x13", 9));
+}
+
+TEST_F(MachineTest, AFileIsReadAsFarAsItGoesAndKeptAsItIs) {
+    std::string bytes(20000, '\x21');
+    bytes[102] = 7;
+    bytes[103] = 0;
+    bytes[112] = '\x93';
+    write_bytes(file, bytes);
+    load_machine_table();
+    EXPECT_EQ(machine_table[0].xoff_char, XOFF_EIA_ALTERNATE);
+    EXPECT_EQ(machine_table[1].xoff_char, XOFF_DEFAULT);
+    EXPECT_EQ(slot_machine[1], 7);
+    ASSERT_TRUE(save_machine_table());
+    std::string expected = bytes.substr(0, 17728);
+    for (int i = 1; i < MACHINE_COUNT; i++)
+        expected[static_cast<std::size_t>(i * 1108 + 112)] = '\x13';
+    EXPECT_EQ(read_bytes(file), expected);
+
+    set_machine_defaults();
+    write_bytes(file, std::string(3000, '\x22'));
+    load_machine_table();
+    EXPECT_EQ(machine_table[2].reserved_113[784 - 113 - 1], 0x22);
+    EXPECT_EQ(machine_table[2].reserved_113[784 - 113], 0);
+    EXPECT_STREQ(machine_table[3].name, "Machine 4");
+    EXPECT_EQ(slot_machine[0], 0);  // 0x2222 is no machine
+}
+
+TEST_F(MachineTest, ProtocolsAndDataTypesForceTheirSettings) {
+    set_machine_defaults();
+    MachineParams& m = machine_table[0];
+    m.port_index = 2;
+    m.eob_delay_ms = 500;
+    m.start_string[3] = 9;
+    apply_protocol_preset(&m, PROTOCOL_HEIDENHAIN);
+    EXPECT_EQ(m.baud_index, 5);
+    EXPECT_EQ(m.port_index, 0);
+    EXPECT_EQ(m.start_string[3], BLANK_BYTE);
+    EXPECT_EQ(m.data_type, DATA_ASCII);
+    m.data_type = DATA_EIA;
+    apply_data_type(&m);
+    EXPECT_EQ(m.data_bits_index, 1);
+    EXPECT_EQ(m.eob_conversion, EOB_LF);
+    m.data_type = DATA_BINARY;
+    m.xoff_char = XOFF_EIA_ALTERNATE;
+    m.eob_delay_ms = 500;
+    apply_data_type(&m);
+    EXPECT_EQ(m.eob_conversion, EOB_NO_CONVERSION);
+    EXPECT_EQ(m.xoff_char, XOFF_DEFAULT);
+    EXPECT_TRUE(drop_delay_without_conversion(&m));
+    EXPECT_FALSE(drop_delay_without_conversion(&m));
+}
+
+TEST(Crc32, IsThePublishedOne) { EXPECT_EQ(crc32(crc32(0, "12345", 5), "6789", 4), 0xCBF43926U); }
+
+}  // namespace
+}  // namespace hexlane

@@ -1,0 +1,243 @@
+// The utilities as commands over a document: which rows they take, what they leave, what they tell.
+
+#include "frame/child.h"
+#include "input/block.h"
+#include "ncutils/utilities.h"
+#include "platform/posix/file_faults.h"
+#include "platform/scripted/test_hooks.h"
+#include "store/row_table.h"
+#include "store/save.h"
+#include "store/store_fault.h"
+#include "unit/store/store_fixture.h"
+
+#include <cerrno>
+
+namespace hexlane {
+namespace {
+
+using namespace platform;
+
+using Rows = std::vector<std::string>;
+
+class UtilitiesTest : public ProgramTest {
+protected:
+    void open(const Rows& texts) {
+        std::string file;
+        for (const std::string& text : texts)
+            file += text + "\r\n";
+        start_with(file);
+        forget_shown_boxes();
+    }
+
+    static void select(int32_t first, int32_t last) {
+        block = NO_BLOCK;
+        block.start = {0, 0, first};
+        block.end = {0, 0, last};
+        child[0].block_active = 1;
+    }
+
+    static RowRun number(bool unnumbered = true) {
+        RowRun run;
+        EXPECT_EQ(renumber_rows(1, 1, unnumbered, 0, 0, &run), 1);
+        return run;
+    }
+
+    static RowRun shift(const std::string& letters, int precision = 0) {
+        WordRun words = {0, precision, shift_number, 1, {}};
+        for (const char letter : letters)
+            words.letters |= letter_bit(letter);
+        RowRun run;
+        EXPECT_EQ(run_over_words(&words, 13, &run), 1);
+        return run;
+    }
+};
+
+// A long document that crosses segments and windows of the tiny limits.
+Rows many_rows(const std::string& word) {
+    Rows texts;
+    for (int i = 0; i < 40; i++)
+        texts.push_back(word + std::to_string(i));
+    return texts;
+}
+
+TEST_F(UtilitiesTest, TheRunTakesTheBlockOrAllButTheEndRow) {
+    const struct {
+        const char* label;
+        Block selected;
+        int32_t first, end;
+    } cases[] = {
+        {"no block", NO_BLOCK, 0, 4},
+        {"rows, those at its ends too", {{0, 0, 1}, {0, 0, 2}}, 1, 3},
+        {"from the bottom up", {{0, 0, 3}, {0, 0, 1}}, 1, 4},
+        {"with the end row", {{0, 0, 3}, {0, 0, 4}}, 3, 5},
+        {"behind the end row", {{0, 0, 3}, {0, 0, 9}}, 3, 5},
+        {"inside a row", {{0, 0, 2}, {5, 0, -1}}, 2, 0},
+    };
+    open({"A", "B", "C", "D"});
+    for (const auto& c : cases) {
+        block = c.selected;
+        EXPECT_EQ(row_range().run_first, c.first) << c.label;
+        EXPECT_EQ(row_range().run_end, c.end) << c.label;
+    }
+    block = {{0, 0, 1}, {1, 0, -1}};
+    const RowRun run = number();
+    EXPECT_EQ(child[0].modified, 0);
+    EXPECT_FALSE(run.stopped);
+    EXPECT_EQ(origins(), "OOOOO");
+}
+
+TEST_F(UtilitiesTest, OnlyTheRowsOfTheBlockChange) {
+    open({"N1 X1", "N2 X1", "(X1)", "N4 X1", "N5 X1"});
+    select(1, 3);
+    number();
+    shift("X");
+    EXPECT_EQ(rows(), (Rows{"N1 X1", "N1 X2", "N2 (X1)", "N3 X2", "N5 X1", ""}));
+    EXPECT_EQ(origins(), "OCCCOO");
+    EXPECT_EQ(child[0].modified, 1);
+    EXPECT_EQ(block.start.row, 1);
+    EXPECT_EQ(block.end.row, 3);
+}
+
+TEST_F(UtilitiesTest, RowsThatARunDoesNotTouchAreNotCommitted) {
+    open({"%", "N1 X1", "", "(X1)", "G1 Y2"});
+    shift("X");
+    EXPECT_EQ(origins(), "OCOOOO");
+    number(false);
+    EXPECT_EQ(origins(), "OCOOOO");
+}
+
+// All rows are committed, but not the empty end row, which a save would give a line end of its own.
+TEST_F(UtilitiesTest, StripCommitsAllRowsAndAddsNoneToTheFile) {
+    open({"N1 X1", "G1", ""});
+    select(0, 3);
+    RowRun run;
+    EXPECT_EQ(strip_line_numbers(&run), 1);
+    EXPECT_EQ(origins(), "CCCO");
+    EXPECT_EQ(child[0].modified, 1);
+    command(1002);
+    EXPECT_EQ(bytes(), "X1\r\nG1\r\n\r\n");
+}
+
+TEST_F(UtilitiesTest, ALongDocumentIsDoneRowByRow) {
+    open(many_rows("N7 X"));
+    number();
+    shift("X", 1);
+    Rows expected;
+    for (int i = 0; i < 40; i++)
+        expected.push_back("N" + std::to_string(i + 1) + " X" + std::to_string(i + 1) + ".0");
+    expected.push_back("");
+    EXPECT_EQ(rows(), expected);
+    EXPECT_EQ(origins(), repeated('C', 40) + "O");
+    check_table();
+    RowRun run;
+    strip_line_numbers(&run);
+    command(1002);
+    std::string file;
+    for (int i = 0; i < 40; i++)
+        file += "X" + std::to_string(i + 1) + ".0\r\n";
+    EXPECT_EQ(bytes(), file);
+}
+
+TEST_F(UtilitiesTest, RowsThatDoNotFitStayAndAreToldOnce) {
+    const std::string filler = repeated('G', 248);
+    open({"X1", filler + "X5", "X2", filler + "X", "X4"});
+    WordRun words = {letter_bit('X'), 6, absolute_from_increment, 0, {}};
+    RowRun run;
+    ASSERT_TRUE(run_over_words(&words, 15, &run));
+    EXPECT_EQ(rows(), (Rows{"X1.000000", filler + "X5", "X8.000000", filler + "X", "X12.000000", ""}));
+    EXPECT_EQ(run.left, 2);
+    EXPECT_EQ(run.first_left, 1);
+
+    run = number();
+    EXPECT_EQ(run.left, 0);
+    EXPECT_EQ(rows()[1], "N2 " + filler + "X5");
+    run = number();
+    EXPECT_EQ(run.left, 0);
+
+    // Six more characters do not fit, and the row takes no number.
+    RowRun wide;
+    ASSERT_TRUE(renumber_rows(1, 1, true, 0, 9, &wide));
+    EXPECT_EQ(wide.left, 2);
+    EXPECT_EQ(rows()[0], "N000000001 X1.000000");
+    EXPECT_EQ(rows()[2], "N000000002 X8.000000");
+    answer_box("OK");
+    tell_run(wide);
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    EXPECT_NE(shown_boxes()[0].text.find("Rows left as they were: 2. The first is row 2."),
+              std::string::npos);
+}
+
+// A number that crosses the last character of what a fetch brings is not computed with by its first half.
+TEST_F(UtilitiesTest, UnseenBytesStayWithTheirRow) {
+    const std::string filler = repeated('G', ROW_FETCH_MAX - 3);
+    open({filler + "X12" + "34 X5", filler + "X12" + " X5", filler + "X1 X5", "X1"});
+    const RowRun run = shift("X");
+    EXPECT_EQ(run.left, 1);
+    EXPECT_EQ(run.first_left, 0);
+    command(1002);
+    EXPECT_EQ(bytes(), filler + "X1234 X5\r\n" + filler + "X13 X5\r\n" + filler + "X2 X5\r\nX2\r\n");
+}
+
+TEST_F(UtilitiesTest, TheRowCountMovesDuringARun) {
+    open(many_rows("X"));
+    shift("X");
+    EXPECT_EQ(status_text(105), "40");
+    EXPECT_EQ(status_text(101), "                              ");
+}
+
+// The medium takes no more records: the run ends at a row, everything in front of it is done and kept, and
+// the document can be saved elsewhere.
+TEST_F(UtilitiesTest, ARunStopsAtTheFirstRowThatCannotBeStored) {
+    const Rows texts = many_rows("X");
+    answer_other_boxes("OK");
+    for (int n = 1; n < 40; n++) {
+        SCOPED_TRACE(n);
+        record_file_calls();
+        open(texts);
+        fail_file_call(FileCall::WRITE, n, EIO, directories.temp_dir, -1);
+        const RowRun run = shift("X");
+        const int32_t done = run.stopped ? run.row + 1 : 40;  // the last of them is the unsaved row
+        Rows expected;
+        for (int i = 0; i < 40; i++)
+            expected.push_back("X" + std::to_string(i < done ? i + 1 : i));
+        expected.push_back("");
+        const bool fired = file_fault_fired();
+        EXPECT_EQ(rows(), expected);
+        EXPECT_EQ(unsaved_row.row >= 0, fired);
+        EXPECT_EQ(store_fault.damaged != 0, fired);
+        EXPECT_EQ(edits_allowed(), !fired);
+        if (fired) {
+            WordRun words = {letter_bit('X'), 0, shift_number, 1, {}};
+            RowRun refused;
+            const int beeps = beep_count();
+            EXPECT_EQ(run_over_words(&words, 13, &refused), 0);
+            EXPECT_EQ(beep_count(), beeps + 1);
+        }
+        pump_messages();
+        EXPECT_EQ(shown_boxes().size(), fired ? 1U : 0U);
+        if (n % 2 == 0) {  // there is room again
+            reset_file_faults();
+            EXPECT_EQ(edits_allowed(), 1);
+            check_table();
+            EXPECT_EQ(rows(), expected);
+            EXPECT_EQ(store_fault.damaged, 0);
+        }
+        std::string file;
+        for (int i = 0; i < 40; i++)
+            file += expected[static_cast<std::size_t>(i)] + "\r\n";
+        child[0].modified = 1;
+        copy_text(child[0].compare_path, PATH_SIZE, "");
+        EXPECT_EQ(save_file_as(path("other.nc").c_str()), 1);
+        EXPECT_EQ(bytes("other.nc"), file);
+        reset_file_faults();
+        close_document();
+        reset_desktop();
+        answer_other_boxes("OK");
+        if (!fired)
+            return;
+    }
+    FAIL() << "there was always one more write to fail";
+}
+
+}  // namespace
+}  // namespace hexlane

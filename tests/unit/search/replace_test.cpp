@@ -1,0 +1,163 @@
+// Find and Replace without a question, against the rule on plain strings, and where it has to stop.
+
+#include "search/search_internal.h"
+#include "store/save.h"
+#include "store/store_fault.h"
+#include "support/program_test.h"
+
+#include "frame/child.h"
+
+#include <cerrno>
+#include <random>
+
+#include "platform/posix/file_faults.h"
+#include "platform/scripted/test_hooks.h"
+
+namespace hexlane {
+namespace {
+
+using platform::answer_box;
+using platform::shown_boxes;
+
+constexpr int FIND_AND_REPLACE = 1012;
+
+class ReplaceTest : public ProgramTest {
+protected:
+    // Opens the dialog, presses "Replace All" and answers the boxes behind it.
+    static void replace_all(const std::string& text, const std::string& replacement, int boxes = 1) {
+        platform::copy_text(search_texts.find_text, SEARCH_TEXT_SIZE, text.c_str());
+        platform::copy_text(search_texts.replace_text, SEARCH_TEXT_SIZE, replacement.c_str());
+        search_texts.replace_opened = true;
+        platform::forget_shown_boxes();
+        answer_box("Replace All");
+        for (int i = 0; i < boxes; ++i)
+            answer_box("OK");
+        command(FIND_AND_REPLACE);
+        EXPECT_EQ(platform::unused_answers(), 0);
+    }
+};
+
+// The rule on a string: the places of the first character, found beforehand, moved by each replacement.
+std::string replaced(std::string row, const std::string& text, const std::string& replacement) {
+    const auto folded = [](std::string from) {
+        for (char& c : from)
+            c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+        return from;
+    };
+    std::vector<int> places;
+    for (size_t i = 0; i < row.size(); ++i)
+        if (folded(row)[i] == folded(text)[0])
+            places.push_back(static_cast<int>(i));
+    int shift = 0;
+    for (const int place : places) {
+        const int at = place + shift;
+        if (at < 0 || at > static_cast<int>(row.size()) ||
+            folded(row.substr(static_cast<size_t>(at), text.size())) != folded(text))
+            continue;
+        row.replace(static_cast<size_t>(at), text.size(), replacement);
+        shift += static_cast<int>(replacement.size()) - static_cast<int>(text.size());
+    }
+    return row;
+}
+
+TEST_F(ReplaceTest, EveryRowFollowsTheRuleOnPlainStrings) {
+    std::mt19937 random(7);
+    const auto text_of = [&random](size_t most, const char* letters) {
+        std::string text;
+        for (size_t i = random() % (most + 1); i > 0; --i)
+            text += letters[random() % std::strlen(letters)];
+        return text;
+    };
+    for (int round = 0; round < 60; ++round) {
+        std::vector<std::string> model;
+        std::string file;
+        for (int i = 0; i < 40; ++i) {
+            model.push_back(text_of(12, "abAB1"));
+            file += model.back() + "\r\n";
+        }
+        platform::reset_desktop();
+        start_with(file);
+        child[0].current_row = static_cast<int32_t>(random() % 41);
+        child[0].caret_row = std::min(child[0].current_row, 3);
+        const std::string text = "a" + text_of(2, "abAB1");
+        const std::string replacement = text_of(4, "abX");
+        SCOPED_TRACE("'" + text + "' by '" + replacement + "'");
+        replace_all(text, replacement);
+        std::string changed;
+        for (std::string& row : model) {
+            const std::string before = row;
+            row = replaced(row, text, replacement);
+            changed += row == before ? "" : "C";
+        }
+        model.emplace_back();
+        ASSERT_EQ(rows(), model);
+        ASSERT_EQ(child[0].modified != 0, shown_boxes()[0].text == "Find and Replace Complete");
+        ASSERT_LE(changed.size(), static_cast<size_t>(std::count(origins().begin(), origins().end(), 'C')));
+        child[0].modified = 0;
+        close_document();
+    }
+}
+
+TEST_F(ReplaceTest, ARowThatWouldNotFitKeepsTheMatchAndIsCounted) {
+    const std::string full = "G0" + std::string(252, 'x') + "\r\n";
+    start_with("G0 G0\r\n" + full + full + "G0\r\n");
+    child[0].current_row = 3;
+    replace_all("G0", "G00", 1);
+    EXPECT_EQ(rows()[1].substr(0, 4), "G00x") << "255 characters fit";
+    EXPECT_EQ(shown_boxes()[0].text, "Find and Replace Complete");
+
+    replace_all("G0", "G000", 2);
+    EXPECT_EQ(rows()[0], "G0000 G0000");
+    EXPECT_EQ(rows()[1].substr(0, 4), "G00x");
+    ASSERT_EQ(shown_boxes().size(), 2u);
+    EXPECT_EQ(shown_boxes()[0].text, "Find and Replace Complete");
+    EXPECT_NE(shown_boxes()[1].text.find(": 2."), std::string::npos) << shown_boxes()[1].text;
+    EXPECT_NE(shown_boxes()[1].text.find("row 2."), std::string::npos);
+    ASSERT_TRUE(save_file());
+    EXPECT_EQ(bytes(), "G0000 G0000\r\nG00" + std::string(252, 'x') + "\r\nG00" + std::string(252, 'x') +
+                           "\r\nG0000\r\n");
+}
+
+TEST_F(ReplaceTest, BytesBehindWhatARowShowsStayWithIt) {
+    const std::string long_row = "G0" + std::string(250, 'x') + "g0g0tail";
+    start_with(long_row + "\r\nG0\r\n");
+    replace_all("G0", "Y");
+    ASSERT_TRUE(save_file());
+    EXPECT_EQ(bytes(), "Y" + std::string(250, 'x') + "Yg0tail\r\nY\r\n");
+}
+
+TEST_F(ReplaceTest, AReplacementThatNoRowCanHoldChangesNothing) {
+    start_with("G0\r\n");
+    replace_all("G0", "\xCE\xA9");
+    EXPECT_EQ(rows()[0], "G0");
+    EXPECT_EQ(child[0].modified, 0);
+    replace_all("G0", "\xC3\x96");
+    EXPECT_EQ(rows()[0], "\xD6");
+}
+
+TEST_F(ReplaceTest, AFullDiskStopsTheRunAndLosesNothing) {
+    std::string file;
+    for (int i = 0; i < 3000; ++i)
+        file += "N" + std::to_string(i) + " X1 Y2 Z3 A4 B5 C6\r\n";
+    start_with(file);
+    platform::fail_file_call(platform::FileCall::WRITE, 2, ENOSPC, "chng.txt", -1);
+    replace_all("X1", "X11", 2);
+    EXPECT_EQ(shown_boxes()[0].title, "Find and Replace");
+    EXPECT_NE(shown_boxes()[0].text.find("has stopped at row"), std::string::npos);
+    EXPECT_EQ(shown_boxes()[1].title, "Disk Error");
+    const int32_t stopped = unsaved_row.row;
+    ASSERT_GT(stopped, 0);
+
+    replace_all("Y2", "Y22", 0);
+    EXPECT_EQ(platform::beep_count(), 1) << "no run while a row waits";
+
+    platform::reset_file_faults();
+    replace_all("Y2", "Y22");
+    const std::vector<std::string> after = rows();
+    for (int32_t i = 0; i < 3000; ++i)
+        ASSERT_EQ(after[static_cast<size_t>(i)],
+                  "N" + std::to_string(i) + (i <= stopped ? " X11" : " X1") + " Y22 Z3 A4 B5 C6");
+}
+
+}  // namespace
+}  // namespace hexlane

@@ -1,0 +1,235 @@
+// COM numbers and devices, opening for us alone, why an opening fails, and the driver's settings.
+
+#include "serial_fixture.h"
+
+#include <asm/termbits.h>
+#include <csignal>
+#include <cstring>
+#include <fstream>
+#include <sys/file.h>
+#include <sys/fsuid.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+namespace hexlane::platform {
+namespace {
+
+std::string device_of(int port) {
+    char name[PATH_SIZE];
+    line_device(port, name, sizeof name);
+    return name;
+}
+
+TEST(Ports, TheRunThenTheEnvironmentThenTheFileTellTheDevice) {
+    char folder[] = "/tmp/hexlane-portsXXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    const std::string file = std::string(folder) + "/ports";
+    setenv("HEXLANE_HOME", folder, 1);
+    line_set_device(1, "");
+    line_set_device(2, "");
+    EXPECT_EQ(device_of(1), "/dev/ttyS0");
+    EXPECT_EQ(device_of(4), "/dev/ttyS3");
+    std::ofstream(file)
+        << "# machines\n\nCOM11 /dev/wrong\n  com2\t/dev/serial/by id/x  # the mill\nCOM1\nCOM1 /dev/a\n";
+    EXPECT_EQ(device_of(1), "/dev/a");
+    EXPECT_EQ(device_of(2), "/dev/serial/by id/x");
+    EXPECT_EQ(device_of(3), "/dev/ttyS2");
+    setenv("HEXLANE_COM2", "/dev/ttyUSB7", 1);
+    EXPECT_EQ(device_of(2), "/dev/ttyUSB7");
+    line_set_device(2, "./machine");
+    EXPECT_EQ(device_of(2), "./machine");
+    line_set_device(2, "");
+    EXPECT_EQ(device_of(2), "/dev/ttyUSB7");
+    EXPECT_EQ(device_of(0), "");
+    EXPECT_EQ(device_of(5), "");
+    unsetenv("HEXLANE_COM2");
+    unsetenv("HEXLANE_HOME");
+    unlink(file.c_str());
+    rmdir(folder);
+}
+
+TEST(Settings, AnyRateIsSetAndReadBack) {
+    Machine machine;
+    const LineHandle line = open_line(machine, 9600);
+    for (const uint32_t rate : {110u, 300u, 9600u, 14400u, 56000u, 115200u, 250000u}) {
+        ASSERT_EQ(line_configure(line, plain_settings(rate)), 1) << rate << line_problem_text();
+        LineSettings real{};
+        ASSERT_EQ(line_settings(line, &real), 1);
+        EXPECT_EQ(real.baud_rate, rate);
+        termios2 driver;
+        ASSERT_EQ(ioctl(machine.pty, TCGETS2, &driver), 0);
+        EXPECT_EQ(driver.c_ospeed, rate);
+        EXPECT_EQ(driver.c_ispeed, rate);
+    }
+    EXPECT_EQ(line_configure(line, plain_settings(0)), 0);
+    EXPECT_EQ(last_line_problem(), LineProblem::BAD_SETTINGS);
+    line_close(line);
+}
+
+TEST(Settings, TheDriverGetsTheHandshake) {
+    const struct {
+        bool hardware, software;
+        uint8_t xon, xoff;
+        bool in_driver;  // XON/XOFF
+    } rows[] = {{false, false, 0x11, 0x13, false},
+                {false, true, 0x11, 0x13, true},
+                {false, true, 0x11, 0x93, true},
+                {false, true, 0x00, 0x93, false},
+                {true, false, 0x11, 0x13, false}};
+    Machine machine;
+    const LineHandle line = open_line(machine, 9600);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.hardware << row.software << int{row.xon} << int{row.xoff});
+        LineSettings settings = plain_settings(9600);
+        settings.hardware_handshake = row.hardware;
+        settings.software_handshake = row.software;
+        settings.xon_char = row.xon;
+        settings.xoff_char = row.xoff;
+        ASSERT_EQ(line_configure(line, settings), 1);
+        termios2 driver;
+        ASSERT_EQ(ioctl(machine.pty, TCGETS2, &driver), 0);
+        EXPECT_EQ(driver.c_iflag, row.in_driver ? static_cast<tcflag_t>(IXON | IXOFF) : 0u);
+        EXPECT_EQ((driver.c_cflag & CRTSCTS) != 0, row.hardware);
+        EXPECT_EQ(driver.c_lflag, 0u);
+        EXPECT_EQ(driver.c_oflag, 0u);
+        if (row.in_driver) {
+            EXPECT_EQ(driver.c_cc[VSTART], row.xon);
+            EXPECT_EQ(driver.c_cc[VSTOP], row.xoff);
+        }
+    }
+    line_close(line);
+}
+
+void expect_problem(LineProblem problem, const std::string& part) {
+    EXPECT_EQ(line_open(1), NO_LINE);
+    EXPECT_EQ(last_line_problem(), problem);
+    EXPECT_NE(std::string(line_problem_text()).find(part), std::string::npos) << line_problem_text();
+}
+
+TEST(Opening, AFailureIsToldWithItsDeviceAndReason) {
+    Machine dead;
+    dead.hang_up();
+    const struct {
+        const char* device;
+        LineProblem problem;
+        const char* part;
+    } rows[] = {{"/dev/no-such-line", LineProblem::NOT_THERE, "/dev/no-such-line is not there"},
+                {dead.device.c_str(), LineProblem::NOT_THERE, dead.device.c_str()},
+                {"/dev/null", LineProblem::NOT_A_LINE, "/dev/null is not a serial line"},
+                {"/tmp", LineProblem::NOT_A_LINE, "/tmp is not a serial line"},
+                {"/etc/passwd", LineProblem::NOT_A_LINE, "not a serial line"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.device);
+        line_set_device(1, row.device);
+        expect_problem(row.problem, row.part);
+    }
+    EXPECT_EQ(line_open(9), NO_LINE);
+}
+
+TEST(Opening, WithoutPermissionTheGroupThatHasItIsNamed) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can give away a device";
+    }
+    Machine machine;
+    line_set_device(1, machine.device.c_str());
+    ASSERT_EQ(chmod(machine.device.c_str(), 0660), 0);
+    ASSERT_EQ(chown(machine.device.c_str(), 0, 20), 0);
+    setfsuid(65534);
+    expect_problem(LineProblem::NO_PERMISSION, "group dialout");
+    setfsuid(0);
+    ASSERT_EQ(chmod(machine.device.c_str(), 0600), 0);
+    setfsuid(65534);
+    expect_problem(LineProblem::NO_PERMISSION, "No permission to use " + machine.device + ".");
+    setfsuid(0);
+    const LineHandle line = line_open(1);
+    EXPECT_NE(line, NO_LINE);
+    EXPECT_EQ(last_line_problem(), LineProblem::NONE);
+    line_close(line);
+}
+
+// A process of its own that has the device, locked or only open, until it is ended.
+class Holder {
+public:
+    Holder(const std::string& device, bool locked) {
+        int ready[2];
+        if (pipe(ready) != 0 || (pid = fork()) < 0) {
+            std::abort();
+        }
+        if (pid == 0) {
+            const int tty = open(device.c_str(), O_RDWR | O_NOCTTY);
+            if (tty < 0 || (locked && flock(tty, LOCK_EX | LOCK_NB) != 0) || ::write(ready[1], "x", 1) != 1) {
+                _exit(1);
+            }
+            for (;;) {
+                pause();
+            }
+        }
+        close(ready[1]);
+        char byte;
+        EXPECT_EQ(::read(ready[0], &byte, 1), 1);
+        close(ready[0]);
+    }
+    Holder(const Holder&) = delete;
+    ~Holder() { end(); }
+    void end() {
+        if (pid > 0) {
+            kill(pid, SIGKILL);
+            waitpid(pid, nullptr, 0);
+            pid = 0;
+        }
+    }
+    pid_t pid;
+};
+
+TEST(Opening, TheProcessThatHasTheLineIsNamed) {
+    Machine machine;
+    line_set_device(1, machine.device.c_str());
+    Holder simulator(machine.device, false);  // one that only has it open keeps nobody out
+    Holder holder(machine.device, true);
+    expect_problem(LineProblem::IN_USE, "in use by process " + std::to_string(holder.pid) + " (serial_test)");
+    holder.end();
+    const LineHandle line = line_open(1);
+    EXPECT_NE(line, NO_LINE) << line_problem_text();
+    line_close(line);
+}
+
+TEST(Opening, ALineIsOursAloneUntilItCloses) {
+    Machine machine;
+    const int before = open(machine.device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const LineHandle line = open_line(machine, 9600);
+    line_set_device(2, machine.device.c_str());
+    EXPECT_EQ(line_open(2), NO_LINE);
+    EXPECT_EQ(last_line_problem(), LineProblem::IN_USE);
+    EXPECT_STREQ(line_problem_text(), (machine.device + " is in use by this program already.").c_str());
+    EXPECT_NE(flock(before, LOCK_EX | LOCK_NB), 0);
+    int exclusive = 0;
+    ASSERT_EQ(ioctl(before, TIOCGEXCL, &exclusive), 0);
+    EXPECT_EQ(exclusive, 1);
+    line_close(line);
+    ASSERT_EQ(ioctl(before, TIOCGEXCL, &exclusive), 0);
+    EXPECT_EQ(exclusive, 0);
+    EXPECT_EQ(flock(before, LOCK_EX | LOCK_NB), 0);
+    close(before);
+    line_set_device(2, "");
+}
+
+TEST(Opening, NothingIsWaitingInANewLine) {
+    Machine machine;
+    const int before = open(machine.device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+    machine.send("old\n");
+    pollfd file = {before, POLLIN, 0};
+    ASSERT_EQ(poll(&file, 1, 5000), 1);
+    const LineHandle line = open_line(machine, 9600);
+    machine.send("new");
+    uint32_t events = 0;
+    char got[16];
+    ASSERT_EQ(line_wait_event(line, &events), 1);
+    const int count = line_read(line, got, sizeof got);
+    EXPECT_EQ(std::string(got, static_cast<std::size_t>(count)), "new");
+    line_close(line);
+    close(before);
+}
+
+}  // namespace
+}  // namespace hexlane::platform
