@@ -84,13 +84,14 @@ class Run:
         text = errors.read_text()
         if code != 0:
             sys.exit(f'{program} ended with {code}:\n{text[-2000:]}')
-        times = [float(match) for match in re.findall(r'^ *([\d.]+) ms  line ', text, re.M)]
+        # A line that brings up a dialog takes until that has closed, so it is told behind the lines that answer.
+        times = {int(line): float(time) for time, line in re.findall(r'^ *([\d.]+) ms  line (\d+)', text, re.M)}
         if len(times) != len(marked):
             sys.exit(f'{len(times)} times for {len(marked)} lines of the script')
         self.memory = memory / 1024
         self.times = {}
-        for (mark, _), milliseconds in zip(marked, times):
-            self.times.setdefault(mark, []).append(milliseconds)
+        for number, (mark, _) in enumerate(marked, 1):
+            self.times.setdefault(mark, []).append(times[number])
 
 
 def quoted(path):
@@ -108,13 +109,15 @@ def elapsed(*commands):
     """Milliseconds that the commands take, one behind the other."""
     begin = time.perf_counter()
     for command in commands:
-        subprocess.run(command, check=True, env=C_LOCALE, stdout=subprocess.DEVNULL)
+        code = subprocess.run(command, check=False, env=C_LOCALE, stdout=subprocess.DEVNULL).returncode
+        if code > (1 if command[0] == 'grep' else 0):  # 1 of a grep: nothing found
+            sys.exit(f'{command} ended with {code}')
     return 1000 * (time.perf_counter() - begin)
 
 
 def peer_times(commands):
     """Milliseconds of the commands, several times over, less what it takes to start their programs."""
-    starts = [[command[0], '--version'] for command in commands]
+    starts = [[command[0], 'BEGIN { }' if command[0] == 'awk' else '--version'] for command in commands]
     elapsed(*starts, *commands)  # so that the programs themselves are warm
     pairs = [(elapsed(*commands), elapsed(*starts)) for _ in range(REPEATS)]
     least = min(start for _, start in pairs)
@@ -212,6 +215,72 @@ def measure_places(table, program, path, count):
         table.row(f'{what}: near the end, beside row 1,000', ours, peers, 'us', '2', runs[0].memory)
 
 
+def measure_search(table, program, path):
+    """A command's time is that of its line, the dialog and the box at its end included."""
+    size = size_text(path)
+    for text in ('G28 Z0', '(TOOL 12)'):  # one of letters that stand in every row, one of others
+        find = [('find', 'command 1015'), f'set "Find What:" {quoted(text)}', 'press "Find"', 'press "OK"']
+        run = Run(program, [start(path)] + find * REPEATS)
+        table.row(f'find absent {text} in {size}, beside grep -i', run.times['find'],
+                  peer_times([['grep', '-i', text, path]]), 'ms', '5', run.memory)
+    replace = [('replace', 'command 1012'), 'set "Find What:" "G1"', 'set "Replace With:" "G01"', 'press "Replace All"',
+               'press "OK"']
+    runs = [Run(program, [start(path)] + replace) for _ in range(REPEATS)]
+    table.row(f'Replace All in every row of {size}, beside sed s///Ig', [run.times['replace'][0] for run in runs],
+              peer_times([['sed', 's/G1/G01/Ig', path]]), 'ms', '1.5', runs[0].memory)
+    number = sum(1 for _ in open(path, 'rb')) - 1
+    move = [('move', 'command 1014'), f'set "LINE NO:" "{number}"', 'press "OK"']
+    run = Run(program, [start(path)] + move * REPEATS)
+    table.row(f'move to the last line number of {size}, beside grep -n -m1', run.times['move'],
+              peer_times([['grep', '-n', '-m1', f'^[Nn]0*{number}[^0-9]', path]]), 'ms', '', run.memory)
+
+
+# What the utilities do, as an awk user would write it down: rows that begin with a number get the next one; the numbers
+# of X, Y and Z outside of comments are computed anew.
+AWK_RENUMBER = r"""
+match($0, /^\/?[Nn][0-9]+/) { printf "%sN%04d%s\n", /^\// ? "/" : "", ++n, substr($0, RLENGTH + 1); next }
+{ print }"""
+
+AWK_WORDS = r"""
+{
+    rest = $0; row = ""; comment = 0
+    while (match(rest, /[XYZ()][-+.0-9]*/)) {
+        letter = substr(rest, RSTART, 1)
+        row = row substr(rest, 1, RSTART)
+        length_taken = 1
+        if (letter == "(") comment = 1
+        else if (letter == ")") comment = 0
+        else if (!comment) {
+            v = substr(rest, RSTART + 1, RLENGTH - 1) + 0
+            COMPUTE
+            row = row sprintf("%.3f", v)
+            length_taken = RLENGTH
+        }
+        rest = substr(rest, RSTART + length_taken)
+    }
+    print row rest
+}"""
+
+UTILITIES = [
+    ('strip', ['command 1021', 'press "Yes"'], ['sed', '-E', r's/^(\/?)[Nn][0-9 \t]*/\1/'], '1.5'),
+    ('renumber', ['command 1020', 'press "OK"', 'press "OK"'], ['awk', AWK_RENUMBER], '1.5'),
+]
+for what, command, operand, compute in (
+        ('scale', 1023, ['set "SCALE FACTOR:" "1.5"'], 'v = v * 1.5'),
+        ('shift', 1022, ['set "SHIFT FACTOR:" "1.5"'], 'v = v + 1.5'),
+        ('abs to incr', 1025, [], 'd = v - p[letter]; p[letter] = v; v = d')):
+    dialog = operand + ['set "DECIMAL PRECISION:" "3"', 'check "X"', 'check "Y"', 'check "Z"', 'press "OK"']
+    UTILITIES.append((what, [f'command {command}'] + dialog, ['awk', AWK_WORDS.replace('COMPUTE', compute)], '0.5'))
+
+
+def measure_utilities(table, program, path):
+    """Each over the whole document as it was opened. A command's time is that of its line, dialog and boxes included."""
+    for what, (command, *answers), peer, limit in UTILITIES:
+        runs = [Run(program, [start(path), ('run', command)] + answers) for _ in range(REPEATS)]
+        table.row(f'{what}, {size_text(path)}, beside {peer[0]}', [run.times['run'][0] for run in runs],
+                  peer_times([peer + [str(path)]]), 'ms', limit, runs[0].memory)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument('--quick', action='store_true', help='small inputs')
@@ -233,6 +302,8 @@ def main():
     measure_paging(table, program, big, 1000)
     measure_typing(table, program, big, small, 50)
     measure_places(table, program, big, 200)
+    measure_utilities(table, program, big)
+    measure_search(table, program, big)
     print(f'Memory: opening {size_text(big)} takes {memory[big] - memory[small]:.1f} MB more than {size_text(small)} '
           '(at most 4).')
 

@@ -22,6 +22,23 @@ constexpr BoxText DNC_BOXES[] = {
     {" Connection failed.\n Check Communication Settings \n or Port confict.%s", "Communications Error",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"Failed to create event for thread!", "TTY Error!", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"End of Block Delay is not allowed if \nEnd of Block is set to No Conversion.\n\nEOB Delay was set back "
+     "to 0.",
+     "Communications", BoxIcon::INFORMATION, BUTTONS_OK},
+    {"File is open in the editor.\nDo you want to close File?", "File Conflict", BoxIcon::STOP,
+     BUTTONS_YES_NO},
+    {"You cannot send an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
+    {"You cannot receive an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
+    {"You cannot communicate with an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
+    {"Current file may have no data or may not exist .\n Select another file.", "Communications Error",
+     BoxIcon::STOP, BUTTONS_OK},
+    {"Current file has data.\n Do you want to overwrite?", "Communications Error", BoxIcon::QUESTION,
+     BUTTONS_YES_NO},
+    {"Do you want to close\ncommunications on this port?", "File Conflict", BoxIcon::STOP, BUTTONS_YES_NO},
+    {"Port is active.  Terminate activity?", "Communications", BoxIcon::QUESTION, BUTTONS_YES_NO},
+    {"Unable to execute Terminal Mode", "Parlock Error", BoxIcon::STOP, BUTTONS_OK},
+    {"Connection failed.\n Check Communication Settings \n or Port confict.%s", "Communications Error",
+     BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"File Transmission Terminated.\n\n%s has gone: the adapter was unplugged or the line was hung up.",
      "Communications", BoxIcon::STOP, BUTTONS_OK},
     {"File Transmission Terminated.\n\n%s was changed or removed by another program while it was being sent. "
@@ -33,6 +50,13 @@ constexpr BoxText DNC_BOXES[] = {
     {"File Transmission Terminated.\n\nReceived data could not be written to %s: %s. What came before is in "
      "the file.",
      "Communications", BoxIcon::STOP, BUTTONS_OK},
+    {"The machines could not be saved: %s.\n\nThe file is as it was.", "Communications", BoxIcon::STOP,
+     BUTTONS_OK},
+    {"The file is too large to be sent: 2,147,483,647 bytes are the most.", "Communications Error",
+     BoxIcon::STOP, BUTTONS_OK},
+    {"The file has become shorter: the chosen row is no longer in it.", "Communications",
+     BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"%s could not be made: %s.", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
 };
 
 }  // namespace
@@ -41,12 +65,24 @@ int show_dnc_box(DncBox box, const char* first, const char* second) {
     return show_box(DNC_BOXES[static_cast<int>(box)], first, second);
 }
 
-void show_connection_failed() {
+namespace {
+
+void show_failed_port(DncBox box) {
     char reason[400] = "";
     const char* text = platform::line_problem_text();
     if (text[0] != '\0')
         platform::format_text(reason, sizeof reason, "\n\n%s", text);
-    show_dnc_box(DncBox::CONNECTION_FAILED, reason);
+    show_dnc_box(box, reason);
+}
+
+}  // namespace
+
+void show_connection_failed() {
+    show_failed_port(DncBox::CONNECTION_FAILED);
+}
+
+void show_receive_connection_failed() {
+    show_failed_port(DncBox::RECEIVE_CONNECTION_FAILED);
 }
 
 }  // namespace hexlane

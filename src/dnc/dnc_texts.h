@@ -10,11 +10,26 @@ enum class DncBox {
     TERMINATED,
     CONNECTION_FAILED,  // reason, or empty
     WORKER_FAILED,
+    DELAY_DROPPED,
+    CLOSE_EDITED_FILE,  // question
+    SEND_ACTIVE_FILE,
+    RECEIVE_ACTIVE_FILE,
+    COMMUNICATE_ACTIVE_FILE,
+    NO_DATA,
+    OVERWRITE_DATA,  // question
+    STOP_PORT,       // question
+    TERMINATE_PORT,  // question
+    NO_TERMINAL,
+    RECEIVE_CONNECTION_FAILED,  // reason, or empty
     // Our own.
-    LINE_GONE,       // port
-    SOURCE_CHANGED,  // file
-    CANNOT_READ,     // file
-    CANNOT_WRITE,    // file, reason
+    LINE_GONE,        // port
+    SOURCE_CHANGED,   // file
+    CANNOT_READ,      // file
+    CANNOT_WRITE,     // file, reason
+    TABLE_NOT_SAVED,  // reason
+    TOO_LARGE_TO_SEND,
+    START_POINT_GONE,
+    CANNOT_MAKE_FILE,  // file, reason
 };
 
 // Shows a box and gives the index of the button pressed.
@@ -22,5 +37,6 @@ int show_dnc_box(DncBox box, const char* first = "", const char* second = "");
 
 // The box for a port that cannot be opened, with the reason as a second paragraph.
 void show_connection_failed();
+void show_receive_connection_failed();
 
 }  // namespace hexlane

@@ -111,6 +111,20 @@ void tell_end(int slot) {
 
 }  // namespace
 
+BothSlotsGuard::BothSlotsGuard() {
+    for (const PortSlot& port : port_slot) {
+        if (port.step_lock != NO_LOCK)
+            lock_take(port.step_lock);
+    }
+}
+
+BothSlotsGuard::~BothSlotsGuard() {
+    for (const PortSlot& port : port_slot) {
+        if (port.step_lock != NO_LOCK)
+            lock_give(port.step_lock);
+    }
+}
+
 int port_init(int slot, const MachineParams& machine) {
     PortSlot& port = port_slot[slot];
     if (port.step_lock == NO_LOCK)

@@ -19,6 +19,10 @@ int transfer_step(int slot, int op);
 // cannot be read, and then status is PORT_IDLE.
 int prepare_send(int slot);
 
+// Notes what the slot's file is now; its reads are held against that. 0 when there is none, or it is too
+// large.
+int stamp_source(int slot);
+
 // From SEND_STANDBY to SENDING: sets the line's normal handshake and writes what is prepared. Main thread.
 void begin_sending(int slot);
 

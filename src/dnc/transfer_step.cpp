@@ -180,6 +180,11 @@ int transfer_step(int slot, int op) {
     return transfer_step_locked(slot, op);
 }
 
+int stamp_source(int slot) {
+    const LockGuard guard(port_slot[slot].step_lock);
+    return take_source_stamp(transfer_state[slot]) >= 0;
+}
+
 int prepare_send(int slot) {
     TransferState& t = transfer_state[slot];
     {

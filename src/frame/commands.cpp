@@ -1,5 +1,7 @@
 #include "frame/commands.h"
 
+#include "dnc/activity.h"
+#include "dnc/parameter_views.h"
 #include "frame/child.h"
 #include "frame/file_commands.h"
 #include "frame/main_window.h"
@@ -12,6 +14,7 @@
 #include "search/search.h"
 #include "store/block_buffer.h"
 #include "view/colors.h"
+#include "view/colors_dialog.h"
 
 namespace hexlane {
 
@@ -119,7 +122,7 @@ const Command COMMANDS[] = {
     line_in(VIEW_POPUP),
     {1015, VIEW_POPUP, "&Find...", "Find a text pattern", Enabled::FILE_OPEN, true, command_find},
     line_in(VIEW_POPUP),
-    {1016, VIEW_POPUP, "&Set Colors...", "Set environment colors", Enabled::ALWAYS, true, nullptr},
+    {1016, VIEW_POPUP, "&Set Colors...", "Set environment colors", Enabled::ALWAYS, true, command_set_colors},
     {COMMAND_ENABLE_COLORS, VIEW_POPUP, "&Enable Colors\tF3", "Enable or disable colors", Enabled::FILE_OPEN,
      false, command_enable_colors},
     {COMMAND_COLOR_EDIT_CHANGES, VIEW_POPUP, "Color Edit Changes \tF4", "Enable or disable colors changes",
@@ -148,10 +151,11 @@ const Command COMMANDS[] = {
      command_end_record},
 
     {1032, DNC_POPUP, "&Parameter Settings", "Set the communication parameters", Enabled::ALWAYS, true,
-     nullptr},
-    {1033, DNC_POPUP, "&Activity", "Display communications activity", Enabled::ALWAYS, false, nullptr},
+     show_parameters},
+    {1033, DNC_POPUP, "&Activity", "Display communications activity", Enabled::ALWAYS, false,
+     command_activity},
     {COMMAND_SEND_THIS, DNC_POPUP, "Send This - Port 1", "Sends active file to current machine",
-     Enabled::PORT_QUIET, false, nullptr},
+     Enabled::PORT_QUIET, false, command_send_this},
 
     {1037, HELP_POPUP, "Help &Contents", "Displays Help contents for Parlock", Enabled::ALWAYS, true,
      command_help_contents},

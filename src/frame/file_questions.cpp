@@ -15,23 +15,25 @@ namespace {
 
 int filter_index = 1;  // the entry on show in the next dialog
 char custom_filter[CUSTOM_FILTER_SIZE];
+char port_custom_filter[CUSTOM_FILTER_SIZE];  // of the ports' dialogs
 
-int run_dialog(FileDialog* dialog, const char* title, int (*choose)(FileDialog*)) {
+int run_dialog(FileDialog* dialog, const char* title, int (*choose)(FileDialog*),
+               char filter[CUSTOM_FILTER_SIZE] = custom_filter) {
     *dialog = FileDialog{};
-    file_filter(FilterMode::BEFORE, "", custom_filter);
+    file_filter(FilterMode::BEFORE, "", filter);
     dialog->title = title;
     dialog->filters = FILE_FILTERS;
     dialog->filter_count = FILE_FILTER_COUNT;
-    dialog->custom_text = custom_filter;
-    dialog->custom_pattern = custom_filter + std::strlen(custom_filter) + 1;
-    dialog->filter_index = filter_index == 0 && custom_filter[0] == '\0' ? 1 : filter_index;
+    dialog->custom_text = filter;
+    dialog->custom_pattern = filter + std::strlen(filter) + 1;
+    dialog->filter_index = filter_index == 0 && filter[0] == '\0' ? 1 : filter_index;
     dialog->start_folder = dialog_folder();
     dialog->default_extension = dialog_extension();
     set_caret_visible(false);
     const int chosen = choose(dialog);
     set_caret_visible(true);
     if (chosen)
-        filter_index = file_filter(FilterMode::CHOSEN, dialog->path, custom_filter);
+        filter_index = file_filter(FilterMode::CHOSEN, dialog->path, filter);
     return chosen;
 }
 
@@ -58,6 +60,14 @@ int ask_save_name(FileDialog* dialog) {
 
 void note_named_file(const char* path) {
     filter_index = file_filter(FilterMode::NAMED, path, custom_filter);
+}
+
+int ask_file_to_send(FileDialog* dialog) {
+    return run_dialog(dialog, "Open File to Send/Receive", choose_open_file, port_custom_filter);
+}
+
+int ask_file_to_receive(FileDialog* dialog) {
+    return run_dialog(dialog, "Select File to Receive", choose_save_file, port_custom_filter);
 }
 
 }  // namespace hexlane

@@ -14,6 +14,10 @@ SaveAnswer ask_save();
 int ask_open_name(platform::FileDialog* dialog);
 int ask_save_name(platform::FileDialog* dialog);
 
+// The same for the files of the ports, which remember a custom type of their own.
+int ask_file_to_send(platform::FileDialog* dialog);
+int ask_file_to_receive(platform::FileDialog* dialog);
+
 // A file was named from outside a dialog: the next dialog opens in its folder, with its type.
 void note_named_file(const char* path);
 

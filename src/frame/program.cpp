@@ -102,6 +102,8 @@ void set_up_state() {
     block_clear();
     set_caret_visible(false);
     load_machine_table();
+    for (int slot = 0; slot < SLOT_COUNT; slot++)
+        port_init(slot, machine_of_slot(slot));
     send_continuous = 0;
     send_now = 0;
     background_requested = 0;

@@ -72,7 +72,7 @@ constexpr int RUN_PERIOD = 5;  // ms
 constexpr int16_t STOP_BUTTON = 1;
 
 constexpr ControlSpec RUN_CONTROLS[] = {
-    {STOP_BUTTON, ControlKind::BUTTON, "Stop", 0, 0, 1, 1, 0, CONTROL_DEFAULT | CONTROL_CANCEL, nullptr},
+    {STOP_BUTTON, ControlKind::BUTTON, "&Stop", 0, 0, 1, 1, 24, CONTROL_DEFAULT | CONTROL_CANCEL, nullptr},
 };
 constexpr ViewSpec RUN_VIEW = {"IDD_RUN_MACRO", "Macro Run", 0, RUN_CONTROLS, 1, 300, 80};
 
@@ -107,8 +107,8 @@ constexpr int16_t STEP_BUTTON = 1;
 constexpr int16_t STEP_CANCEL_BUTTON = 2;
 
 constexpr ControlSpec STEP_CONTROLS[] = {
-    {STEP_BUTTON, ControlKind::BUTTON, "Step", 0, 0, 1, 1, 0, CONTROL_DEFAULT, nullptr},
-    {STEP_CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 0, 1, 1, 1, 0, CONTROL_CANCEL, nullptr},
+    {STEP_BUTTON, ControlKind::BUTTON, "&Step", 0, 0, 1, 1, 12, CONTROL_DEFAULT, nullptr},
+    {STEP_CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 0, 1, 1, 1, 12, CONTROL_CANCEL, nullptr},
 };
 constexpr ViewSpec STEP_VIEW = {"IDD_STEP_MACRO", "Run Macro", 0, STEP_CONTROLS, 2, 300, 80};
 
@@ -133,10 +133,10 @@ constexpr int16_t DELETE_BUTTON = 4;
 
 constexpr ControlSpec PLAY_CONTROLS[] = {
     {MACRO_LIST, ControlKind::LIST, "", 0, 0, 4, 1, MACRO_NAME_SIZE, 0, nullptr},
-    {CONTINUOUS_BUTTON, ControlKind::BUTTON, "Run Continuously", 0, 1, 1, 1, 0, CONTROL_DEFAULT, nullptr},
-    {STEP_THROUGH_BUTTON, ControlKind::BUTTON, "Step Through", 1, 1, 1, 1, 0, 0, nullptr},
+    {CONTINUOUS_BUTTON, ControlKind::BUTTON, "Run &Continuously", 0, 1, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {STEP_THROUGH_BUTTON, ControlKind::BUTTON, "&Step Through", 1, 1, 1, 1, 0, 0, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 2, 1, 1, 1, 0, CONTROL_CANCEL, nullptr},
-    {DELETE_BUTTON, ControlKind::BUTTON, "Delete Macro", 3, 1, 1, 1, 0, 0, nullptr},
+    {DELETE_BUTTON, ControlKind::BUTTON, "&Delete Macro", 3, 1, 1, 1, 0, 0, nullptr},
 };
 constexpr ViewSpec PLAY_VIEW = {"IDD_PLAY_MACRO", "Play Macro", 0, PLAY_CONTROLS, 5};
 

@@ -27,12 +27,12 @@ constexpr int16_t DELETE_BUTTON = 3;
 constexpr InputRule NAME_RULE = {MACRO_NAME_SIZE - 1, nullptr, 0, 0, nullptr, nullptr, nullptr, true};
 
 constexpr ControlSpec RECORD_CONTROLS[] = {
-    {100, ControlKind::TEXT, "Macro Name:", 0, 0, 1, 1, 0, 0, nullptr},
+    {100, ControlKind::TEXT, "Macro &Name:", 0, 0, 1, 1, 0, 0, nullptr},
     {NAME_FIELD, ControlKind::FIELD, "", 0, 1, 1, 1, MACRO_NAME_SIZE, 0, &NAME_RULE},
     {MACRO_LIST, ControlKind::LIST, "", 1, 0, 3, 2, 0, 0, nullptr},
-    {RECORD_BUTTON, ControlKind::BUTTON, "Record", 0, 2, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {RECORD_BUTTON, ControlKind::BUTTON, "&Record", 0, 2, 1, 1, 0, CONTROL_DEFAULT, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 1, 2, 1, 1, 0, CONTROL_CANCEL, nullptr},
-    {DELETE_BUTTON, ControlKind::BUTTON, "Delete Macro", 2, 2, 1, 1, 0, 0, nullptr},
+    {DELETE_BUTTON, ControlKind::BUTTON, "&Delete Macro", 2, 2, 1, 1, 0, 0, nullptr},
 };
 constexpr ViewSpec RECORD_VIEW = {"IDD_RECORD_MACRO", "Record Macro", 0, RECORD_CONTROLS, 6};
 

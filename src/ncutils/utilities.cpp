@@ -54,7 +54,6 @@ int strip_line_numbers(RowRun* run) {
     show_status(STATUS_STRIPPING);
     char text[ROW_BUFFER_SIZE];
     while (next_row(run)) {
-        child[0].modified = 1;
         // An empty end row that were stored would come out as one more row of the file.
         if (run->row == child[0].last_file_row && child[0].row_text[0] == '\0')
             continue;

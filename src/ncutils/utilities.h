@@ -18,7 +18,7 @@ namespace hexlane {
 int renumber_rows(int16_t increment, int32_t start, bool number_unnumbered, int32_t limit, int digits,
                   RowRun* run);
 
-// Commits every row of the run but an empty end row, and sets `modified`.
+// Commits every row of the run but an empty end row, and sets `modified` with the first.
 int strip_line_numbers(RowRun* run);
 
 // Scale, shift and the two conversions, as `words` says: rewrites the rows that hold a chosen letter outside

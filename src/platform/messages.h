@@ -30,6 +30,8 @@ constexpr uint32_t WM_MENUSELECT = 0x011F;  // first: id of the entry or popup, 
 constexpr uint32_t WM_MOUSEMOVE = 0x0200;   // first: MK_ flags; second: x | y << 16, signed 16 bits each
 constexpr uint32_t WM_LBUTTONDOWN = 0x0201;
 constexpr uint32_t WM_LBUTTONUP = 0x0202;
+constexpr uint32_t WM_RBUTTONDOWN = 0x0204;  // both in panes of views only
+constexpr uint32_t WM_RBUTTONUP = 0x0205;
 
 // Messages of the program's own that a back end sends too. The number is older than the rest.
 constexpr uint32_t OPEN_REQUEST_MESSAGE = 0x99;  // a second start hands over a file name

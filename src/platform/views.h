@@ -37,6 +37,7 @@ struct InputRule {
     const char* message;   // box at a bad value; nullptr for a beep
     const char* message_title;
     bool capitals = false;      // letters a to z become capitals
+    bool may_be_empty = false;  // no text at all counts as in the range
 };
 
 constexpr uint16_t CONTROL_HIDDEN = 1;       // at start
@@ -47,6 +48,7 @@ constexpr uint16_t CONTROL_CANCEL = 16;      // the button that Esc presses
 constexpr uint16_t CONTROL_SUNKEN = 32;      // a sunken text
 constexpr uint16_t CONTROL_GROUP = 64;       // a radio button that starts a new group
 constexpr uint16_t CONTROL_CENTERED = 128;
+constexpr uint16_t CONTROL_EDITABLE = 256;   // a CHOICE whose text can be typed too; picks and typing both tell
 
 struct ControlSpec {
     int16_t id;

@@ -24,25 +24,25 @@ constexpr int16_t UP_RADIO = 111;
 constexpr int16_t DOWN_RADIO = 112;
 
 constexpr ControlSpec FIND_CONTROLS[] = {
-    {100, ControlKind::TEXT, "Find What:", 0, 0, 1, 1, 0, 0, nullptr},
+    {100, ControlKind::TEXT, "Fi&nd What:", 0, 0, 1, 1, 0, 0, nullptr},
     {FIND_FIELD, ControlKind::FIELD, "", 0, 1, 1, 2, 40, 0, &SEARCH_TEXT_RULE},
     {110, ControlKind::FRAME, "Search Direction", 1, 1, 1, 2, 0, 0, nullptr},
-    {UP_RADIO, ControlKind::RADIO, "Up", 1, 1, 1, 1, 0, CONTROL_GROUP, nullptr},
-    {DOWN_RADIO, ControlKind::RADIO, "Down", 1, 2, 1, 1, 0, 0, nullptr},
-    {FIND_BUTTON, ControlKind::BUTTON, "Find", 0, 3, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {UP_RADIO, ControlKind::RADIO, "&Up", 1, 1, 1, 1, 0, CONTROL_GROUP, nullptr},
+    {DOWN_RADIO, ControlKind::RADIO, "&Down", 1, 2, 1, 1, 0, 0, nullptr},
+    {FIND_BUTTON, ControlKind::BUTTON, "&Find", 0, 3, 1, 1, 0, CONTROL_DEFAULT, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 1, 3, 1, 1, 0, CONTROL_CANCEL, nullptr},
 };
 constexpr ViewSpec FIND_VIEW = {"IDD_FIND", "Find", 0, FIND_CONTROLS, 7};
 
 constexpr ControlSpec NEXT_CONTROLS[] = {
-    {REPLY_FIND_NEXT, ControlKind::BUTTON, "Find Next", 0, 0, 1, 1, 0, CONTROL_DEFAULT, nullptr},
-    {REPLY_DONE, ControlKind::BUTTON, "Done", 0, 1, 1, 1, 0, CONTROL_CANCEL, nullptr},
+    {REPLY_FIND_NEXT, ControlKind::BUTTON, "&Find Next", 0, 0, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {REPLY_DONE, ControlKind::BUTTON, "&Done", 0, 1, 1, 1, 0, CONTROL_CANCEL, nullptr},
 };
 constexpr ViewSpec NEXT_VIEW = {"IDD_NEXT_FIND", "Find", 0, NEXT_CONTROLS, 2, 300, 80};
 
 // What the dialog asks for.
 bool find_go;
-bool find_down;
+bool find_goes_down;
 
 void fill_find_dialog(ViewHandle view) {
     if (!search_texts.find_opened)
@@ -61,7 +61,7 @@ int64_t find_proc(WindowHandle window, uint32_t message, int64_t first, int64_t 
     }
     if (message == WM_COMMAND && low_word(first) == FIND_BUTTON) {
         view_get_text(window, FIND_FIELD, search_texts.find_text, sizeof search_texts.find_text);
-        find_down = view_checked(window, DOWN_RADIO);
+        find_goes_down = view_checked(window, DOWN_RADIO);
         find_go = true;
         view_end(window, 1);
         return 0;
@@ -73,6 +73,7 @@ int64_t find_proc(WindowHandle window, uint32_t message, int64_t first, int64_t 
 
 struct Find {
     SearchPattern pattern;
+    RawScan scan;
     PointerShape pointer;
     bool found;
     bool failed;  // a row could not be read: the walk ends, and the message loop tells why
@@ -97,10 +98,28 @@ bool find_in_row(Find* find, int32_t row) {
     return true;
 }
 
-int32_t next_row(int32_t row, bool down) {
-    if (down)
-        return row == child[0].last_file_row ? 0 : row + 1;
-    return row == 0 ? child[0].last_file_row : row - 1;
+// Searches the rows from `first` to `last`. Gives whether the walk goes on.
+bool find_down(Find* find, int32_t first, int32_t last) {
+    for (int32_t row = first;; ++row) {
+        row = next_row_to_search(&find->scan, find->pattern, row, last);
+        if (row > last)
+            return true;
+        find->failed = !fetch_row(row);
+        if (find->failed || !find_in_row(find, row))
+            return false;
+    }
+}
+
+// The same from `last` up to `first`.
+bool find_up(Find* find, int32_t last, int32_t first) {
+    for (int32_t row = last; row >= first; --row) {
+        if (row % ROW_COUNT_STEP == 0)
+            show_row_count(row);
+        find->failed = !fetch_row(row);
+        if (find->failed || !find_in_row(find, row))
+            return false;
+    }
+    return true;
 }
 
 void tell_end(const Find& find) {
@@ -114,16 +133,16 @@ void tell_end(const Find& find) {
 
 // Begins with the whole of the caret's row, and wraps at the document's ends with no question.
 void run_find(const char* text, bool down) {
-    Find find = {{}, begin_wait(), false, false};
+    Find find = {};
+    find.pointer = begin_wait();
+    begin_scan(&find.scan);
     prepare_pattern(text, &find.pattern);
     const int32_t start = child[0].current_row;
-    int32_t row = start;
-    do {
-        find.failed = !fetch_walked_row(row);
-        if (find.failed || !find_in_row(&find, row))
-            break;
-        row = next_row(row, down);
-    } while (row != start);
+    const int32_t last = child[0].last_file_row;
+    if (down && find_down(&find, start, last))
+        find_down(&find, 0, start - 1);
+    if (!down && find_up(&find, start, 0))
+        find_up(&find, last, start + 1);
     end_wait(find.pointer);
     show_position();
     tell_end(find);
@@ -137,7 +156,7 @@ void command_find() {
     show_view(&FIND_VIEW, find_proc);
     set_caret_visible(false);
     if (find_go)
-        run_find(search_texts.find_text, find_down);
+        run_find(search_texts.find_text, find_goes_down);
 }
 
 }  // namespace hexlane

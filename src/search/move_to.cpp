@@ -33,7 +33,7 @@ constexpr int NUMBER_LIMIT = 9;  // digits of a number that is typed
 constexpr InputRule NUMBER_RULE = {NUMBER_LIMIT, "0123456789", 0, 0, nullptr, nullptr, nullptr};
 
 constexpr ControlSpec ROW_CONTROLS[] = {
-    {100, ControlKind::TEXT, "ROW NO:", 0, 0, 1, 1, 0, 0, nullptr},
+    {100, ControlKind::TEXT, "&ROW NO:", 0, 0, 1, 1, 0, 0, nullptr},
     {NUMBER_FIELD, ControlKind::FIELD, "", 0, 1, 1, 1, NUMBER_LIMIT, 0, &NUMBER_RULE},
     {OK_BUTTON, ControlKind::BUTTON, "OK", 0, 2, 1, 1, 0, CONTROL_DEFAULT, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 1, 2, 1, 1, 0, CONTROL_CANCEL, nullptr},
@@ -41,7 +41,7 @@ constexpr ControlSpec ROW_CONTROLS[] = {
 constexpr ViewSpec ROW_VIEW = {"IDD_ROW_GOTO", "MOVE TO ROW", 0, ROW_CONTROLS, 4};
 
 constexpr ControlSpec LINE_CONTROLS[] = {
-    {100, ControlKind::TEXT, "LINE NO:", 0, 0, 1, 1, 0, 0, nullptr},
+    {100, ControlKind::TEXT, "&LINE NO:", 0, 0, 1, 1, 0, 0, nullptr},
     {NUMBER_FIELD, ControlKind::FIELD, "", 0, 1, 1, 1, NUMBER_LIMIT, 0, &NUMBER_RULE},
     {OK_BUTTON, ControlKind::BUTTON, "OK", 0, 2, 1, 1, 0, CONTROL_DEFAULT, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 1, 2, 1, 1, 0, CONTROL_CANCEL, nullptr},

@@ -28,12 +28,12 @@ constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t REPLACE_ALL_BUTTON = 3;
 
 constexpr ControlSpec REPLACE_CONTROLS[] = {
-    {100, ControlKind::TEXT, "Find What:", 0, 0, 1, 1, 0, 0, nullptr},
+    {100, ControlKind::TEXT, "Fi&nd What:", 0, 0, 1, 1, 0, 0, nullptr},
     {FIND_FIELD, ControlKind::FIELD, "", 0, 1, 1, 1, 40, 0, &SEARCH_TEXT_RULE},
-    {110, ControlKind::TEXT, "Replace With:", 1, 0, 1, 1, 0, 0, nullptr},
+    {110, ControlKind::TEXT, "Replace &With:", 1, 0, 1, 1, 0, 0, nullptr},
     {REPLACE_FIELD, ControlKind::FIELD, "", 1, 1, 1, 1, 40, 0, &SEARCH_TEXT_RULE},
-    {FIND_NEXT_BUTTON, ControlKind::BUTTON, "Find Next", 0, 2, 1, 1, 0, CONTROL_DEFAULT, nullptr},
-    {REPLACE_ALL_BUTTON, ControlKind::BUTTON, "Replace All", 1, 2, 1, 1, 0, 0, nullptr},
+    {FIND_NEXT_BUTTON, ControlKind::BUTTON, "&Find Next", 0, 2, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {REPLACE_ALL_BUTTON, ControlKind::BUTTON, "Replace &All", 1, 2, 1, 1, 0, 0, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 2, 2, 1, 1, 0, CONTROL_CANCEL, nullptr},
 };
 constexpr ViewSpec REPLACE_VIEW = {"IDD_REPLACE", "FIND AND REPLACE", 0, REPLACE_CONTROLS, 7};
@@ -82,9 +82,11 @@ int64_t replace_proc(WindowHandle window, uint32_t message, int64_t first, int64
 
 struct Replacing {
     SearchPattern pattern;
+    RawScan scan;
     char text[SEARCH_TEXT_SIZE];  // what is put in, as bytes of a row
     int32_t length;               // of `text`
     PointerShape pointer;
+    bool in_batch;  // nothing is asked any more: rows are stored as a batch
     bool found;
     bool failed;         // a row could not be read or stored: the walk ends
     int32_t left;        // matches that were left because the row would not fit
@@ -157,27 +159,34 @@ void replace_in_row(Replacing* run, int32_t row) {
         repaint_row(row, child[0].replace_reply == REPLY_REPLACE);
 }
 
-// Down from the caret's row and round to the row in front of it. Gives the row that the walk ended at.
-// Rows are stored as a batch from where nothing is asked any more.
-int32_t walk_rows(Replacing* run) {
-    const int32_t start = child[0].current_row;
-    bool in_batch = false;
-    for (int32_t row = start;;) {
-        if (replaces_all() && !in_batch) {
+// Takes the rows from `first` to `last`. Gives the row that the walk ended at, -1 when it goes on.
+int32_t replace_rows(Replacing* run, int32_t first, int32_t last) {
+    for (int32_t row = first;; ++row) {
+        row = next_row_to_search(&run->scan, run->pattern, row, last);
+        if (row > last)
+            return -1;
+        if (replaces_all() && !run->in_batch) {
             begin_row_batch();
-            in_batch = true;
+            run->in_batch = true;
         }
-        run->failed = !fetch_walked_row(row);
+        run->failed = !fetch_row(row);
         if (!run->failed)
             replace_in_row(run, row);
-        const int32_t next = row == child[0].last_file_row ? 0 : row + 1;
-        if (run->failed || child[0].replace_reply == REPLY_DONE || next == start) {
-            if (in_batch && !end_row_batch())
-                run->failed = true;
+        if (run->failed || child[0].replace_reply == REPLY_DONE)
             return row;
-        }
-        row = next;
     }
+}
+
+// Down from the caret's row and round to the row in front of it. Gives the row that the walk ended at.
+int32_t walk_rows(Replacing* run) {
+    const int32_t start = child[0].current_row;
+    begin_scan(&run->scan);
+    int32_t row = replace_rows(run, start, child[0].last_file_row);
+    if (row < 0)
+        row = replace_rows(run, 0, start - 1);
+    if (run->in_batch && !end_row_batch())
+        run->failed = true;
+    return row < 0 ? unsaved_row.row : row;
 }
 
 // Nothing was painted while all were replaced: the view stands at the top of the document behind it, with the

@@ -4,7 +4,9 @@
 #include "platform/views.h"
 #include "store/store_limits.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace hexlane {
 
@@ -35,8 +37,41 @@ struct SearchPattern {
     char bytes[SEARCH_TEXT_SIZE];  // a to z as capitals
     int32_t length;                // 0: no row holds it
     int32_t cells;                 // that a match takes on the screen
+    int32_t rarest;                // index of the character that NC programs hold least of
 };
 void prepare_pattern(const char* text, SearchPattern* pattern);
+
+// A to Z in either case as capitals, whatever the locale.
+constexpr char fold_letter(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// The places of a character in bytes, in either case and in rising order. Each case is looked for by itself,
+// at the speed of memory.
+struct LetterPlaces {
+    char capital;
+    char small;
+    const char* next_capital;  // `end` when there is none
+    const char* next_small;
+    const char* end;
+};
+LetterPlaces begin_places(const char* from, const char* end, char c);
+
+inline const char* find_byte(const char* from, const char* end, char c) {
+    const void* found = from < end ? std::memchr(from, c, static_cast<std::size_t>(end - from)) : nullptr;
+    return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
+// The next place, nullptr behind the last one.
+inline const char* next_place(LetterPlaces* places) {
+    const bool is_capital = places->next_capital <= places->next_small;
+    const char*& next = is_capital ? places->next_capital : places->next_small;
+    const char* place = next;
+    if (place == places->end)
+        return nullptr;
+    next = find_byte(place + 1, places->end, is_capital ? places->capital : places->small);
+    return place;
+}
 
 // Fills `positions` with the indexes in row_text where `c` stands, in either case. Gives their number.
 int32_t find_char_positions(char c, uint8_t positions[ROW_BUFFER_SIZE]);
@@ -60,7 +95,21 @@ constexpr int32_t LINE_MISSING = -1;
 constexpr int32_t LINE_UNREAD = -2;
 int32_t find_line_number(int64_t number);
 
-// Fetches a row of a walk; every ROW_COUNT_STEP rows its number shows in the status line.
-[[nodiscard]] int fetch_walked_row(int32_t row);
+// The raw bytes of unchanged rows are searched in long stretches, so that a walk fetches only rows that may
+// hold a match. One walk; wiped by begin_scan.
+struct RawScan {
+    int64_t clean_from;  // from here up to clean_to the active file holds no match
+    int64_t clean_to;
+    int64_t start;     // raw position of the bytes in memory
+    int64_t length;    // of them
+    int64_t searched;  // no match that begins in front of it is looked for any more
+    LetterPlaces places;
+};
+void begin_scan(RawScan* scan);
+
+// The first row from `row` on, up to and including `last`, that may hold the pattern; last + 1 when there is
+// none. A row that the store can't read counts as one. Row numbers show in the status line on the way, every
+// ROW_COUNT_STEP rows.
+int32_t next_row_to_search(RawScan* scan, const SearchPattern& pattern, int32_t row, int32_t last);
 
 }  // namespace hexlane

@@ -23,14 +23,20 @@ const InputRule SEARCH_TEXT_RULE = {SEARCH_TEXT_SIZE - 1, nullptr, 0, 0, nullptr
 
 namespace {
 
-constexpr char fold(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+// What NC programs are made of, the most frequent first. What is not here is rarer still.
+constexpr char FREQUENT[] = "0123456789 .-XYGZNFMIJRSTH()";
+
+std::size_t rarity(char c) {
+    const char* place = std::strchr(FREQUENT, c);
+    return place != nullptr ? static_cast<std::size_t>(place - FREQUENT) : sizeof FREQUENT;
 }
 
-// The first place of `c` from `from` on; `end` when there is none.
-const char* next_place(const char* from, const char* end, char c) {
-    const void* found = from < end ? std::memchr(from, c, static_cast<size_t>(end - from)) : nullptr;
-    return found != nullptr ? static_cast<const char*>(found) : end;
+int32_t rarest_of(const char* text) {
+    int32_t rarest = 0;
+    for (int32_t i = 0; text[i] != '\0'; ++i)
+        if (rarity(text[i]) > rarity(text[rarest]))
+            rarest = i;
+    return rarest;
 }
 
 }  // namespace
@@ -43,27 +49,26 @@ void reset_search() {
 void prepare_pattern(const char* text, SearchPattern* pattern) {
     const bool possible = text_to_bytes(pattern->bytes, sizeof pattern->bytes, text);
     for (char& c : pattern->bytes)
-        c = fold(c);
+        c = fold_letter(c);
     pattern->length = possible ? static_cast<int32_t>(std::strlen(pattern->bytes)) : 0;
+    pattern->rarest = rarest_of(pattern->bytes);
     pattern->cells = child[0].nc_mode ? nc_display_length(pattern->bytes) : pattern->length;
 }
 
-// The two cases are looked for apart: a row is scanned at the speed of memory, and most rows have neither.
-int32_t find_char_positions(char c, uint8_t positions[ROW_BUFFER_SIZE]) {
-    const char* text = child[0].row_text;
-    const char* end = text + std::strlen(text);
-    const char capital = fold(c);
+LetterPlaces begin_places(const char* from, const char* end, char c) {
+    const char capital = fold_letter(c);
     const bool has_small = capital >= 'A' && capital <= 'Z';
     const char small = static_cast<char>(has_small ? capital - 'A' + 'a' : capital);
-    const char* next_capital = next_place(text, end, capital);
-    const char* next_small = has_small ? next_place(text, end, small) : end;
+    return {capital, small, find_byte(from, end, capital), has_small ? find_byte(from, end, small) : end,
+            end};
+}
+
+int32_t find_char_positions(char c, uint8_t positions[ROW_BUFFER_SIZE]) {
+    const char* text = child[0].row_text;
+    LetterPlaces places = begin_places(text, text + std::strlen(text), c);
     int32_t count = 0;
-    while (next_capital != end || next_small != end) {
-        const bool takes_capital = next_capital < next_small;
-        const char*& next = takes_capital ? next_capital : next_small;
-        positions[count++] = static_cast<uint8_t>(next - text);
-        next = next_place(next + 1, end, takes_capital ? capital : small);
-    }
+    while (const char* place = next_place(&places))
+        positions[count++] = static_cast<uint8_t>(place - text);
     return count;
 }
 
@@ -73,7 +78,7 @@ bool matches_at(const SearchPattern& pattern, int32_t index) {
     if (index < 0 || pattern.length > length - index)
         return false;
     for (int32_t i = 0; i < pattern.length; ++i)
-        if (fold(text[index + i]) != pattern.bytes[i])
+        if (fold_letter(text[index + i]) != pattern.bytes[i])
             return false;
     return true;
 }
@@ -108,12 +113,6 @@ int ask_about_match(const ViewSpec* dialog, int32_t row, int32_t index, const Se
     if (reply != REPLY_NONE)
         child[0].replace_reply = static_cast<int16_t>(reply);
     return fetch_row(row) ? reply : -1;
-}
-
-int fetch_walked_row(int32_t row) {
-    if (row % ROW_COUNT_STEP == 0)
-        show_row_count(row);
-    return fetch_row(row);
 }
 
 }  // namespace hexlane

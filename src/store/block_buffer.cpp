@@ -9,6 +9,7 @@
 #include "frame/command_state.h"
 #include "frame/main_window.h"
 #include "frame/scroll.h"
+#include "frame/status_line.h"
 #include "platform/keys.h"
 #include "store/cut_file.h"
 #include "store/row_edits.h"
@@ -118,6 +119,7 @@ void delete_block_part(char cut[ROW_BUFFER_SIZE]) {
         remove_characters(part);
     block_clear();
     place_caret_now();
+    show_position();
     repaint_row(start.row, found != 0);
     update_scrollbar(child[0].main_window);
     update_menus(child[0].main_window);

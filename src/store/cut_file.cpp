@@ -129,10 +129,9 @@ int insert_rows_of(FileHandle file, int32_t row, int32_t count, const char* path
     begin_row_batch();
     const int filled = fill_rows(file, row, count, &failed);
     const FileError reason = last_file_error();
-    if (!end_row_batch())
-        return 0;
-    if (filled)
-        return 1;
+    const int written = end_row_batch();
+    if (filled || !written)
+        return filled;
     set_last_file_error(reason);
     take_rows_back(row, count, before, change_end);
     return fail_edit(failed);

@@ -15,8 +15,9 @@ namespace hexlane {
 
 // Puts the first `count` rows of CUT.INX into the document where insert_blank_rows (row_edits.h) puts blank
 // ones for `row`. Each becomes a new change row with all of its bytes, those that nobody sees included, so
-// that no record of the active file ever moves. Shows the row count meanwhile. Gives 1; 0 on failure: the
-// user is told, and the rows that had come in are taken out again, as far as the medium lets them.
+// that no record of the active file ever moves. Shows the row count meanwhile. Gives 1, also when the last of
+// the rows waits as the unsaved one (store_fault.h); 0 on failure: the user is told, and the rows that had
+// come in are taken out again, as far as the medium lets them.
 [[nodiscard]] int paste_rows_from_cut_file(int32_t row, int32_t count);
 
 }  // namespace hexlane

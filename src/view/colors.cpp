@@ -40,11 +40,6 @@ int write_image(const char* path, FileHandle old) {
     return finish_replacement(&replacement, old);
 }
 
-void blacken_letters_and_comments() {
-    for (int slot = 0; slot <= COMMENT_SLOT; ++slot)
-        child[0].color_table[slot].color = platform::BLACK;
-}
-
 void show_modes() {
     platform::set_menu_checked(ENABLE_COLORS_ID, child[0].colors_enabled != 0);
     platform::set_menu_checked(COLOR_EDIT_CHANGES_ID, child[0].changes_colored != 0);
@@ -91,6 +86,11 @@ void make_default_colors() {
     for (ColorEntry& entry : child[0].color_table)
         entry = {platform::BLACK, 0, 0};
     save_colors();
+}
+
+void blacken_letters_and_comments() {
+    for (int slot = 0; slot <= COMMENT_SLOT; ++slot)
+        child[0].color_table[slot].color = platform::BLACK;
 }
 
 void command_enable_colors() {

@@ -18,6 +18,9 @@ int save_colors();
 // All slots black, reserved bytes zero, then save_colors.
 void make_default_colors();
 
+// Slots 0 to 26 as they are while colours are off.
+void blacken_letters_and_comments();
+
 // Each switches its mode and the check marks and repaints the view, if a file is open. A pending row has been
 // committed by the caller.
 void command_enable_colors();       // 1017

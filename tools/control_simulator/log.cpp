@@ -40,7 +40,10 @@ std::string open_log(const std::string& path, Code code, Log* log) {
     if (path.empty())
         return "";
     log->file = path == "-" ? stderr : std::fopen(path.c_str(), "w");
-    return log->file != nullptr ? "" : "cannot write " + path + ": " + std::strerror(errno);
+    if (log->file == nullptr)
+        return "cannot write " + path + ": " + std::strerror(errno);
+    std::setvbuf(log->file, nullptr, _IOLBF, BUFSIZ);  // somebody may be watching
+    return "";
 }
 
 bool close_log(Log* log) {

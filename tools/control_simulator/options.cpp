@@ -208,6 +208,8 @@ std::string wrapped(std::string_view text) {
 
 // ---- Rules between options ---------------------------------------------------------------------------
 
+constexpr std::size_t LONGEST_UNMARKED_END = 100;  // characters
+
 // EIA has no code for the characters that frame a block, so some streams cannot be taken apart again.
 std::string eia_trouble(const Options& o) {
     const bool blocks = o.protocol == Protocol::HEIDENHAIN || o.protocol == Protocol::BRIDGEPORT;
@@ -215,6 +217,8 @@ std::string eia_trouble(const Options& o) {
         return "";
     if (o.continuous)
         return "in EIA nothing marks the end of a program in blocks: --continuous cannot be checked";
+    if (o.end.size() > LONGEST_UNMARKED_END)
+        return "in EIA an end string of more than 100 characters cannot be told from a program in blocks";
     if (o.protocol == Protocol::HEIDENHAIN && o.end.find('\n') != std::string::npos)
         return "in EIA a line feed in the end string cannot be told from the end of a HEIDENHAIN block";
     return "";

@@ -21,6 +21,16 @@ bool load_pass(Loader* loader, bool first_pass) {
     }
 }
 
+std::string as_it_comes(Code code, std::string_view characters) {
+    std::string coming;
+    for (const char c : characters) {
+        const int line_byte = line_byte_of(code, static_cast<uint8_t>(c));
+        if (line_byte != NO_CODE)
+            coming.push_back(static_cast<char>(character_of(code, static_cast<uint8_t>(line_byte))));
+    }
+    return coming;
+}
+
 // The program is complete: whatever comes now should not be there.
 void watch_for_stray_bytes(Loader* loader) {
     int64_t stray = 0;
@@ -86,7 +96,7 @@ void store_held(Loader* loader) {
 }
 
 bool ends_with_end_string(const Loader& loader) {
-    return loader.held.ends_with(loader.options().end);
+    return loader.held.ends_with(loader.end_string);
 }
 
 bool drop_end_string(Loader* loader) {
@@ -94,7 +104,7 @@ bool drop_end_string(Loader* loader) {
         add_fault(&loader->session.findings, "the end string is missing");
         return false;
     }
-    loader->held.resize(loader->held.size() - loader->options().end.size());
+    loader->held.resize(loader->held.size() - loader->end_string.size());
     return true;
 }
 
@@ -115,7 +125,7 @@ void cut_off(Loader* loader, const char* where) {
 }
 
 void receive_program(Session* session, ProgramFile* program) {
-    Loader loader{*session, *program};
+    Loader loader{*session, *program, as_it_comes(session->options.code, session->options.end)};
     if (peek_byte(session, 0) < 0) {
         if (session->end != End::HUNG_UP)
             add_fault(&session->findings, end_text(session->end));

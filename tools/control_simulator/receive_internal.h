@@ -12,6 +12,7 @@ namespace simulator {
 struct Loader {
     Session& session;
     ProgramFile& program;
+    std::string end_string;  // as it comes: without what the code does not have
     std::string held = {};
     int64_t held_from = 0;  // line byte of the first of them, from 1
 

@@ -23,12 +23,16 @@ bool must_wait(const Loader& loader) {
     return loader.options().protocol == Protocol::BRIDGEPORT || loader.program.line_end.empty();
 }
 
-// The held characters belong to a block: none of them may have come ahead of the answer to the one before.
+// The held characters belong to a block: none of them may have come ahead of the answer to the one before,
+// but for the rest of a line end that the block before has cut through.
 void check_wait(Loader* loader) {
     const Session& session = loader->session;
-    if (loader->held.empty() || session.findings.blocks == 0 || !must_wait(*loader))
+    const std::size_t line_end = loader->program.line_end.size();
+    const std::size_t allowed = line_end > 1 ? line_end - 1 : 0;
+    if (loader->held.size() <= allowed || session.findings.blocks == 0 || !must_wait(*loader))
         return;
-    if (!session.answers_due.empty() || loader->held_from <= session.answered_at)
+    const int64_t first = loader->held_from + static_cast<int64_t>(allowed);
+    if (!session.answers_due.empty() || first <= session.answered_at)
         add_fault(&loader->session.findings,
                   block_text(*loader) + " has begun ahead of the answer to the one before");
 }
@@ -54,7 +58,7 @@ bool ends_by_silence(const Loader& loader) {
 // passes apart, and it is taken out wherever it comes.
 bool load_plain(Loader* loader) {
     const bool marked = loader->options().protocol == Protocol::PHILLIPS && loader->has_code(EOT);
-    const std::size_t end_length = loader->options().end.size();
+    const std::size_t end_length = loader->end_string.size();
     while (true) {
         const int character = next_character(loader);
         if (character < 0 && !marked && ends_by_silence(*loader))
@@ -99,9 +103,9 @@ void close_bridgeport(Loader* loader, uint8_t check) {
 // A block of full length and its ETB may be the last one after all, when the end string fills it up: then its
 // check and EOT follow.
 bool is_last_after_all(Loader* loader) {
-    if (loader->options().end.empty() || !ends_with_end_string(*loader) || !comes(loader, 1, EOT))
+    if (loader->end_string.empty() || !ends_with_end_string(*loader) || !comes(loader, 1, EOT))
         return false;
-    const std::string_view data(loader->held.data(), loader->held.size() - loader->options().end.size());
+    const std::string_view data(loader->held.data(), loader->held.size() - loader->end_string.size());
     return comes(loader, 0, check_of(data));
 }
 
@@ -112,9 +116,9 @@ bool take_unmarked_end(Loader* loader, std::string_view characters, bool check_n
     const Options& o = loader->options();
     const auto fits = [&](std::string_view all, bool with_check) {
         const std::string_view front = all.substr(0, all.size() - (with_check ? 1 : 0));
-        if (!front.ends_with(o.end))
+        if (!front.ends_with(loader->end_string))
             return false;
-        const std::string_view data = front.substr(0, front.size() - o.end.size());
+        const std::string_view data = front.substr(0, front.size() - loader->end_string.size());
         const int code = line_byte_of(o.code, check_of(data));
         const bool right = with_check ? code != NO_CODE && character_of(o.code, static_cast<uint8_t>(code)) ==
                                                                static_cast<uint8_t>(all.back())
@@ -164,7 +168,7 @@ bool load_bridgeport_unmarked(Loader* loader) {
 bool load_bridgeport(Loader* loader) {
     if (!loader->has_code(ETB))
         return load_bridgeport_unmarked(loader);
-    const std::size_t longest = BRIDGEPORT_BLOCK + loader->options().end.size();
+    const std::size_t longest = BRIDGEPORT_BLOCK + loader->end_string.size();
     bool told = false;  // that the block is too long
     while (true) {
         const int character = next_character(loader);

@@ -12,7 +12,7 @@ namespace simulator {
 namespace {
 
 constexpr int64_t MS = 1000000;       // ns
-constexpr int64_t SETTLE = 150 * MS;  // what a closed pty may still bring
+constexpr int64_t SETTLE = 100 * MS;  // what a closed pty may still bring
 constexpr int64_t DC1_AGAIN = 1000 * MS;
 constexpr std::size_t READ_SIZE = 65536;
 

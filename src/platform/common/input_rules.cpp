@@ -35,6 +35,9 @@ bool value_in_range(const InputRule* rule, const char* text) {
     while (last > first && last[-1] == ' ') {
         last--;
     }
+    if (first == last) {
+        return rule->may_be_empty;
+    }
     if (*first == '+' && first[1] != '-') {
         first++;
     }

@@ -5,6 +5,7 @@
 #include "platform/desktop.h"
 
 #include <csignal>
+#include <initializer_list>
 
 namespace hexlane::platform {
 

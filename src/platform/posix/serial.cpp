@@ -125,8 +125,7 @@ LineHandle line_open(int port) {
         close_tty(tty);
         return NO_LINE;
     }
-    // A device opens once only, so a free record is there unless one COM number's device was changed
-    // meanwhile.
+    // A device opens once only, so a record is free unless COM numbers have changed their devices.
     for (int i = 0; i < PORT_COUNT; i++) {
         const std::lock_guard guard(lines[i].lock);
         if (lines[i].tty < 0) {

@@ -1,10 +1,12 @@
 // serial_send.cpp: the running write: handing on, pacing, and telling when all has left.
 //
 // A step looks at the driver's queue, hands on what may be in flight, and plans the next look:
-//   the line is busy by its rate       when half of what may be in flight has left, or all of a write's rest
-//   the driver is behind the rate      after the time that its queue takes, CHECK_MIN to CHECK_MAX
-//   the driver refuses, or is held     at the next edge: a room, an XON, a rise of CTS makes the driver
-//   signal one only the shift register is busy    after a character's time
+//
+//   the line is busy by its rate      when half of what may be in flight has left, or all of the write's rest
+//   the driver is behind the rate     after the time that its queue takes, CHECK_MIN to CHECK_MAX
+//   it refuses bytes, or is held      at the next edge, which room, an XON or a rise of CTS makes
+//   the shift register is busy        after the time of a character
+//
 // With RTS/CTS the CTS line is looked at every CTS_PERIOD beside that.
 
 #include "platform/posix/serial_line.h"

@@ -165,6 +165,17 @@ QWidget* make_list(View* view, int index) {
 QWidget* make_drop_down(View* view, int index) {
     auto* choice = new QComboBox;
     QObject::connect(choice, &QComboBox::activated, choice, [view, index] { press_control(view, index); });
+    const ControlSpec& spec = spec_of(view, index);
+    if (spec.flags & CONTROL_EDITABLE) {
+        choice->setEditable(true);
+        choice->setInsertPolicy(QComboBox::NoInsert);
+        choice->setCompleter(nullptr);
+        if (spec.rule != nullptr && spec.rule->limit > 0) {
+            choice->lineEdit()->setMaxLength(spec.rule->limit);
+        }
+        QObject::connect(choice->lineEdit(), &QLineEdit::textEdited, choice,
+                         [view, index] { tell_view(view, index); });
+    }
     return choice;
 }
 

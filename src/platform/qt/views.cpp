@@ -94,6 +94,9 @@ QString control_text(const View* view, int index) {
     if (const auto* field = qobject_cast<const QLineEdit*>(widget)) {
         return field->text();
     }
+    if (const auto* choice = qobject_cast<const QComboBox*>(widget)) {
+        return choice->currentText();
+    }
     if (const auto* label = qobject_cast<const QLabel*>(widget)) {
         return label->text();
     }

@@ -6,6 +6,7 @@
 #include "platform/scripted/message_queue.h"
 #include "platform/scripted/modal.h"
 #include "platform/scripted/record.h"
+#include "platform/scripted/script_clock.h"
 
 #include <algorithm>
 
@@ -45,6 +46,7 @@ void wipe_desktop() {
     desktop.cols = cols;
     desktop.rows = rows;
     wipe_messages();
+    wipe_clock();
 }
 
 MenuItem* find_menu_item(int id) {
@@ -121,7 +123,8 @@ void destroy_window(WindowHandle window) {
         return;
     }
     deliver(window, WM_DESTROY, 0, 0);
-    forget_window(window);
+    forget_messages(window);
+    forget_timers(window);
     std::erase_if(desktop.views, [](const auto& entry) { return entry.second.child; });
     desktop.main = MainWindow();
 }

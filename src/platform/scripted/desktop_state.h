@@ -43,6 +43,8 @@ struct Control {
     bool checked;
     std::vector<std::string> rows;  // of a list or drop-down
     int selection;                  // -1 for none
+    WindowHandle pane = NO_WINDOW;  // of a pane: its text surface
+    CellGrid grid = {};
 };
 
 struct View {
@@ -75,7 +77,8 @@ struct Person {
     bool shift = false;
     bool ctrl = false;
     bool button_down = false;
-    int pointer_x = 0;  // units, from the client area's corner
+    WindowHandle button_surface = NO_WINDOW;  // where it went down: the main window or a pane
+    int pointer_x = 0;                        // units, from the client area's corner
     int pointer_y = 0;
 };
 
@@ -106,6 +109,29 @@ View* find_view(ViewHandle handle, const char* call);
 
 // The status line, nullptr before it is made.
 View* status_view();
+
+// The cells of the main window or of a pane, nullptr when there is none of that handle.
+CellGrid* find_grid(WindowHandle surface);
+
+// Gives the focus to the first control that takes it; 0 when none does.
+void focus_first_control(View* view);
+
+// Whether a person can type into a control: a field, or a drop-down that takes text too.
+bool is_typed_into(const Control& control);
+
+// Picks a row of a list or drop-down, -1 for none.
+void select_row(Control* list, int index);
+
+// Whether the focus can stand on a control.
+bool takes_focus(const Control& control);
+
+// Where the controls lie in a view among which a radio button is the only one picked: from the button that
+// starts the group up to the next one that starts a group.
+struct RadioGroup {
+    std::size_t first;
+    std::size_t behind;
+};
+RadioGroup radio_group(const View* view, std::size_t at);
 
 // The entry of an id, nullptr when the menu has none.
 MenuItem* find_menu_item(int id);

@@ -1,13 +1,14 @@
-// message_queue.cpp: posting, serving, timers and the scripted clock.
+// message_queue.cpp: posting, sending from workers, serving, and the pump of a long run.
 
 #include "platform/scripted/message_queue.h"
 
-#include "platform/clock.h"
 #include "platform/desktop.h"
 #include "platform/scripted/desktop_state.h"
 #include "platform/scripted/record.h"
+#include "platform/scripted/workers.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <deque>
 #include <vector>
 
@@ -22,35 +23,59 @@ struct Message {
     int64_t second;
 };
 
-struct Timer {
-    WindowHandle window;
-    int id;
-    int64_t period_ms;
-    int64_t due_ms;
+// A message that a worker has sent; it lives on the worker's stack until it is answered.
+struct SentMessage {
+    Message message;
+    int64_t result;
+    bool served;
+};
+
+struct PumpAct {
+    int left;  // pumps from now on
+    std::function<void()> act;
 };
 
 std::deque<Message> queue;
-std::vector<Timer> timers;  // in the order in which they were made
-int64_t now_ms = 0;
+std::deque<SentMessage*> sent;
+std::vector<PumpAct> pump_acts;
 bool quitting = false;
 int quit_code = 0;
 
-Timer* find_timer(WindowHandle window, int id) {
-    const auto found = std::find_if(timers.begin(), timers.end(), [&](const Timer& timer) {
-        return timer.window == window && timer.id == id;
-    });
-    return found != timers.end() ? &*found : nullptr;
+int64_t run_message(const Message& message) {
+    return deliver(message.window, message.message, message.first, message.second);
 }
 
-// The timer that falls due first, the older one of two; nullptr when there is none up to `limit_ms`.
-Timer* next_timer(int64_t limit_ms) {
-    Timer* next = nullptr;
-    for (Timer& timer : timers) {
-        if (timer.due_ms <= limit_ms && (next == nullptr || timer.due_ms < next->due_ms)) {
-            next = &timer;
-        }
+void answer(SentMessage* message, int64_t result) {
+    message->result = result;
+    message->served = true;
+    wake_workers(message);
+}
+
+bool serve_posted_message() {
+    if (queue.empty()) {
+        return false;
     }
-    return next;
+    const Message message = queue.front();
+    queue.pop_front();
+    run_message(message);
+    return true;
+}
+
+// Counts a pump; gives whether an act was laid ready for it.
+bool act_for_this_pump() {
+    std::function<void()> act;
+    for (PumpAct& waiting : pump_acts) {
+        waiting.left--;
+    }
+    const auto due = std::find_if(pump_acts.begin(), pump_acts.end(),
+                                  [](const PumpAct& waiting) { return waiting.left <= 0; });
+    if (due == pump_acts.end()) {
+        return false;
+    }
+    act.swap(due->act);
+    pump_acts.erase(due);
+    act();
+    return true;
 }
 
 }  // namespace
@@ -60,22 +85,62 @@ void post_message(WindowHandle window, uint32_t message, int64_t first, int64_t 
 }
 
 int64_t send_message(WindowHandle window, uint32_t message, int64_t first, int64_t second) {
-    return deliver(window, message, first, second);
+    if (!on_worker()) {
+        return deliver(window, message, first, second);
+    }
+    SentMessage own = {{window, message, first, second}, 0, false};
+    sent.push_back(&own);
+    while (!own.served) {
+        worker_waits_for(&own);
+    }
+    return own.result;
+}
+
+bool serve_sent_message() {
+    if (sent.empty()) {
+        return false;
+    }
+    SentMessage* message = sent.front();
+    sent.pop_front();
+    answer(message, run_message(message->message));
+    return true;
+}
+
+void drop_sent_messages() {
+    for (SentMessage* message : sent) {
+        answer(message, 0);
+    }
+    sent.clear();
 }
 
 void serve_messages() {
-    for (int served = 0; !queue.empty(); served++) {
+    for (int served = 0; run_ready_worker() || serve_sent_message() || serve_posted_message(); served++) {
         if (served == MESSAGE_FLOOD) {
             stop_run("the program posts messages without end");
         }
-        const Message message = queue.front();
-        queue.pop_front();
-        deliver(message.window, message.message, message.first, message.second);
     }
 }
 
 bool messages_are_waiting() {
-    return !queue.empty();
+    return !queue.empty() || !sent.empty();
+}
+
+// Two acts for the same pump follow one another.
+bool pump_one_message() {
+    if (act_for_this_pump()) {
+        return true;
+    }
+    while (run_ready_worker()) {
+    }
+    return serve_sent_message() || serve_posted_message();
+}
+
+void act_at_pump(int count, const std::function<void()>& act) {
+    pump_acts.push_back({count, act});
+}
+
+bool acts_wait_for_pump() {
+    return !pump_acts.empty();
 }
 
 void post_quit(int code) {
@@ -88,60 +153,13 @@ bool quit_asked(int* code) {
     return quitting;
 }
 
-void start_timer(WindowHandle window, int id, int period_ms) {
-    const int64_t period = std::max(period_ms, 1);
-    Timer* timer = find_timer(window, id);
-    if (timer == nullptr) {
-        timer = &timers.emplace_back(Timer{window, id, 0, 0});
-    }
-    timer->period_ms = period;
-    timer->due_ms = now_ms + period;
-}
-
-void kill_timer(WindowHandle window, int id) {
-    std::erase_if(timers, [&](const Timer& timer) { return timer.window == window && timer.id == id; });
-}
-
-int timer_period_of(WindowHandle window, int id) {
-    const Timer* timer = find_timer(window, id);
-    return timer != nullptr ? static_cast<int>(timer->period_ms) : 0;
-}
-
-// A timer's procedure may bring up a box in which the clock is moved on further: then this call finds the
-// time behind its own goal and must not turn it back.
-void move_clock(int64_t ms, int64_t* elapsed, bool (*stop)()) {
-    const int64_t start = now_ms;
-    const int64_t goal = start + ms;
-    serve_messages();
-    while (const Timer* due = next_timer(goal)) {
-        const WindowHandle window = due->window;
-        const int id = due->id;
-        now_ms = std::max(now_ms, due->due_ms);
-        *elapsed = now_ms - start;
-        find_timer(window, id)->due_ms += due->period_ms;
-        deliver(window, WM_TIMER, id, 0);
-        serve_messages();
-        if (stop()) {
-            return;
-        }
-    }
-    now_ms = std::max(now_ms, goal);
-    *elapsed = ms;
-}
-
-int64_t clock_ms() {
-    return now_ms;
-}
-
-void forget_window(WindowHandle window) {
+void forget_messages(WindowHandle window) {
     std::erase_if(queue, [&](const Message& message) { return message.window == window; });
-    std::erase_if(timers, [&](const Timer& timer) { return timer.window == window; });
 }
 
 void wipe_messages() {
     queue.clear();
-    timers.clear();
-    now_ms = 0;
+    pump_acts.clear();
     quitting = false;
     quit_code = 0;
 }

@@ -1,32 +1,32 @@
-// message_queue.h: the one queue of posted messages, the timers, and the clock that only a script or a test
-// moves. Order: before a line of the script and before a timer, everything posted has been served; timers
-// that fall due at one time go in the order in which they were made. Main thread only.
+// message_queue.h: the one queue of posted messages, and the messages that workers send.
+// Order: before a line of the script and before anything falls due, workers have gone as far as they can and
+// everything posted has been served. Main thread only, but for post_message and send_message of desktop.h.
 #pragma once
 
 #include "platform/messages.h"
 
-#include <cstdint>
+#include <functional>
 
 namespace hexlane::platform {
 
-// Serves posted messages, and those that they post, until none is left. More than MESSAGE_FLOOD in one go
-// stop the run: the program would never come to rest.
+// Lets workers run and serves messages, and those that they post, until none is left and all workers wait.
+// More than MESSAGE_FLOOD steps in one go stop the run: the program would never come to rest.
 void serve_messages();
 bool messages_are_waiting();
 constexpr int MESSAGE_FLOOD = 1000000;
 
-// Moves the clock on by `ms` and sends WM_TIMER for what falls due. Stops early when `stop` says so behind a
-// timer; `elapsed` takes the milliseconds gone so far, all along.
-void move_clock(int64_t ms, int64_t* elapsed, bool (*stop)());
+// Serves one message that a worker has sent and waits for. Gives false when there is none.
+bool serve_sent_message();
 
-// Milliseconds since the program's start on the scripted clock.
-int64_t clock_ms();
+// Workers that have sent a message go on with 0 for an answer.
+void drop_sent_messages();
 
-// Period of a timer in ms, 0 when it is not running.
-int timer_period_of(WindowHandle window, int id);
+// Does `act` in the call of pump_one_message that is the `count`-th from now on, in place of a message.
+void act_at_pump(int count, const std::function<void()>& act);
+bool acts_wait_for_pump();
 
-// A window is gone: its messages and timers go with it.
-void forget_window(WindowHandle window);
+// A window is gone: its messages go with it.
+void forget_messages(WindowHandle window);
 
 // post_quit has been called; `code` takes its code.
 bool quit_asked(int* code);

@@ -11,11 +11,18 @@ namespace hexlane::platform {
 
 using Refusal = std::string;
 
+// How a control is called: its label without '&', with a number (from 1) where the label repeats, or its id.
+struct ControlName {
+    std::string label;
+    int number = 1;
+    int id = -1;  // in use when not negative
+};
+
 // ---- Keys --------------------------------------------------------------------------------------------
 
 // A key with modifiers, "Ctrl+Shift+End": Shift and Ctrl go down, then key down with its character or its
-// accelerator's command, then all are let go. A modal that comes up takes the release. In a modal only Enter
-// and Esc mean something.
+// accelerator's command, then all are let go. A modal that comes up takes the release. In a box only Enter
+// and Esc mean something, in a view Tab and mnemonics too, and a pane with the focus takes all other keys.
 Refusal person_presses(const std::string& chord);
 
 // The keys that type the text; a line end is Enter. A character without a key comes bare, as from an input
@@ -40,20 +47,24 @@ Refusal person_starts_again(const std::string& path);
 
 // ---- Mouse and scroll bar ----------------------------------------------------------------------------
 
-enum class MouseAct { DOWN, MOVE, UP };
+enum class MouseAct { DOWN, MOVE, UP, RIGHT };  // the left button; a click of the right one
 
-Refusal person_uses_mouse(MouseAct act, int col, int row, bool shift, bool ctrl);
+struct MouseEvent {
+    MouseAct act = MouseAct::MOVE;
+    bool in_pane = false;  // of the topmost view; otherwise in the main window
+    ControlName pane = {};
+    int col = 0;
+    int row = 0;
+    bool shift = false;
+    bool ctrl = false;
+};
+Refusal person_uses_mouse(const MouseEvent& event);
 Refusal person_places_pointer(int col, int row);
+
+// The bar of the topmost window; in a view that of the pane with the focus, else of the first pane.
 Refusal person_scrolls(int request, int position);
 
 // ---- Views, boxes and file dialogs -------------------------------------------------------------------
-
-// How a control is called: its label without '&', with a number (from 1) where the label repeats, or its id.
-struct ControlName {
-    std::string label;
-    int number = 1;
-    int id = -1;  // in use when not negative
-};
 
 Refusal person_clicks(const ControlName& button);
 Refusal person_fills(const ControlName& field, const std::string& text);
@@ -64,7 +75,7 @@ Refusal person_selects(const ControlName& list, const std::string& text);
 Refusal person_gives_file(const std::string& path, int filter);  // filter -1: the entry on show
 Refusal person_cancels();                                        // a file dialog
 
-// Enter or Esc in what is up.
+// Enter or Esc in a box or file dialog.
 Refusal person_presses_in_modal(int key);
 
 // ---- Time --------------------------------------------------------------------------------------------

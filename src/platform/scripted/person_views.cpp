@@ -5,11 +5,12 @@
 #include "platform/common/file_questions.h"
 #include "platform/common/input_rules.h"
 #include "platform/keys.h"
-#include "platform/scripted/desktop_state.h"
 #include "platform/scripted/modal.h"
+#include "platform/scripted/person_internal.h"
 #include "platform/scripted/record.h"
 
 #include <algorithm>
+#include <cstring>
 #include <initializer_list>
 
 namespace hexlane::platform {
@@ -36,11 +37,6 @@ std::string name_of(const ControlName& name) {
 
 Refusal no_such(const ControlName& name) {
     return top_modal()->name + " has no " + name_of(name);
-}
-
-View* top_view() {
-    const Modal* modal = top_modal();
-    return modal != nullptr && modal->kind == ModalKind::VIEW ? find_view(modal->view, "view") : nullptr;
 }
 
 // A control is called by its own label; one without a label by that of the text in front of it.
@@ -82,24 +78,6 @@ Refusal find_usable(const ControlName& name, Kinds kinds, Control** found) {
 bool value_is_good(const Control& control) {
     return control.spec->kind != ControlKind::FIELD || control.hidden || control.disabled ||
            value_in_range(control.spec->rule, control.text.c_str());
-}
-
-// Moves the focus to a control. A field that is left with a bad value tells so and keeps it: gives false, and
-// the act ends. A button looks at all fields; a cancel button at none.
-bool focus_moves_to(const ControlSpec* to) {
-    View* view = top_view();
-    const bool is_button = to->kind == ControlKind::BUTTON;
-    const bool cancels = (to->flags & CONTROL_CANCEL) != 0;
-    for (const Control& control : view->controls) {
-        const bool judged = is_button || (control.spec->id == view->focus_id && control.spec != to);
-        if (judged && !cancels && !value_is_good(control)) {
-            view->focus_id = control.spec->id;
-            report_bad_value(control.spec->rule);
-            return false;
-        }
-    }
-    view->focus_id = to->id;
-    return true;
 }
 
 void tell_view(const ControlSpec* control) {
@@ -144,19 +122,8 @@ const ControlSpec* button_with(const View* view, uint16_t flag) {
     return nullptr;
 }
 
-// Esc presses the cancel button or closes the view; Enter presses the button with the focus, else the default
-// one.
-void press_key_in_view(int key) {
-    const View* view = top_view();
-    if (key == VK_ESCAPE) {
-        const ControlSpec* cancel = button_with(view, CONTROL_CANCEL);
-        if (cancel != nullptr) {
-            click(cancel);
-        } else {
-            deliver(view->handle, WM_CLOSE, 0, 0);
-        }
-        return;
-    }
+// Enter presses the button with the focus, else the default one.
+void press_enter(const View* view) {
     const ControlSpec* pressed = button_with(view, CONTROL_DEFAULT);
     for (const Control& control : view->controls) {
         if (control.spec->id == view->focus_id && control.spec->kind == ControlKind::BUTTON) {
@@ -168,15 +135,114 @@ void press_key_in_view(int key) {
     }
 }
 
-Refusal select_row(Control* list, int index) {
+// Esc presses the cancel button or closes the view.
+void press_escape(const View* view) {
+    const ControlSpec* cancel = button_with(view, CONTROL_CANCEL);
+    if (cancel != nullptr) {
+        click(cancel);
+    } else {
+        deliver(view->handle, WM_CLOSE, 0, 0);
+    }
+}
+
+bool is_radio(const Control& control) {
+    return control.spec->kind == ControlKind::RADIO;
+}
+
+// Radio buttons of a group are one stop of the Tab key: the one that is picked, else the first.
+bool is_tab_stop(const View* view, std::size_t at) {
+    const Control& control = view->controls[at];
+    if (!takes_focus(control) || !is_radio(control) || control.checked) {
+        return takes_focus(control);
+    }
+    const RadioGroup group = radio_group(view, at);
+    for (std::size_t i = group.first; i < group.behind; i++) {
+        const Control& other = view->controls[i];
+        if (is_radio(other) && takes_focus(other) && (other.checked || i < at)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The next stop behind the focus, or before it, round the end.
+void move_focus(View* view, bool back) {
+    const std::size_t count = view->controls.size();
+    std::size_t at = 0;
+    while (at < count && view->controls[at].spec->id != view->focus_id) {
+        at++;
+    }
+    for (std::size_t step = 1; step < count; step++) {
+        const std::size_t next = (at + (back ? count - step : step)) % count;
+        if (is_tab_stop(view, next)) {
+            focus_moves_to(view->controls[next].spec);
+            return;
+        }
+    }
+}
+
+Refusal person_selects_row(Control* list, int index) {
     if (index < 0 || index >= static_cast<int>(list->rows.size())) {
         return "the list has " + std::to_string(list->rows.size()) + " rows";
     }
-    if (focus_moves_to(list->spec)) {
-        list->selection = index;
+    if (focus_moves_to(list->spec) && (list->selection != index || is_typed_into(*list))) {
+        select_row(list, index);
         tell_view(list->spec);
     }
     return "";
+}
+
+// A label's letter behind its '&', in either case.
+bool has_mnemonic(const ControlSpec* spec, int key) {
+    const char* label = spec->label != nullptr ? spec->label : "";
+    for (; *label != '\0'; label++) {
+        if (*label == '&' && *++label != '&') {
+            return (*label & ~0x20) == key || *label == key;
+        }
+    }
+    return false;
+}
+
+// A label leads to the control behind it.
+void use_mnemonic_of(View* view, std::size_t at) {
+    Control& control = view->controls[at];
+    switch (control.spec->kind) {
+    case ControlKind::BUTTON:
+        click(control.spec);
+        return;
+    case ControlKind::CHECK:
+        if (focus_moves_to(control.spec)) {
+            control.checked = !control.checked;
+            tell_view(control.spec);
+        }
+        return;
+    case ControlKind::RADIO:
+        if (focus_moves_to(control.spec)) {
+            view_check(view->handle, control.spec->id, true);
+            tell_view(control.spec);
+        }
+        return;
+    case ControlKind::TEXT:
+        if (at + 1 < view->controls.size() && takes_focus(view->controls[at + 1])) {
+            focus_moves_to(view->controls[at + 1].spec);
+        }
+        return;
+    default:
+        focus_moves_to(control.spec);
+    }
+}
+
+Refusal press_mnemonic(View* view, int key) {
+    for (std::size_t i = 0; i < view->controls.size(); i++) {
+        const Control& control = view->controls[i];
+        const ControlKind kind = control.spec->kind;
+        const bool usable = takes_focus(control) || (kind == ControlKind::TEXT && !control.hidden);
+        if (usable && has_mnemonic(control.spec, key)) {
+            use_mnemonic_of(view, i);
+            return "";
+        }
+    }
+    return top_modal()->name + " has no mnemonic " + static_cast<char>(key);
 }
 
 constexpr Kinds LISTS = {ControlKind::LIST, ControlKind::CHOICE};
@@ -191,6 +257,71 @@ std::size_t character_length(const std::string& text, std::size_t at) {
 }
 
 }  // namespace
+
+View* top_view() {
+    const Modal* modal = top_modal();
+    return modal != nullptr && modal->kind == ModalKind::VIEW ? find_view(modal->view, "view") : nullptr;
+}
+
+bool focus_moves_to(const ControlSpec* to) {
+    View* view = top_view();
+    const bool is_button = to->kind == ControlKind::BUTTON;
+    const bool cancels = (to->flags & CONTROL_CANCEL) != 0;
+    for (const Control& control : view->controls) {
+        const bool judged = is_button || (control.spec->id == view->focus_id && control.spec != to);
+        if (judged && !cancels && !value_is_good(control)) {
+            view->focus_id = control.spec->id;
+            report_bad_value(control.spec->rule);
+            return false;
+        }
+    }
+    view->focus_id = to->id;
+    return true;
+}
+
+Refusal find_pane(const ControlName& name, InputTarget* target) {
+    Control* control = nullptr;
+    const Refusal refusal = find_usable(name, {ControlKind::PANE}, &control);
+    if (refusal.empty()) {
+        *target = {top_modal()->view, control->spec->id, control->pane};
+    }
+    return refusal;
+}
+
+Refusal pane_in_use(const char* what, InputTarget* target) {
+    const View* view = top_view();
+    const Control* found = nullptr;
+    for (const Control& control : view->controls) {
+        const bool usable = control.spec->kind == ControlKind::PANE && takes_focus(control);
+        if (usable && (found == nullptr || control.spec->id == view->focus_id)) {
+            found = &control;
+        }
+    }
+    if (found == nullptr) {
+        return std::string(what) + " while " + top_modal()->name + " is up";
+    }
+    *target = {view->handle, found->spec->id, found->pane};
+    return "";
+}
+
+Refusal press_key_in_view(int key, int modifiers) {
+    View* view = top_view();
+    if ((modifiers & KEY_WITH_ALT) != 0) {
+        return press_mnemonic(view, key);
+    }
+    switch (key) {
+    case VK_RETURN:
+        press_enter(view);
+        break;
+    case VK_ESCAPE:
+        press_escape(view);
+        break;
+    case VK_TAB:
+        move_focus(view, (modifiers & KEY_WITH_SHIFT) != 0);
+        break;
+    }
+    return "";
+}
 
 Refusal person_clicks(const ControlName& button) {
     Modal* modal = top_modal();
@@ -208,19 +339,32 @@ Refusal person_clicks(const ControlName& button) {
     return refusal;
 }
 
-// The text is typed over what stands there; characters that the field does not take are refused, in silence.
+// The text is typed over what stands there, and the view hears of each character; those that the field does
+// not take are refused, in silence. Something that comes up takes the rest.
 Refusal person_fills(const ControlName& field, const std::string& text) {
     Control* control = nullptr;
-    const Refusal refusal = find_usable(field, {ControlKind::FIELD}, &control);
+    const Refusal refusal = find_usable(field, {ControlKind::FIELD, ControlKind::CHOICE}, &control);
+    if (refusal.empty() && !is_typed_into(*control)) {
+        return name_of(field) + " takes no typing";
+    }
     if (!refusal.empty() || !focus_moves_to(control->spec)) {
         return refusal;
     }
+    const int openings = desktop.modal_openings;
     control->text.clear();
+    if (text.empty()) {
+        tell_view(control->spec);
+    }
     for (std::size_t at = 0; at < text.size(); at += character_length(text, at)) {
         std::string longer = control->text + text.substr(at, character_length(text, at));
         longer.back() = field_character(control->spec->rule, longer.back());
-        if (field_takes(control->spec->rule, longer.c_str())) {
-            control->text = longer;
+        if (!field_takes(control->spec->rule, longer.c_str())) {
+            continue;
+        }
+        control->text = longer;
+        tell_view(control->spec);
+        if (desktop.modal_openings != openings || top_modal()->done) {
+            break;
         }
     }
     return "";
@@ -255,7 +399,7 @@ Refusal person_picks(const ControlName& radio) {
 Refusal person_selects(const ControlName& list, int index) {
     Control* control = nullptr;
     const Refusal refusal = find_usable(list, LISTS, &control);
-    return refusal.empty() ? select_row(control, index) : refusal;
+    return refusal.empty() ? person_selects_row(control, index) : refusal;
 }
 
 Refusal person_selects(const ControlName& list, const std::string& text) {
@@ -268,7 +412,7 @@ Refusal person_selects(const ControlName& list, const std::string& text) {
     if (row == control->rows.end()) {
         return "the list has no row " + quoted(text);
     }
-    return select_row(control, static_cast<int>(row - control->rows.begin()));
+    return person_selects_row(control, static_cast<int>(row - control->rows.begin()));
 }
 
 // The dialog stays up after a question answered No.
@@ -309,8 +453,7 @@ Refusal person_presses_in_modal(int key) {
         press_key_in_box(modal, key);
         return "";
     case ModalKind::VIEW:
-        press_key_in_view(key);
-        return "";
+        return press_key_in_view(key, 0);
     case ModalKind::FILE_DIALOG:
         return key == VK_ESCAPE ? person_cancels() : "use `choose` to answer a file dialog";
     }

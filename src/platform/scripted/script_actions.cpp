@@ -42,25 +42,6 @@ std::string path_at(const Words& words, std::size_t at) {
     return without_place_name(words[at].text);
 }
 
-// "LABEL", "LABEL"/2 or @ID.
-bool control_at(const Words& words, std::size_t at, ControlName* name) {
-    if (at >= words.size()) {
-        return false;
-    }
-    const Word& word = words[at];
-    if (word.is_quoted) {
-        *name = {word.text, word.number, -1};
-        return true;
-    }
-    int64_t id = 0;
-    if (word.text.empty() || word.text[0] != '@' ||
-        !parse_number({word.text.substr(1), false, 1}, 0, INT16_MAX, &id)) {
-        return false;
-    }
-    name->id = static_cast<int>(id);
-    return true;
-}
-
 // ---- Window and keys ---------------------------------------------------------------------------------
 
 Refusal do_size(const Words& words) {
@@ -127,32 +108,31 @@ Refusal do_tick(const Words& words) {
 
 // ---- Mouse and scroll bar ----------------------------------------------------------------------------
 
+// [PANE] ACT COL ROW [Shift] [Ctrl]
 Refusal do_mouse(const Words& words) {
     constexpr struct {
         const char* name;
         MouseAct act;
-    } ACTS[] = {{"down", MouseAct::DOWN}, {"move", MouseAct::MOVE}, {"up", MouseAct::UP}};
-    if (words.size() > 1 && (words[1].is_quoted || words[1].text[0] == '@' || words[1].text == "right")) {
-        return "this build has no pane that takes the mouse";
-    }
-    int col = 0;
-    int row = 0;
-    if (!has(words, 3, 5) || !number_at(words, 2, INT8_MIN, INT16_MAX, &col) ||
-        !number_at(words, 3, INT8_MIN, INT16_MAX, &row)) {
+    } ACTS[] = {
+        {"down", MouseAct::DOWN}, {"move", MouseAct::MOVE}, {"up", MouseAct::UP}, {"right", MouseAct::RIGHT}};
+    MouseEvent event;
+    event.in_pane = control_at(words, 1, &event.pane);
+    const std::size_t at = event.in_pane ? 2 : 1;
+    if (!has(words, at + 2, at + 4) || !number_at(words, at + 1, INT8_MIN, INT16_MAX, &event.col) ||
+        !number_at(words, at + 2, INT8_MIN, INT16_MAX, &event.row)) {
         return WRONG_USE;
     }
-    bool shift = false;
-    bool ctrl = false;
-    for (std::size_t i = 4; i < words.size(); i++) {
-        shift = shift || words[i].text == "Shift";
-        ctrl = ctrl || words[i].text == "Ctrl";
+    for (std::size_t i = at + 3; i < words.size(); i++) {
+        event.shift = event.shift || words[i].text == "Shift";
+        event.ctrl = event.ctrl || words[i].text == "Ctrl";
     }
-    if (words.size() != 4U + shift + ctrl) {
+    if (words.size() != at + 3 + event.shift + event.ctrl) {
         return WRONG_USE;
     }
     for (const auto& candidate : ACTS) {
-        if (words[1].text == candidate.name) {
-            return person_uses_mouse(candidate.act, col, row, shift, ctrl);
+        if (words[at].text == candidate.name) {
+            event.act = candidate.act;
+            return person_uses_mouse(event);
         }
     }
     return WRONG_USE;
@@ -286,7 +266,7 @@ const Action ACTIONS[] = {
     {"command", "ID", WHILE_RUNNING, do_command},
     {"hint", "ID", WHILE_RUNNING, do_hint},
     {"later", "N LINE", WHILE_RUNNING, no_pump},
-    {"mouse", "down|move|up COL ROW [Shift] [Ctrl]", WHILE_RUNNING, do_mouse},
+    {"mouse", "[PANE] down|move|up|right COL ROW [Shift] [Ctrl]", WHILE_RUNNING, do_mouse},
     {"pointer", "COL ROW", WHILE_RUNNING, do_pointer},
     {"scroll", "line-up|line-down|page-up|page-down|top|bottom|thumb POS", WHILE_RUNNING, do_scroll},
     {"tick", "MS", WHILE_RUNNING, do_tick},
@@ -303,8 +283,8 @@ const Action ACTIONS[] = {
     {"open-request", "[\"FILE\"]", WHILE_RUNNING, do_open_request},
     {"line", "N ...", WHILE_RUNNING, no_serial_line},
     {"printer", "\"NAME\"|none|fail", BEFORE_START | WHILE_RUNNING, no_printer},
-    {"screen", "", WHILE_RUNNING, print_screen},
-    {"colors", "", WHILE_RUNNING, print_colors},
+    {"screen", "[PANE]", WHILE_RUNNING, print_screen},
+    {"colors", "[PANE]", WHILE_RUNNING, print_colors},
     {"status", "", WHILE_RUNNING, print_status},
     {"menu", "", WHILE_RUNNING, print_menu},
     {"title", "", WHILE_RUNNING, print_title},
@@ -318,6 +298,24 @@ const Action ACTIONS[] = {
 };
 
 }  // namespace
+
+bool control_at(const Words& words, std::size_t at, ControlName* name) {
+    if (at >= words.size()) {
+        return false;
+    }
+    const Word& word = words[at];
+    if (word.is_quoted) {
+        *name = {word.text, word.number, -1};
+        return true;
+    }
+    int64_t id = 0;
+    if (word.text.empty() || word.text[0] != '@' ||
+        !parse_number({word.text.substr(1), false, 1}, 0, INT16_MAX, &id)) {
+        return false;
+    }
+    name->id = static_cast<int>(id);
+    return true;
+}
 
 const Action* find_action(const std::string& name) {
     for (const Action& action : ACTIONS) {

@@ -30,6 +30,9 @@ const Action* find_action(const std::string& name);
 // What an action gives when its words make no sense; the person sees the table's `use` instead.
 extern const Refusal WRONG_USE;
 
+// "LABEL", "LABEL"/2 or @ID in that place. Gives false when something else stands there, or nothing.
+bool control_at(const Words& words, std::size_t at, ControlName* name);
+
 // The lines that print, in script_prints.cpp.
 Refusal print_screen(const Words& words);
 Refusal print_colors(const Words& words);

@@ -1,8 +1,8 @@
 // script_prints.cpp: the lines that print what a person sees: screen, colours, status line, menu, views,
 // files.
 
-#include "platform/scripted/desktop_state.h"
 #include "platform/scripted/modal.h"
+#include "platform/scripted/person_internal.h"
 #include "platform/scripted/record.h"
 #include "platform/scripted/script_actions.h"
 #include "platform/scripted/script_files.h"
@@ -22,8 +22,7 @@ int text_rows() {
     return std::min(desktop.main.grid.rows, std::max(desktop.rows - STATUS_ROWS, 2));
 }
 
-const Cell* row_cells(int row) {
-    const CellGrid& grid = desktop.main.grid;
+const Cell* row_cells(const CellGrid& grid, int row) {
     return grid.cells.data() + static_cast<std::ptrdiff_t>(row) * grid.cols;
 }
 
@@ -53,10 +52,21 @@ std::string color_runs(const Cell* cells, int cols) {
     return runs;
 }
 
-Refusal text_area_refuses(const Words& words) {
-    if (words.size() > 1) {
-        return "this build has no pane " + quoted(words[1].text);
+// The text area that a line names and how many of its rows show text: the main window's or a pane.
+Refusal find_text_area(const Words& words, const CellGrid** grid, int* rows) {
+    ControlName name;
+    if (words.size() > 2 || (words.size() == 2 && !control_at(words, 1, &name))) {
+        return WRONG_USE;
     }
+    if (words.size() == 2) {
+        InputTarget target;
+        const Refusal refusal = find_pane(name, &target);
+        *grid = find_grid(target.surface);
+        *rows = *grid != nullptr ? (*grid)->rows : 0;
+        return refusal;
+    }
+    *grid = &desktop.main.grid;
+    *rows = text_rows();
     return desktop.main.handle == NO_WINDOW ? "there is no window" : "";
 }
 
@@ -80,11 +90,13 @@ std::string control_line(const View& view, const Control& control) {
 }  // namespace
 
 Refusal print_screen(const Words& words) {
-    const Refusal refusal = text_area_refuses(words);
-    for (int row = 0; refusal.empty() && row < text_rows(); row++) {
+    const CellGrid* grid = nullptr;
+    int rows = 0;
+    const Refusal refusal = find_text_area(words, &grid, &rows);
+    for (int row = 0; refusal.empty() && row < rows; row++) {
         std::string bytes;
-        for (int col = 0; col < desktop.main.grid.cols; col++) {
-            bytes += static_cast<char>(row_cells(row)[col].byte);
+        for (int col = 0; col < grid->cols; col++) {
+            bytes += static_cast<char>(row_cells(*grid, row)[col].byte);
         }
         bytes.erase(bytes.find_last_not_of(' ') + 1);
         record_line(two_digits(row) + "|" + escaped(bytes));
@@ -93,9 +105,11 @@ Refusal print_screen(const Words& words) {
 }
 
 Refusal print_colors(const Words& words) {
-    const Refusal refusal = text_area_refuses(words);
-    for (int row = 0; refusal.empty() && row < text_rows(); row++) {
-        const std::string runs = color_runs(row_cells(row), desktop.main.grid.cols);
+    const CellGrid* grid = nullptr;
+    int rows = 0;
+    const Refusal refusal = find_text_area(words, &grid, &rows);
+    for (int row = 0; refusal.empty() && row < rows; row++) {
+        const std::string runs = color_runs(row_cells(*grid, row), grid->cols);
         if (!runs.empty()) {
             record_line(two_digits(row) + ": " + runs);
         }

@@ -1,5 +1,5 @@
-// surface.cpp: the text area in memory: cells, caret and scroll bar of the main window. Calls for a window
-// that is not there draw nothing, as on any desktop.
+// surface.cpp: the text areas in memory: cells, caret and scroll bar of the main window and of panes. Calls
+// for a window that is not there draw nothing, as on any desktop.
 
 #include "platform/surface.h"
 
@@ -7,22 +7,14 @@
 
 namespace hexlane::platform {
 
-namespace {
-
-CellGrid* grid_of(WindowHandle window) {
-    return window != NO_WINDOW && window == desktop.main.handle ? &desktop.main.grid : nullptr;
-}
-
-}  // namespace
-
 void draw_text(WindowHandle window, int x, int y, const char* text, int count, Color ink, Color paper) {
-    if (CellGrid* grid = grid_of(window)) {
+    if (CellGrid* grid = find_grid(window)) {
         grid_draw(grid, x, y, text, count, ink, paper);
     }
 }
 
 void create_caret(WindowHandle window, int width, int height) {
-    if (CellGrid* grid = grid_of(window)) {
+    if (CellGrid* grid = find_grid(window)) {
         grid->caret_made = true;
         grid->caret_shows = 0;
         grid->caret_width = width;
@@ -31,39 +23,39 @@ void create_caret(WindowHandle window, int width, int height) {
 }
 
 void destroy_caret(WindowHandle window) {
-    if (CellGrid* grid = grid_of(window)) {
+    if (CellGrid* grid = find_grid(window)) {
         grid->caret_made = false;
     }
 }
 
 void place_caret(WindowHandle window, int x, int y) {
-    if (CellGrid* grid = grid_of(window)) {
+    if (CellGrid* grid = find_grid(window)) {
         grid->caret_x = x;
         grid->caret_y = y;
     }
 }
 
 void hide_caret(WindowHandle window) {
-    if (CellGrid* grid = grid_of(window)) {
+    if (CellGrid* grid = find_grid(window)) {
         grid->caret_shows--;
     }
 }
 
 void show_caret(WindowHandle window) {
-    if (CellGrid* grid = grid_of(window)) {
+    if (CellGrid* grid = find_grid(window)) {
         grid->caret_shows++;
     }
 }
 
 void set_scroll_range(WindowHandle window, int low, int high) {
-    if (CellGrid* grid = grid_of(window)) {
+    if (CellGrid* grid = find_grid(window)) {
         grid->scroll_low = low;
         grid->scroll_high = high;
     }
 }
 
 void set_scroll_position(WindowHandle window, int position) {
-    if (CellGrid* grid = grid_of(window)) {
+    if (CellGrid* grid = find_grid(window)) {
         grid->scroll_position = position;
     }
 }

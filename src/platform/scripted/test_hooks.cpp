@@ -3,10 +3,13 @@
 #include "platform/scripted/test_hooks.h"
 
 #include "platform/scripted/desktop_state.h"
+#include "platform/scripted/line_model.h"
 #include "platform/scripted/message_queue.h"
 #include "platform/scripted/modal.h"
 #include "platform/scripted/person.h"
 #include "platform/scripted/record.h"
+#include "platform/scripted/script_clock.h"
+#include "platform/scripted/workers.h"
 
 #include <algorithm>
 #include <deque>
@@ -85,6 +88,9 @@ const Control* status_control(int id) {
 void reset_desktop() {
     desktop.cols = Desktop().cols;
     desktop.rows = Desktop().rows;
+    hang_up_lines();
+    end_workers();
+    wipe_lines();
     wipe_desktop();
     answers.clear();
     fallback_label.clear();
@@ -150,21 +156,33 @@ WindowHandle make_test_window(WindowProcedure procedure) {
 }
 
 std::string screen_row(int row) {
-    const CellGrid& grid = desktop.main.grid;
+    return pane_row(desktop.main.handle, row);
+}
+
+Cell screen_cell(int col, int row) {
+    return pane_cell(desktop.main.handle, col, row);
+}
+
+std::string pane_row(WindowHandle pane, int row) {
+    const CellGrid* grid = find_grid(pane);
     std::string text;
-    for (int col = 0; row >= 0 && row < grid.rows && col < grid.cols; col++) {
-        text += static_cast<char>(screen_cell(col, row).byte);
+    for (int col = 0; grid != nullptr && row >= 0 && row < grid->rows && col < grid->cols; col++) {
+        text += static_cast<char>(pane_cell(pane, col, row).byte);
     }
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
 }
 
-Cell screen_cell(int col, int row) {
-    const CellGrid& grid = desktop.main.grid;
-    if (col < 0 || row < 0 || col >= grid.cols || row >= grid.rows) {
+Cell pane_cell(WindowHandle pane, int col, int row) {
+    const CellGrid* grid = find_grid(pane);
+    if (grid == nullptr || col < 0 || row < 0 || col >= grid->cols || row >= grid->rows) {
         stop_run("there is no cell " + std::to_string(col) + "," + std::to_string(row));
     }
-    return grid.cells[static_cast<std::size_t>(row * grid.cols + col)];
+    return grid->cells[static_cast<std::size_t>(row * grid->cols + col)];
+}
+
+int focused_control(ViewHandle view) {
+    return find_view(view, "focused_control")->focus_id;
 }
 
 bool caret_shown() {

@@ -64,8 +64,11 @@ void set_window_size(int cols, int rows);
 // the whole program.
 WindowHandle make_test_window(WindowProcedure procedure);
 
-std::string screen_row(int row);     // the bytes of a row of cells, blanks at its end removed
-Cell screen_cell(int col, int row);  // ends the test program outside the grid
+std::string screen_row(int row);                   // the bytes of a row of cells, blanks at its end removed
+Cell screen_cell(int col, int row);                // ends the test program outside the grid
+int focused_control(ViewHandle view);              // id, 0 for none
+std::string pane_row(WindowHandle pane, int row);  // the same of a view's pane
+Cell pane_cell(WindowHandle pane, int col, int row);
 bool caret_shown();
 int caret_cell_col();  // where the caret stands, hidden or not
 int caret_cell_row();

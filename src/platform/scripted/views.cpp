@@ -6,6 +6,7 @@
 #include "platform/scripted/message_queue.h"
 #include "platform/scripted/modal.h"
 #include "platform/scripted/record.h"
+#include "platform/scripted/script_clock.h"
 
 #include <algorithm>
 
@@ -17,13 +18,12 @@ Control make_control(const ControlSpec& spec) {
     const bool hidden = (spec.flags & CONTROL_HIDDEN) != 0;
     const bool disabled = (spec.flags & CONTROL_DISABLED) != 0;
     const bool checked = (spec.flags & CONTROL_CHECKED) != 0;
-    return {&spec, "", hidden, disabled, checked, {}, -1};
-}
-
-bool takes_focus(const Control& control) {
-    const ControlKind kind = control.spec->kind;
-    return kind != ControlKind::TEXT && kind != ControlKind::FRAME && kind != ControlKind::ICON &&
-           !control.hidden && !control.disabled;
+    Control control = {&spec, "", hidden, disabled, checked, {}, -1};
+    if (spec.kind == ControlKind::PANE) {
+        control.pane = ++desktop.last_handle;
+        grid_resize(&control.grid, spec.width, spec.rows);
+    }
+    return control;
 }
 
 ViewHandle add_view(const ViewSpec* spec, WindowProcedure procedure, bool child) {
@@ -31,9 +31,8 @@ ViewHandle add_view(const ViewSpec* spec, WindowProcedure procedure, bool child)
     for (int i = 0; i < spec->control_count; i++) {
         view.controls.push_back(make_control(spec->controls[i]));
     }
-    const auto first = std::find_if(view.controls.begin(), view.controls.end(), takes_focus);
-    if (!child && first != view.controls.end()) {
-        view.focus_id = first->spec->id;
+    if (!child) {
+        focus_first_control(&view);
     }
     desktop.views.emplace(view.handle, view);
     return view.handle;
@@ -59,27 +58,107 @@ Modal* modal_of(ViewHandle view) {
     return found != desktop.modals.end() ? *found : nullptr;
 }
 
-// A radio button and those of its group: up to the next one that starts a group.
-void pick_radio(View* view, int id) {
-    const auto is_radio = [](const Control& control) { return control.spec->kind == ControlKind::RADIO; };
-    const auto starts_group = [&](const Control& control) {
-        return is_radio(control) && (control.spec->flags & CONTROL_GROUP) != 0;
-    };
-    const auto here = std::find_if(view->controls.begin(), view->controls.end(),
-                                   [id](const Control& control) { return control.spec->id == id; });
-    auto first = here;
-    while (first != view->controls.begin() && !starts_group(*first)) {
-        --first;
+// Picks a radio button and lets go of the others of its group.
+void pick_radio(View* view, const Control* picked) {
+    const auto at = static_cast<std::size_t>(picked - view->controls.data());
+    const RadioGroup group = radio_group(view, at);
+    for (std::size_t i = group.first; i < group.behind; i++) {
+        if (view->controls[i].spec->kind == ControlKind::RADIO) {
+            view->controls[i].checked = i == at;
+        }
     }
-    const auto behind = std::find_if(here + 1, view->controls.end(), starts_group);
-    for (auto control = first; control != behind; ++control) {
-        if (is_radio(*control)) {
-            control->checked = control == here;
+}
+
+// A label or button that nothing was written over has its label, a drop-down that can't be typed into the row
+// that is picked.
+std::string text_of(const Control& control) {
+    switch (control.spec->kind) {
+    case ControlKind::FIELD:
+        return control.text;
+    case ControlKind::CHOICE:
+        if (is_typed_into(control)) {
+            return control.text;
+        }
+        return control.selection >= 0 ? control.rows[static_cast<std::size_t>(control.selection)] : "";
+    default:
+        return control.text.empty() && control.spec->label != nullptr ? control.spec->label : control.text;
+    }
+}
+
+// A control that can't have the focus any more leaves it to the first one that can.
+void give_focus_away(ViewHandle handle, const Control& control) {
+    View* view = find_view(handle, "view");
+    if (!view->child && view->focus_id == control.spec->id && !takes_focus(control)) {
+        focus_first_control(view);
+    }
+}
+
+// A button that is held over a pane is let go when its view closes.
+void release_button_over(const View& view) {
+    for (const Control& control : view.controls) {
+        if (control.pane != NO_WINDOW && control.pane == desktop.person.button_surface) {
+            desktop.person.button_down = false;
         }
     }
 }
 
 }  // namespace
+
+bool is_typed_into(const Control& control) {
+    return control.spec->kind == ControlKind::FIELD ||
+           (control.spec->kind == ControlKind::CHOICE && (control.spec->flags & CONTROL_EDITABLE) != 0);
+}
+
+void select_row(Control* list, int index) {
+    const bool there = index >= 0 && index < static_cast<int>(list->rows.size());
+    list->selection = there ? index : -1;
+    if (is_typed_into(*list)) {
+        list->text = there ? list->rows[static_cast<std::size_t>(index)] : "";
+    }
+}
+
+bool takes_focus(const Control& control) {
+    const ControlKind kind = control.spec->kind;
+    return kind != ControlKind::TEXT && kind != ControlKind::FRAME && kind != ControlKind::ICON &&
+           !control.hidden && !control.disabled;
+}
+
+void focus_first_control(View* view) {
+    const auto first = std::find_if(view->controls.begin(), view->controls.end(), takes_focus);
+    view->focus_id = first != view->controls.end() ? first->spec->id : 0;
+}
+
+RadioGroup radio_group(const View* view, std::size_t at) {
+    const auto starts_group = [view](std::size_t i) {
+        const ControlSpec* spec = view->controls[i].spec;
+        return spec->kind == ControlKind::RADIO && (spec->flags & CONTROL_GROUP) != 0;
+    };
+    RadioGroup group = {at, at + 1};
+    while (group.first > 0 && !starts_group(group.first)) {
+        group.first--;
+    }
+    while (group.behind < view->controls.size() && !starts_group(group.behind)) {
+        group.behind++;
+    }
+    return group;
+}
+
+CellGrid* find_grid(WindowHandle surface) {
+    if (surface == NO_WINDOW) {
+        return nullptr;
+    }
+    if (surface == desktop.main.handle) {
+        return &desktop.main.grid;
+    }
+    for (auto& [handle, view] : desktop.views) {
+        for (Control& control : view.controls) {
+            if (control.pane == surface) {
+                return &control.grid;
+            }
+        }
+    }
+    return nullptr;
+}
 
 View* find_view(ViewHandle handle, const char* call) {
     if (handle == NO_WINDOW) {
@@ -117,7 +196,9 @@ int view_run(ViewHandle handle) {
     modal.closing_line = "view " + name + " closed";
     modal.view = handle;
     run_modal(&modal);
-    forget_window(handle);
+    release_button_over(desktop.views.at(handle));
+    forget_messages(handle);
+    forget_timers(handle);
     desktop.views.erase(handle);
     return modal.result;
 }
@@ -177,12 +258,13 @@ void view_set_text(ViewHandle handle, const char* text) {
 
 void view_get_text(ViewHandle handle, int id, char* text, std::size_t size) {
     const Control* control = find_control(handle, id, "view_get_text");
-    copy_text(text, size, control != nullptr ? control->text.c_str() : "");
+    copy_text(text, size, control != nullptr ? text_of(*control).c_str() : "");
 }
 
 void view_hide_control(ViewHandle handle, int id) {
     if (Control* control = find_control(handle, id, "view_hide_control")) {
         control->hidden = true;
+        give_focus_away(handle, *control);
     }
 }
 
@@ -195,6 +277,7 @@ void view_show_control(ViewHandle handle, int id) {
 void view_enable_control(ViewHandle handle, int id, bool enabled) {
     if (Control* control = find_control(handle, id, "view_enable_control")) {
         control->disabled = !enabled;
+        give_focus_away(handle, *control);
     }
 }
 
@@ -210,7 +293,7 @@ void view_check(ViewHandle handle, int id, bool checked) {
         return;
     }
     if (control->spec->kind == ControlKind::RADIO && checked) {
-        pick_radio(find_view(handle, "view_check"), id);
+        pick_radio(find_view(handle, "view_check"), control);
     } else {
         control->checked = checked;
     }
@@ -224,7 +307,7 @@ bool view_checked(ViewHandle handle, int id) {
 void view_clear_list(ViewHandle handle, int id) {
     if (Control* control = find_control(handle, id, "view_clear_list")) {
         control->rows.clear();
-        control->selection = -1;
+        select_row(control, -1);
     }
 }
 
@@ -236,14 +319,18 @@ void view_add_to_list(ViewHandle handle, int id, const char* text) {
 
 void view_select(ViewHandle handle, int id, int index) {
     if (Control* control = find_control(handle, id, "view_select")) {
-        const bool there = index >= 0 && index < static_cast<int>(control->rows.size());
-        control->selection = there ? index : -1;
+        select_row(control, index);
     }
 }
 
 int view_selection(ViewHandle handle, int id) {
     const Control* control = find_control(handle, id, "view_selection");
     return control != nullptr ? control->selection : -1;
+}
+
+WindowHandle view_pane(ViewHandle handle, int id) {
+    const Control* control = find_control(handle, id, "view_pane");
+    return control != nullptr ? control->pane : NO_WINDOW;
 }
 
 // ---- Drawing -----------------------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include "platform/common/cell_grid.h"
 #include "platform/common/code_page.h"
 #include "platform/common/input_rules.h"
+#include "platform/text.h"
 
 #include <gtest/gtest.h>
 
@@ -70,6 +71,52 @@ TEST(CodePage, EveryByteShowsAsOneCharacterThatComesBack) {
     EXPECT_EQ(unicode_to_byte(0x0178), 0x9F);
     EXPECT_EQ(unicode_to_byte(0x0100), -1);
     EXPECT_EQ(unicode_to_byte('\t'), '\t');
+}
+
+TEST(CodePage, TextsTurnIntoBytesAndBack) {
+    std::string all;
+    for (int byte = 1; byte < 256; byte++) {
+        all += static_cast<char>(byte);
+    }
+    char text[1024];
+    char bytes[256];
+    EXPECT_EQ(bytes_to_text(text, sizeof text, all.c_str()), 1);
+    EXPECT_EQ(text_to_bytes(bytes, sizeof bytes, text), 1);
+    EXPECT_EQ(bytes, all);
+
+    const struct {
+        const char* text;
+        std::size_t size;
+        const char* bytes;
+        int whole;
+    } cases[] = {
+        {"\xC3\x96L", 9, "\xD6L", 1},
+        {"\xE2\x82\xAC 5", 9, "\x80 5", 1},
+        {"\xCE\xA9m", 9, "?m", 0},
+        {"\xF0\x9F\x98\x80x", 9, "?x", 0},
+        {"a\xC3", 9, "a?", 0},
+        {"\xC3(b", 9, "?(b", 0},
+        {"\xFF\x80z", 9, "??z", 0},
+        {"abc", 3, "ab", 0},
+        {"\xC3\x96\xC3\x96", 3, "\xD6\xD6", 1},
+        {"", 1, "", 1},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(text_to_bytes(bytes, c.size, c.text), c.whole) << c.text;
+        EXPECT_STREQ(bytes, c.bytes);
+    }
+    EXPECT_EQ(bytes_to_text(text, 4, "a\xD6\xD6"), 0);
+    EXPECT_STREQ(text, "a\xC3\x96");
+}
+
+TEST(InputRules, CapitalsOnlyWhereTheRuleWantsThem) {
+    const InputRule capitals = {0, nullptr, 0, 0, nullptr, nullptr, nullptr, true};
+    const InputRule plain = {0, nullptr, 0, 0, nullptr, nullptr, nullptr};
+    for (const char* pair : {"aA", "zZ", "AA", "{{", "``", "\xE4\xE4"}) {
+        EXPECT_EQ(field_character(&capitals, pair[0]), pair[1]);
+        EXPECT_EQ(field_character(&plain, pair[0]), pair[0]);
+    }
+    EXPECT_EQ(field_character(nullptr, 'a'), 'a');
 }
 
 TEST(InputRules, LimitCharactersAndRange) {

@@ -1,13 +1,13 @@
 // When a text in a row matches, and which line number a row begins with.
 
-#include "search/search_internal.h"
-#include "store/store_fault.h"
-#include "support/program_test.h"
-
-#include "frame/child.h"
-
 #include <algorithm>
 #include <cstring>
+
+#include "frame/child.h"
+#include "platform/scripted/test_hooks.h"
+#include "search/search_internal.h"
+#include "store/row_table.h"
+#include "support/program_test.h"
 
 namespace hexlane {
 namespace {

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <functional>
@@ -152,29 +153,27 @@ private:
     std::thread thread;
 };
 
-// How often a thread of ours has gone to sleep so far: it does so once for each time that it was woken.
-inline long sleeps_of(int thread_id) {
-    std::string path = "/proc/self/task/" + std::to_string(thread_id) + "/status";
+// Nanoseconds that a thread of ours has run so far.
+inline long long run_time_of(int thread_id) {
+    const std::string path = "/proc/self/task/" + std::to_string(thread_id) + "/schedstat";
     std::FILE* file = std::fopen(path.c_str(), "re");
-    long count = -1;
-    char line[256];
-    while (file != nullptr && std::fgets(line, sizeof line, file) != nullptr) {
-        std::sscanf(line, "voluntary_ctxt_switches: %ld", &count);
+    long long time = -1;
+    if (file == nullptr || std::fscanf(file, "%lld", &time) != 1) {
+        ADD_FAILURE() << "no run time of thread " << thread_id;
     }
     if (file != nullptr) {
         std::fclose(file);
     }
-    EXPECT_GE(count, 0);
-    return count;
+    return time;
 }
 
-// Whether a thread sleeps through a fifth of a second. It may have been on its way to bed.
+// Whether a thread goes to sleep and then uses no time at all for a fifth of a second.
 inline void expect_asleep(int thread_id) {
     wait_for(
         [&] {
-            const long before = sleeps_of(thread_id);
+            const long long before = run_time_of(thread_id);
             std::this_thread::sleep_for(200ms);
-            return sleeps_of(thread_id) == before;
+            return run_time_of(thread_id) == before;
         },
         3s);
 }

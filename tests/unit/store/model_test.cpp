@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 
+#include "store/cut_file.h"
 #include "store/load.h"
 #include "store/row_edits.h"
 #include "store/save.h"
@@ -41,6 +42,7 @@ public:
 
     void load(std::string file) {
         rows.clear();
+        cut.clear();
         if (file.empty())
             file = "\r\n";
         std::size_t start = 0;
@@ -92,6 +94,15 @@ public:
             rows.insert(at(i), {"", "", 'B'});
     }
 
+    void copy(std::size_t i, std::size_t count) { cut.assign(at(i), at(i + count)); }
+
+    void paste(std::size_t i) {
+        for (std::size_t row = 0; row < cut.size(); row++)
+            insert_blank(i);
+        for (std::size_t row = 0; row < cut.size(); row++)
+            rows[i + row] = {cut[row].text, "", 'C'};
+    }
+
     void split(std::size_t i, std::size_t column) {
         if (column == 0) {
             insert_blank(i);
@@ -125,6 +136,7 @@ public:
     }
 
     std::vector<ModelRow> rows;
+    std::vector<ModelRow> cut;
 
 private:
     std::vector<ModelRow>::iterator at(std::size_t i) {
@@ -191,7 +203,7 @@ void ModelTest::run(unsigned seed, int steps) {
         SCOPED_TRACE("seed " + std::to_string(seed) + " step " + std::to_string(step));
         const std::size_t i = random() % model.rows.size();
         const auto row = static_cast<int32_t>(i);
-        switch (random() % 12) {
+        switch (random() % 14) {
         case 0:
         case 1:
         case 2: {
@@ -233,6 +245,19 @@ void ModelTest::run(unsigned seed, int steps) {
             ASSERT_TRUE(insert_blank_rows(row, 1));
             child[0].modified = 1;
             model.insert_blank(i);
+            break;
+        case 11: {
+            const std::size_t count = std::min(1 + random() % 12, model.rows.size() - i);
+            ASSERT_TRUE(copy_rows_to_cut_file(row, static_cast<int32_t>(count)));
+            model.copy(i, count);
+            break;
+        }
+        case 12:
+            if (model.cut.empty() || model.rows.size() > 120)
+                break;
+            ASSERT_TRUE(paste_rows_from_cut_file(row, static_cast<int32_t>(model.cut.size())));
+            child[0].modified = 1;
+            model.paste(i);
             break;
         default: {
             ASSERT_TRUE(save_file());

@@ -1,0 +1,64 @@
+// common.cpp: the helpers of cli.h.
+
+#include "cli/cli.h"
+
+#include "dnc/machine_table.h"
+#include "frame/directories.h"
+#include "platform/files.h"
+
+#include <charconv>
+#include <cstdio>
+#include <system_error>
+
+namespace hexlane {
+
+using namespace platform;
+
+int refuse(int code, const std::string& reason) {
+    std::fprintf(stderr, "hexlane-cli: %s\n", reason.c_str());
+    return code;
+}
+
+int refuse_use(const std::string& reason) {
+    return refuse(EXIT_BAD_USE, reason + "; --help tells more");
+}
+
+bool read_number(const std::string& text, int64_t low, int64_t high, int64_t* value) {
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, *value);
+    return error == std::errc{} && stop == end && *value >= low && *value <= high;
+}
+
+int find_machine(const std::string& text) {
+    int64_t number = 0;
+    if (read_number(text, 1, MACHINE_COUNT, &number))
+        return static_cast<int>(number) - 1;
+    int found = -1;
+    for (int i = 0; i < MACHINE_COUNT; i++) {
+        char name[MACHINE_NAME_SIZE];
+        copy_text(name, sizeof name, machine_table[i].name);
+        if (!equal_ignoring_case(name, text.c_str()))
+            continue;
+        if (found >= 0)
+            return -1;
+        found = i;
+    }
+    return found;
+}
+
+std::string load_machines() {
+    if (!find_home())
+        return "there is no folder for the program's files: set HEXLANE_HOME to one";
+    create_directories();
+    const char* path = directories.parameter_file_path;
+    if (path_kind(path) != PathKind::NONE) {
+        const FileHandle file = file_open(path, FileAccess::READ_WRITE);
+        if (file == NO_FILE)
+            return std::string("cannot open ") + path + ": " + file_error_text(last_file_error());
+        file_close(file);
+    }
+    load_machine_table();
+    return "";
+}
+
+}  // namespace hexlane

@@ -1,0 +1,74 @@
+// progress.cpp: the line on standard error while a transfer runs.
+
+#include "cli/transfer_run.h"
+
+#include <cinttypes>
+#include <cstdio>
+#include <ctime>
+#include <unistd.h>
+
+namespace hexlane {
+
+namespace {
+
+bool on_terminal = false;
+bool line_open = false;  // the terminal's line holds a progress that is not ended
+
+double seconds_so_far() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(static_cast<int64_t>(now.tv_sec) * 1'000'000'000 + now.tv_nsec -
+                               run.start_tick_ns) /
+           1e9;
+}
+
+const char* state_text() {
+    if (run.held)
+        return "  held by the machine";
+    switch (run.status) {
+    case SEND_STANDBY:
+        return "  waits for the machine's request";
+    case RECEIVE_STANDBY:
+        return "  waits for the machine";
+    default:
+        return "";
+    }
+}
+
+// The filters are a buffer ahead of the line, so a per cent is theirs.
+void print_amount() {
+    const double seconds = seconds_so_far();
+    const double rate = seconds > 0 ? static_cast<double>(run.tally.line_bytes) / seconds : 0;
+    std::fprintf(stderr, "%" PRId64 " bytes", run.tally.file_bytes);
+    if (run.sending && run.file_size > 0)
+        std::fprintf(stderr, " of %" PRId64 "  %" PRId64 " %%", run.file_size,
+                     run.tally.file_bytes * 100 / run.file_size);
+    std::fprintf(stderr, "  %.0f bytes/s%s", rate, state_text());
+}
+
+}  // namespace
+
+void begin_progress() {
+    on_terminal = isatty(STDERR_FILENO) != 0;
+    if (on_terminal)
+        return;
+    std::fprintf(stderr, run.sending ? "sending %s to %s\n" : "receiving %s from %s\n",
+                 run.options.file.c_str(), port_text().c_str());
+}
+
+void show_progress() {
+    if (!on_terminal)
+        return;
+    line_open = true;
+    std::fputs("\r\x1b[K", stderr);
+    print_amount();
+    std::fflush(stderr);
+}
+
+void end_progress() {
+    if (line_open)
+        std::fputc('\n', stderr);
+    line_open = false;
+}
+
+}  // namespace hexlane

@@ -1,0 +1,195 @@
+// transfer_run.cpp: a port, a message loop and the timers around one transfer of the engine.
+
+#include "cli/transfer_run.h"
+
+#include "dnc/machine_fields.h"
+#include "dnc/machine_table.h"
+#include "dnc/port_engine.h"
+#include "dnc/transfer.h"
+#include "frame/child.h"
+#include "platform/console/console.h"
+#include "platform/desktop.h"
+#include "platform/serial.h"
+
+#include <ctime>
+
+namespace hexlane {
+
+using namespace platform;
+
+TransferRun run;
+
+namespace {
+
+constexpr int SLOT = 0;
+constexpr uint32_t STOP_MESSAGE = 0x8100;
+constexpr int LOOK_TIMER = 1;
+constexpr int LOOK_PERIOD_MS = 50;
+constexpr int LOOKS_PER_PROGRESS = 4;
+constexpr int64_t NS_PER_SECOND = 1'000'000'000;
+
+int64_t time_ns() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<int64_t>(now.tv_sec) * NS_PER_SECOND + now.tv_nsec;
+}
+
+// What the worker changes, as it stands now.
+void take_numbers() {
+    const TransferState& t = transfer_state[SLOT];
+    const LockGuard guard(port_slot[SLOT].step_lock);
+    run.tally = t.tally;
+    run.status = t.status;
+    run.fault = t.fault;
+}
+
+// The first end that comes is the one.
+void note_end() {
+    if (run.end_tick_ns != 0)
+        return;
+    run.end_tick_ns = time_ns();
+    run.end_time = std::time(nullptr);
+    take_numbers();
+}
+
+void stop_transfer() {
+    note_end();
+    if (port_slot[SLOT].write_running)
+        run.cut_bytes = line_written(port_slot[SLOT].port_handle);
+    port_close(SLOT);
+    post_quit(0);
+}
+
+// Closing may find that the medium did not take the last of a received file.
+void end_if_closed() {
+    if (port_slot[SLOT].connected)
+        return;
+    run.fault = transfer_state[SLOT].fault;
+    post_quit(0);
+}
+
+// The engine's own time-out closes the port and shows a box, which would come into the end time; so the
+// numbers are taken ahead of every look.
+void look(int64_t now) {
+    static int64_t last_look = now;
+    static int looks = 0;
+    take_numbers();
+    run.held = line_held(port_slot[SLOT].port_handle);
+    run.held_ns += run.held ? now - last_look : 0;
+    last_look = now;
+    if (++looks % LOOKS_PER_PROGRESS == 0)
+        show_progress();
+    const int64_t waited = now - run.start_tick_ns;
+    if (run.options.wait_s != 0 && run.status == RECEIVE_STANDBY &&
+        waited >= run.options.wait_s * NS_PER_SECOND) {
+        run.nothing_came = true;
+        stop_transfer();
+        return;
+    }
+    check_receive_timeout(SLOT);
+    if (!port_slot[SLOT].connected)
+        note_end();
+    end_if_closed();
+}
+
+int64_t handle_message(WindowHandle, uint32_t message, int64_t first, int64_t second) {
+    if (!port_slot[SLOT].connected)
+        return 0;
+    switch (message) {
+    case TRANSFER_DONE_MESSAGE:
+        note_end();
+        finish_transfer(static_cast<int>(first), second);
+        end_if_closed();
+        break;
+    case TRANSFER_FAILED_MESSAGE:
+        note_end();
+        finish_failed_transfer(static_cast<int>(first), second);
+        end_if_closed();
+        break;
+    case STOP_MESSAGE:
+        run.stopped = true;
+        stop_transfer();
+        break;
+    case WM_TIMER:
+        look(time_ns());
+        break;
+    default:
+        break;
+    }
+    return 0;
+}
+
+// "COM2" in any case, 1 to 4; 0 for the name of a device.
+int com_number(const std::string& port) {
+    for (int com = 1; com <= PORT_COUNT; com++) {
+        if (equal_ignoring_case(port.c_str(), ("COM" + std::to_string(com)).c_str()))
+            return com;
+    }
+    return 0;
+}
+
+// For this run alone: the table is not saved.
+void use_options(MachineParams* machine) {
+    const int com = com_number(run.options.port);
+    if (com != 0)
+        set_field(machine, Field::PORT_INDEX, com - 1);
+    if (run.options.timeout_s != 0)
+        set_field(machine, Field::RECEIVE_TIMEOUT_S, static_cast<int>(run.options.timeout_s));
+    run.com = machine_setting(*machine, Field::PORT_INDEX) + 1;
+    if (com == 0 && !run.options.port.empty())
+        line_set_device(run.com, run.options.port.c_str());
+    line_device(run.com, run.device, sizeof run.device);
+}
+
+int exit_code() {
+    if (run.nothing_came)
+        return EXIT_NOTHING_CAME;
+    if (run.stopped)
+        return EXIT_STOPPED;
+    const bool done = run.sending ? run.status == SEND_DONE : run.status == RECEIVE_DONE;
+    return done && run.fault == TransferFault::NONE ? EXIT_COMPLETE : EXIT_NOT_COMPLETE;
+}
+
+}  // namespace
+
+std::string port_text() {
+    return "COM" + std::to_string(run.com) + " (" + run.device + ")";
+}
+
+int open_transfer_port() {
+    run.machine = run.options.machine.empty() ? slot_machine[SLOT] : find_machine(run.options.machine);
+    if (run.machine < 0)
+        return refuse_use("there is no machine '" + run.options.machine + "', or more than one of that name");
+    MachineParams& machine = machine_table[run.machine];
+    use_options(&machine);
+    if (run.options.queue && machine_setting(machine, Field::HANDSHAKE) == HANDSHAKE_HARDWARE)
+        return refuse_use("machine " + std::to_string(run.machine + 1) +
+                          " has the hardware handshake: it cannot ask with DC1, so --queue makes no sense");
+    start_console();
+    child[0].main_window = make_console_window(handle_message);
+    before_box = end_progress;
+    slot_machine[SLOT] = run.machine;
+    transfer_state[SLOT].start_now = run.options.queue ? 0 : 1;
+    transfer_state[SLOT].file_handle = NO_FILE;
+    if (port_init(SLOT, machine) != 1)
+        return refuse(EXIT_CANNOT, "cannot make a lock");
+    if (!port_open(SLOT))
+        return refuse(EXIT_CANNOT, "cannot open " + port_text() + ". " + line_problem_text());
+    LineSettings settings = {};
+    run.rate = line_settings(port_slot[SLOT].port_handle, &settings) ? settings.baud_rate : 0;
+    run.start_tick_ns = time_ns();
+    run.start_time = std::time(nullptr);
+    return EXIT_COMPLETE;
+}
+
+int run_transfer() {
+    post_signals(child[0].main_window, STOP_MESSAGE);
+    begin_progress();
+    start_timer(child[0].main_window, LOOK_TIMER, LOOK_PERIOD_MS);
+    run_message_loop();
+    kill_timer(child[0].main_window, LOOK_TIMER);
+    end_progress();
+    return exit_code();
+}
+
+}  // namespace hexlane

@@ -1,0 +1,249 @@
+// activity_view.cpp: the view COMMDLG. Its timer serves the two rows in turn; the rows themselves belong to
+// the transfers, which go on when the view is closed.
+
+#include "dnc/activity.h"
+#include "dnc/machine_fields.h"
+#include "dnc/port_engine.h"
+#include "dnc/transfer_state.h"
+#include "dnc/view_controls.h"
+#include "frame/child.h"
+#include "frame/command_state.h"
+#include "frame/views.h"
+#include "platform/desktop.h"
+#include "platform/text.h"
+
+#include <cstring>
+#include <iterator>
+
+namespace hexlane {
+
+using namespace platform;
+
+int32_t send_slot = 0;
+
+namespace {
+
+constexpr int TICK_TIMER = 1;
+constexpr int TICK_MS = 400;
+
+// Ids of a row's controls: these behind 100 for slot 0 and behind 200 for slot 1.
+constexpr int16_t MACHINE_LIST = 1;
+constexpr int16_t PORT_TEXT = 2;
+constexpr int16_t FILE_TEXT = 3;
+constexpr int16_t FILE_BUTTON = 4;
+constexpr int16_t STATUS_TEXT = 5;
+constexpr int16_t SEND_BUTTON = 6;
+constexpr int16_t RECEIVE_BUTTON = 7;
+constexpr int16_t STOP_BUTTON = 8;
+constexpr int16_t TERMINAL_BUTTON = 9;
+constexpr int16_t ROW_IDS = 100;
+
+constexpr int16_t id_of(int slot, int16_t control) {
+    return static_cast<int16_t>(ROW_IDS * (slot + 1) + control);
+}
+
+constexpr std::size_t NAME_SHOWN_WHOLE = 19;  // characters
+constexpr std::size_t NAME_END_SHOWN = 17;
+
+constexpr ControlSpec CONTROLS[] = {
+    {301, ControlKind::TEXT, "Machine Name", 0, 0, 1, 1, 0, 0, nullptr},
+    {302, ControlKind::TEXT, "Port", 0, 1, 1, 1, 0, 0, nullptr},
+    {303, ControlKind::TEXT, "   File Name", 0, 2, 1, 2, 0, 0, nullptr},
+    {304, ControlKind::TEXT, "Status", 0, 4, 1, 1, 0, 0, nullptr},
+
+    {id_of(0, MACHINE_LIST), ControlKind::CHOICE, "", 1, 0, 1, 1, 20, 0, nullptr},
+    {id_of(0, PORT_TEXT), ControlKind::TEXT, "", 1, 1, 1, 1, 3, CONTROL_SUNKEN, nullptr},
+    {id_of(0, FILE_TEXT), ControlKind::TEXT, "", 1, 2, 1, 1, 20, CONTROL_SUNKEN, nullptr},
+    {id_of(0, FILE_BUTTON), ControlKind::BUTTON, "...", 1, 3, 1, 1, 0, 0, nullptr},
+    {id_of(0, STATUS_TEXT), ControlKind::TEXT, "Inactive ...", 1, 4, 1, 1, 30, CONTROL_SUNKEN, nullptr},
+    {id_of(0, SEND_BUTTON), ControlKind::BUTTON, "&Send", 1, 5, 1, 1, 0, 0, nullptr},
+    {id_of(0, RECEIVE_BUTTON), ControlKind::BUTTON, "&Receive", 1, 6, 1, 1, 0, 0, nullptr},
+    {id_of(0, STOP_BUTTON), ControlKind::BUTTON, "S&top", 1, 7, 1, 1, 0, 0, nullptr},
+    {id_of(0, TERMINAL_BUTTON), ControlKind::BUTTON, "Ter&minal", 1, 8, 1, 1, 0, 0, nullptr},
+
+    {id_of(1, MACHINE_LIST), ControlKind::CHOICE, "", 2, 0, 1, 1, 20, 0, nullptr},
+    {id_of(1, PORT_TEXT), ControlKind::TEXT, "", 2, 1, 1, 1, 3, CONTROL_SUNKEN, nullptr},
+    {id_of(1, FILE_TEXT), ControlKind::TEXT, "", 2, 2, 1, 1, 20, CONTROL_SUNKEN, nullptr},
+    {id_of(1, FILE_BUTTON), ControlKind::BUTTON, "...", 2, 3, 1, 1, 0, 0, nullptr},
+    {id_of(1, STATUS_TEXT), ControlKind::TEXT, "Inactive ...", 2, 4, 1, 1, 30, CONTROL_SUNKEN, nullptr},
+    {id_of(1, SEND_BUTTON), ControlKind::BUTTON, "S&end", 2, 5, 1, 1, 0, 0, nullptr},
+    {id_of(1, RECEIVE_BUTTON), ControlKind::BUTTON, "Re&ceive", 2, 6, 1, 1, 0, 0, nullptr},
+    {id_of(1, STOP_BUTTON), ControlKind::BUTTON, "St&op", 2, 7, 1, 1, 0, 0, nullptr},
+    {id_of(1, TERMINAL_BUTTON), ControlKind::BUTTON, "Term&inal", 2, 8, 1, 1, 0, 0, nullptr},
+
+    {CANCEL_BUTTON, ControlKind::BUTTON, "Return to E&ditor", 3, 0, 1, 9, 0,
+     CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
+};
+constexpr ViewSpec ACTIVITY_VIEW = {"COMMDLG", "Communications Activity Screen", 0, CONTROLS,
+                                    static_cast<int16_t>(std::size(CONTROLS))};
+
+int activity_row = 0;        // the row that the next tick serves
+bool activity_busy = false;  // a tick is being served
+
+void enable_row(ViewHandle view, int slot, bool enabled) {
+    for (const int16_t button : {FILE_BUTTON, SEND_BUTTON, RECEIVE_BUTTON, TERMINAL_BUTTON})
+        view_enable_control(view, id_of(slot, button), enabled);
+}
+
+void refresh_row(ViewHandle view, int slot) {
+    const int list = id_of(slot, MACHINE_LIST);
+    view_clear_list(view, list);
+    for (const MachineParams& machine : machine_table) {
+        char name[MACHINE_NAME_SIZE];
+        copy_text(name, sizeof name, machine.name);
+        view_add_to_list(view, list, name);
+    }
+    view_select(view, list, slot_machine[slot]);
+    char port[8];
+    format_text(port, sizeof port, "%d", machine_setting(machine_of_slot(slot), Field::PORT_INDEX) + 1);
+    put_text(view, id_of(slot, PORT_TEXT), port);
+
+    const char* name = transfer_state[slot].file_name;
+    char shown[PATH_SIZE + 2];
+    const std::size_t length = std::strlen(name);
+    if (length > NAME_SHOWN_WHOLE)
+        format_text(shown, sizeof shown, "..%s", name + length - NAME_END_SHOWN);
+    else
+        copy_text(shown, sizeof shown, name);
+    put_text(view, id_of(slot, FILE_TEXT), shown);
+}
+
+void refresh_rows(ViewHandle view) {
+    for (int slot = 0; slot < SLOT_COUNT; slot++)
+        refresh_row(view, slot);
+}
+
+// The share of the file that has gone out, a start point's part of it included.
+void format_sending(int slot, char* text, std::size_t size) {
+    const TransferState& t = transfer_state[slot];
+    const int64_t whole = static_cast<int64_t>(t.total_bytes) + t.start_offset;
+    const float percent =
+        whole <= 0 ? 100.0F : static_cast<float>(t.bytes_done) / static_cast<float>(whole) * 100.0F;
+    const char* word = percent == 100.0F ? "Sent     " : "Sending     ";
+    if (percent < 1.0F)
+        format_text(text, size, "%s%1.1f%% ...", word, static_cast<double>(percent));
+    else
+        format_text(text, size, "%s%d%% ...", word, static_cast<int>(percent));
+}
+
+void format_status(int slot, char* text, std::size_t size) {
+    const TransferState& t = transfer_state[slot];
+    switch (t.status) {
+    case SENDING:
+        format_sending(slot, text, size);
+        break;
+    case SEND_STANDBY:
+        copy_text(text, size, "Send Standby...    ");
+        break;
+    case SEND_DONE:
+        copy_text(text, size, "Sent 100%...    ");
+        break;
+    case RECEIVING:
+        format_text(text, size, "Receiving    %d  bytes...", t.bytes_done.load());
+        break;
+    case RECEIVE_STANDBY:
+        copy_text(text, size, "Receive Standby...    ");
+        break;
+    case RECEIVE_DONE:
+        format_text(text, size, "Received  %d  bytes...", t.bytes_done.load());
+        break;
+    default:
+        copy_text(text, size, "Inactive ...");
+    }
+}
+
+void serve_row(ViewHandle view, int slot) {
+    const TransferState& t = transfer_state[slot];
+    const int8_t status = t.status;
+    if (status == XON_SEEN)
+        return;
+    if (status == RECEIVE_DONE)
+        refresh_rows(view);
+    enable_row(view, slot, !slot_is_busy(slot));
+    if (status == SENDING && t.bytes_done == 0)
+        return;  // the text waits for the first byte
+    char text[64];
+    format_status(slot, text, sizeof text);
+    put_text(view, id_of(slot, STATUS_TEXT), text);
+}
+
+void on_tick(ViewHandle view) {
+    if (activity_busy)
+        return;
+    activity_busy = true;
+    activity_row = 1 - activity_row;
+    serve_row(view, activity_row);
+    activity_busy = false;
+}
+
+void choose_machine(ViewHandle view, int slot) {
+    const int selected = view_selection(view, id_of(slot, MACHINE_LIST));
+    if (selected < 0 || selected >= MACHINE_COUNT || selected == slot_machine[slot])
+        return;
+    {
+        const BothSlotsGuard guard;
+        slot_machine[slot] = selected;
+    }
+    refresh_rows(view);
+}
+
+void on_control(ViewHandle view, int slot, int control) {
+    switch (control) {
+    case MACHINE_LIST:
+        choose_machine(view, slot);
+        return;
+    case FILE_BUTTON:
+        press_file(slot);
+        break;
+    case SEND_BUTTON:
+        press_send(slot);
+        if (slot_is_busy(slot))
+            put_text(view, id_of(slot, STATUS_TEXT), "Send Standby    ");
+        break;
+    case RECEIVE_BUTTON:
+        press_receive(slot);
+        break;
+    case STOP_BUTTON:
+        press_stop(slot);
+        break;
+    case TERMINAL_BUTTON:
+        press_terminal(slot);
+        break;
+    default:
+        return;
+    }
+    refresh_rows(view);
+}
+
+int64_t activity_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
+    view_attach(view);
+    if (message == WM_INITDIALOG) {
+        refresh_rows(view);
+        for (int slot = 0; slot < SLOT_COUNT; slot++)
+            serve_row(view, slot);
+        start_timer(view, TICK_TIMER, TICK_MS);
+        return 1;
+    }
+    if (message == WM_TIMER) {
+        on_tick(view);
+        return 1;
+    }
+    const int id = low_word(first);
+    if (message == WM_COMMAND && id > ROW_IDS && id < 3 * ROW_IDS) {
+        on_control(view, id / ROW_IDS - 1, id % ROW_IDS);
+        return 1;
+    }
+    if (message == WM_CLOSE || (message == WM_COMMAND && id == CANCEL_BUTTON))
+        kill_timer(view, TICK_TIMER);
+    return view_default(view, message, first, second);
+}
+
+}  // namespace
+
+void command_activity() {
+    show_view(&ACTIVITY_VIEW, activity_proc);
+    set_ui_timer(UI_TIMER_SLOW);
+    update_menus(child[0].main_window);
+}
+
+}  // namespace hexlane

@@ -1,0 +1,145 @@
+#include "dnc/row_index.h"
+
+#include "frame/directories.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace hexlane {
+
+using namespace platform;
+
+namespace {
+
+constexpr int READ_SIZE = 1 << 16;
+constexpr int OFFSET_SIZE = 4;
+constexpr int WAITING_MAX = 1024;  // offsets collected for one write of the temporary file
+
+uint32_t offsets[ROW_TABLE_SIZE];
+int32_t count = 0;
+FileHandle viewed_file = NO_FILE;
+FileHandle index_file = NO_FILE;
+char index_path[PATH_SIZE];
+uint8_t waiting[WAITING_MAX * OFFSET_SIZE];
+int waiting_count = 0;
+int64_t index_length = 0;
+
+void put_offset(uint8_t* bytes, uint32_t offset) {
+    for (int i = 0; i < OFFSET_SIZE; i++)
+        bytes[i] = static_cast<uint8_t>(offset >> (8 * i) & 0xFF);
+}
+
+int write_waiting() {
+    const auto size = static_cast<std::size_t>(waiting_count) * OFFSET_SIZE;
+    if (size == 0)
+        return 1;
+    if (!file_write_at(index_file, index_length, waiting, size))
+        return 0;
+    index_length += static_cast<int64_t>(size);
+    waiting_count = 0;
+    return 1;
+}
+
+int make_index_file() {
+    if (!format_text(index_path, sizeof index_path, "%s/%sidx.twr", directories.temp_dir,
+                     directories.temp_prefix))
+        return 0;
+    delete_file(index_path);
+    index_file = file_create(index_path, FileCreate::PRIVATE);
+    return index_file != NO_FILE;
+}
+
+int add_row(uint32_t offset) {
+    const int32_t row = ++count;
+    if (row < ROW_TABLE_SIZE) {
+        offsets[row] = offset;
+        return 1;
+    }
+    if (index_file == NO_FILE && !make_index_file())
+        return 0;
+    put_offset(waiting + waiting_count * OFFSET_SIZE, offset);
+    return ++waiting_count < WAITING_MAX || write_waiting();
+}
+
+int scan() {
+    static uint8_t block[READ_SIZE];
+    int64_t position = 0;
+    for (;;) {
+        const int64_t length = file_read_at(viewed_file, position, block, sizeof block);
+        if (length < 0)
+            return 0;
+        if (length == 0)
+            return write_waiting();
+        for (int64_t i = 0; i < length; i++) {
+            if ((block[i] == '\n' || block[i] == '\0') && !add_row(static_cast<uint32_t>(position + i + 1)))
+                return 0;
+        }
+        position += length;
+    }
+}
+
+}  // namespace
+
+int open_row_index(const char* path) {
+    close_row_index();
+    viewed_file = file_open(path, FileAccess::READ);
+    if (viewed_file == NO_FILE)
+        return 0;
+    offsets[0] = 0;
+    return scan();
+}
+
+void close_row_index() {
+    if (viewed_file != NO_FILE)
+        file_close(viewed_file);
+    if (index_file != NO_FILE) {
+        file_close(index_file);
+        delete_file(index_path);
+    }
+    viewed_file = NO_FILE;
+    index_file = NO_FILE;
+    count = 0;
+    waiting_count = 0;
+    index_length = 0;
+}
+
+int32_t row_count() {
+    return count;
+}
+
+int64_t row_offset(int32_t row) {
+    if (row < 0 || row > count)
+        return -1;
+    if (row < ROW_TABLE_SIZE)
+        return offsets[row];
+    uint8_t bytes[OFFSET_SIZE];
+    const int64_t place = static_cast<int64_t>(row - ROW_TABLE_SIZE) * OFFSET_SIZE;
+    if (file_read_at(index_file, place, bytes, sizeof bytes) != OFFSET_SIZE)
+        return -1;
+    uint32_t offset = 0;
+    for (int i = 0; i < OFFSET_SIZE; i++)
+        offset |= static_cast<uint32_t>(bytes[i]) << (8 * i);
+    return offset;
+}
+
+void read_row_text(int32_t row, char* text) {
+    std::memset(text, 0, ROW_TEXT_LIMIT + 1);
+    const int64_t offset = row_offset(row);
+    if (offset < 0 || row >= count)
+        return;
+    const int64_t length = file_read_at(viewed_file, offset, text, ROW_TEXT_LIMIT);
+    if (length < 0) {
+        text[0] = '\0';
+        return;
+    }
+    char* end = std::find_if(text, text + length, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+    std::fill(end, text + ROW_TEXT_LIMIT + 1, '\0');
+}
+
+int64_t indexed_file_size() {
+    return viewed_file == NO_FILE ? -1 : file_size(viewed_file);
+}
+
+}  // namespace hexlane

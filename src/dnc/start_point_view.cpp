@@ -1,0 +1,424 @@
+// start_point_view.cpp: the view StartPoint: the file on disk, read-only, its cursor and its marks.
+
+#include "dnc/activity.h"
+#include "dnc/dnc_texts.h"
+#include "dnc/port_engine.h"
+#include "dnc/row_index.h"
+#include "dnc/start_point.h"
+#include "dnc/start_point_internal.h"
+#include "dnc/transfer.h"
+#include "dnc/view_controls.h"
+#include "frame/main_window.h"
+#include "frame/views.h"
+#include "platform/desktop.h"
+#include "platform/keys.h"
+#include "platform/surface.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <utility>
+
+namespace hexlane {
+
+using namespace platform;
+
+StartPoint start_point;
+
+namespace {
+
+constexpr int16_t FILE_TEXT = 101;
+constexpr int16_t ROWS_PANE = 102;
+constexpr int16_t START_BUTTON = 103;
+constexpr int16_t START_LABEL = 104;
+constexpr int16_t END_BUTTON = 105;
+constexpr int16_t END_LABEL = 106;
+constexpr int16_t RESET_BUTTON = 107;
+constexpr int16_t SEARCH_BUTTON = 108;
+constexpr int16_t FEED_BUTTON = 109;
+
+constexpr int PANE_ROWS = 18;
+constexpr int PANE_COLUMNS = 82;
+constexpr int SCREEN_LINES = PANE_ROWS - 1;  // lines 0 to SCREEN_LINES are drawn
+constexpr int SCREEN_COLUMNS = PANE_COLUMNS - 1;
+constexpr int SCROLL_MAX = 30000;
+constexpr int BLOCK_LABEL_LIMIT = 27;  // characters
+constexpr Color RED = 0x0000FF;
+
+constexpr ControlSpec CONTROLS[] = {
+    {FILE_TEXT, ControlKind::TEXT, "", 0, 0, 1, 4, 60, CONTROL_SUNKEN, nullptr},
+    {ROWS_PANE, ControlKind::PANE, "ROWS", 1, 0, PANE_ROWS, 4, PANE_COLUMNS, 0, nullptr},
+    {201, ControlKind::TEXT, "Click right mouse button to select", PANE_ROWS + 1, 0, 1, 4, 0, 0, nullptr},
+    {START_BUTTON, ControlKind::BUTTON, "S&tart Block", PANE_ROWS + 2, 0, 1, 1, 0, 0, nullptr},
+    {START_LABEL, ControlKind::TEXT, "", PANE_ROWS + 2, 1, 1, 1, BLOCK_LABEL_LIMIT, CONTROL_SUNKEN, nullptr},
+    {END_BUTTON, ControlKind::BUTTON, "&End Block", PANE_ROWS + 2, 2, 1, 1, 0, 0, nullptr},
+    {END_LABEL, ControlKind::TEXT, "", PANE_ROWS + 2, 3, 1, 1, BLOCK_LABEL_LIMIT, CONTROL_SUNKEN, nullptr},
+    {RESET_BUTTON, ControlKind::BUTTON, "&Reset Block", PANE_ROWS + 3, 0, 1, 1, 0, 0, nullptr},
+    {SEARCH_BUTTON, ControlKind::BUTTON, "&Search", PANE_ROWS + 3, 1, 1, 1, 0, 0, nullptr},
+    {FEED_BUTTON, ControlKind::BUTTON, "Send &Block", PANE_ROWS + 3, 2, 1, 1, 0, 0, nullptr},
+    {OK_BUTTON, ControlKind::BUTTON, "OK", PANE_ROWS + 4, 0, 1, 2, 0, CONTROL_DEFAULT | CONTROL_CENTERED,
+     nullptr},
+    {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", PANE_ROWS + 4, 2, 1, 2, 0,
+     CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
+};
+constexpr ViewSpec START_VIEW = {"StartPoint", "Select Send Start Point", 0, CONTROLS,
+                                 static_cast<int16_t>(std::size(CONTROLS))};
+
+WindowHandle pane() {
+    return view_pane(start_point.view, ROWS_PANE);
+}
+int32_t top_row_shown() {
+    return start_point.cursor_row - start_point.cursor_line;
+}
+bool is_mark(int32_t row) {
+    return row == start_point.block_start_row || row == start_point.block_end_row;
+}
+
+void draw_line(int32_t line) {
+    const int32_t row = top_row_shown() + line;
+    char text[PANE_COLUMNS + 1];
+    std::memset(text, ' ', sizeof text);
+    char shown[ROW_TEXT_LIMIT + 1];
+    read_row_text(row, shown);
+    std::memcpy(text + 1, shown, std::strlen(shown));
+    const bool marked = row >= 0 && is_mark(row);
+    const bool cursor = line == start_point.cursor_line;
+    const Color ink = marked || cursor ? WHITE : BLACK;
+    const Color paper = marked ? RED : cursor ? BLACK : WHITE;
+    draw_text(pane(), 0, line * CELL_HEIGHT, text, SCREEN_COLUMNS, ink, paper);
+}
+
+// One step of the bar is a page, as long as its range suffices.
+void set_bar() {
+    const int32_t pages = row_count() / SCREEN_LINES;
+    set_scroll_range(pane(), 0, std::min(pages, SCROLL_MAX));
+    set_scroll_position(pane(), std::min(start_point.cursor_row / SCREEN_LINES, SCROLL_MAX));
+}
+
+void draw_all() {
+    for (int32_t line = 0; line <= SCREEN_LINES; line++)
+        draw_line(line);
+    set_bar();
+}
+
+void show_top(int32_t top, int32_t line) {
+    start_point.cursor_line = std::clamp(line, 0, std::min(SCREEN_LINES, row_count() - top));
+    start_point.cursor_row = top + start_point.cursor_line;
+    draw_all();
+}
+
+void move_line(int32_t step) {
+    const int32_t row = std::clamp(start_point.cursor_row + step, 0, row_count());
+    const int32_t line = start_point.cursor_line + row - start_point.cursor_row;
+    start_point.cursor_row = row;
+    start_point.cursor_line = std::clamp(line, 0, SCREEN_LINES);
+    draw_all();
+}
+
+void page_up() {
+    const int32_t top = std::max(top_row_shown() - SCREEN_LINES - 1, 0);
+    const int32_t line = top == start_point.page_top ? 0 : start_point.cursor_line;
+    start_point.page_top = top;
+    show_top(top, line);
+}
+
+void page_down() {
+    if (row_count() <= SCREEN_LINES)
+        return;
+    const int32_t top = std::min(top_row_shown() + SCREEN_LINES + 1, row_count() - SCREEN_LINES + 1);
+    start_point.page_top = top;
+    show_top(top, start_point.cursor_line);
+}
+
+void to_start() {
+    show_top(0, 0);
+}
+void to_end() {
+    show_top(std::max(row_count() - SCREEN_LINES, 0), SCREEN_LINES);
+}
+
+bool act_on_key(int key) {
+    switch (key) {
+    case VK_UP:
+        move_line(-1);
+        return true;
+    case VK_DOWN:
+        move_line(1);
+        return true;
+    case VK_PRIOR:
+        page_up();
+        return true;
+    case VK_NEXT:
+        page_down();
+        return true;
+    case VK_HOME:
+        to_start();
+        return true;
+    case VK_END:
+        to_end();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void act_on_bar(int request, int position) {
+    switch (request) {
+    case SB_LINEUP:
+        move_line(-1);
+        break;
+    case SB_LINEDOWN:
+        move_line(1);
+        break;
+    case SB_PAGEUP:
+        page_up();
+        break;
+    case SB_PAGEDOWN:
+        page_down();
+        break;
+    case SB_TOP:
+        to_start();
+        break;
+    case SB_BOTTOM:
+        to_end();
+        break;
+    case SB_THUMBPOSITION: {
+        const int32_t pages = row_count() / SCREEN_LINES;
+        const int32_t top = pages <= SCROLL_MAX ? position * SCREEN_LINES
+                                                : static_cast<int32_t>(static_cast<float>(position) *
+                                                                       static_cast<float>(row_count()) /
+                                                                       static_cast<float>(SCROLL_MAX));
+        show_top(std::min(top, row_count()), start_point.cursor_line);
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+// ---- Marks -------------------------------------------------------------------------------------------
+
+void show_labels() {
+    const std::pair<int16_t, int32_t> labels[] = {{START_LABEL, start_point.block_start_row},
+                                                  {END_LABEL, start_point.block_end_row}};
+    for (const auto& [id, row] : labels) {
+        char text[ROW_TEXT_LIMIT + 1] = "";
+        if (row >= 0)
+            read_row_text(row, text);
+        text[BLOCK_LABEL_LIMIT] = '\0';
+        put_text(start_point.view, id, text);
+    }
+}
+
+void set_marks(int32_t start, int32_t end) {
+    start_point.block_start_row = start;
+    start_point.block_end_row = end;
+    start_point.block_marked = start >= 0 || end >= 0;
+    show_labels();
+    draw_all();
+}
+
+void mark_start() {
+    const int32_t row = start_point.cursor_row;
+    const int32_t end = start_point.block_end_row;
+    if (end >= 0 && row > end)
+        set_marks(end, row);
+    else
+        set_marks(row, end);
+}
+
+void mark_end() {
+    const int32_t row = start_point.cursor_row;
+    const int32_t start = start_point.block_start_row;
+    if (start >= 0 && row < start)
+        set_marks(row, start);
+    else
+        set_marks(start, row);
+}
+
+// The right button: the first rule that fits.
+void mark_row(int32_t row) {
+    const int32_t start = start_point.block_start_row;
+    const int32_t end = start_point.block_end_row;
+    if (start < 0)
+        set_marks(row, end);
+    else if (end < 0 && row >= start)
+        set_marks(start, row);
+    else if (row < start)
+        set_marks(row, end < 0 ? start : end);
+    else if (row > end)
+        set_marks(start, row);
+    else if (row == start)
+        set_marks(-1, end);
+    else if (row == end)
+        set_marks(start, -1);
+    else
+        set_marks(-1, -1);
+}
+
+// ---- The view ----------------------------------------------------------------------------------------
+
+void open_screen(ViewHandle view) {
+    const PointerShape pointer = begin_wait();
+    start_point = {view, 0, 0, 0, false, -1, -1, false, false};
+    start_point_window = view;
+    put_text(view, FILE_TEXT, transfer_state[send_slot].file_name);
+    const int opened = open_row_index(transfer_state[send_slot].file_name);
+    draw_all();
+    view_focus_control(view, ROWS_PANE);
+    end_wait(pointer);
+    if (!opened)
+        show_dnc_box(DncBox::NO_DATA);
+    if (!port_slot[send_slot].connected &&
+        (port_init(send_slot, machine_of_slot(send_slot)) != 1 || !port_open_for_blocks(send_slot)))
+        show_connection_failed();
+}
+
+void close_screen(int result) {
+    block_mode = 0;
+    port_close(send_slot);
+    start_point_window = NO_WINDOW;
+    close_row_index();
+    view_end(start_point.view, result);
+}
+
+void take_start(int64_t offset) {
+    const LockGuard guard(port_slot[send_slot].step_lock);
+    TransferState& t = transfer_state[send_slot];
+    reset_transfer(send_slot);
+    t.start_offset = static_cast<int32_t>(offset);
+    t.file_position = t.start_offset;
+    t.status = SEND_STANDBY;
+}
+
+void press_ok() {
+    if (start_point.block_running)
+        return;
+    if (start_point.block_marked)
+        start_point.cursor_row = std::min(start_point.block_end_row + 1, row_count());
+    const int64_t offset = row_offset(start_point.cursor_row);
+    if (offset < 0 || offset > indexed_file_size()) {
+        show_dnc_box(DncBox::START_POINT_GONE);
+        return;
+    }
+    take_start(offset);
+    close_screen(1);
+}
+
+void press_cancel() {
+    if (start_point.block_running) {
+        {
+            const LockGuard guard(port_slot[send_slot].step_lock);
+            reset_transfer(send_slot);
+        }
+        stop_feed();
+        return;
+    }
+    take_start(0);
+    close_screen(0);
+}
+
+void on_control(int id) {
+    if (id == CANCEL_BUTTON) {
+        press_cancel();
+        return;
+    }
+    if (start_point.block_running)
+        return;
+    switch (id) {
+    case START_BUTTON:
+        mark_start();
+        break;
+    case END_BUTTON:
+        mark_end();
+        break;
+    case RESET_BUTTON:
+        set_marks(-1, -1);
+        break;
+    case SEARCH_BUTTON:
+        show_search_for();
+        break;
+    case FEED_BUTTON:
+        begin_feed();
+        break;
+    case OK_BUTTON:
+        press_ok();
+        break;
+    default:
+        break;
+    }
+}
+
+void on_press(uint32_t message, int64_t first, int64_t second) {
+    const int32_t line = signed_high(second) / CELL_HEIGHT;
+    if (line < 0 || line > SCREEN_LINES)
+        return;
+    const int32_t row = std::min(top_row_shown() + line, row_count());
+    if (message == WM_RBUTTONDOWN) {
+        if (!start_point.block_running)
+            mark_row(row);
+    } else if ((low_word(first) & (MK_SHIFT | MK_CONTROL)) == 0) {
+        move_line(row - start_point.cursor_row);
+    }
+}
+
+int64_t start_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
+    view_attach(view);
+    switch (message) {
+    case WM_INITDIALOG:
+        open_screen(view);
+        return 1;
+    case NEXT_ROW_MESSAGE:
+        feed_next_row();
+        return 1;
+    case WM_KEYDOWN:
+        if (!start_point.block_running && act_on_key(low_word(first)))
+            return 1;
+        break;
+    case WM_LBUTTONDOWN:
+    case WM_RBUTTONDOWN:
+        on_press(message, first, second);
+        return 1;
+    case WM_VSCROLL:
+        act_on_bar(low_word(first), static_cast<int>(second));
+        return 1;
+    case WM_COMMAND:
+        on_control(low_word(first));
+        return 1;
+    case WM_CLOSE:
+        press_cancel();
+        return 1;
+    default:
+        break;
+    }
+    return view_default(view, message, first, second);
+}
+
+}  // namespace
+
+void go_to_row(int32_t row) {
+    const int32_t top = top_row_shown();
+    if (row >= top && row <= top + SCREEN_LINES) {
+        start_point.cursor_row = row;
+        start_point.cursor_line = row - top;
+        draw_all();
+        return;
+    }
+    const int32_t line = std::min(row, 3);
+    show_top(row - line, line);
+}
+
+void move_cursor_down() {
+    move_line(1);
+}
+
+void enable_feed_buttons(bool enabled) {
+    for (const int16_t id : {RESET_BUTTON, SEARCH_BUTTON, FEED_BUTTON, OK_BUTTON})
+        view_enable_control(start_point.view, id, enabled);
+}
+
+void show_start_point() {
+    show_view(&START_VIEW, start_proc);
+}
+
+}  // namespace hexlane

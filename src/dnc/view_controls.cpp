@@ -1,0 +1,50 @@
+#include "dnc/view_controls.h"
+
+#include "platform/text.h"
+
+#include <charconv>
+#include <cstring>
+
+namespace hexlane {
+
+using namespace platform;
+
+void put_text(ViewHandle view, int id, const char* text) {
+    view_choose_field(view, id);
+    view_set_text(view, text);
+}
+
+void tick_radio(ViewHandle view, int first_id, int index) {
+    view_check(view, first_id + index, true);
+}
+
+int ticked_radio(ViewHandle view, int first_id, int count) {
+    for (int index = 0; index < count; index++) {
+        if (view_checked(view, first_id + index))
+            return index;
+    }
+    return 0;
+}
+
+void enable_controls(ViewHandle view, int first_id, int count, bool enabled) {
+    for (int index = 0; index < count; index++)
+        view_enable_control(view, first_id + index, enabled);
+}
+
+void put_number(ViewHandle view, int id, int number, int blank) {
+    char text[16] = "";
+    if (number != blank)
+        format_text(text, sizeof text, "%d", number);
+    put_text(view, id, text);
+}
+
+int take_number(ViewHandle view, int id, int blank) {
+    char text[16];
+    view_get_text(view, id, text, sizeof text);
+    const char* first = text + std::strspn(text, " ");
+    int number = blank;
+    std::from_chars(first, text + std::strlen(text), number);
+    return number;
+}
+
+}  // namespace hexlane

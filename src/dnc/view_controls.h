@@ -1,0 +1,27 @@
+// view_controls.h: what the communication views share: groups of radio buttons, and texts and numbers in
+// controls. Main thread only.
+#pragma once
+
+#include "platform/views.h"
+
+namespace hexlane {
+
+constexpr int16_t OK_BUTTON = 1;
+constexpr int16_t CANCEL_BUTTON = 2;
+
+// Writes the text of a control.
+void put_text(platform::ViewHandle view, int id, const char* text);
+
+// Ticks the `index`-th of the radio buttons that begin at `first_id`; gives which one is ticked, 0 when none
+// is.
+void tick_radio(platform::ViewHandle view, int first_id, int index);
+int ticked_radio(platform::ViewHandle view, int first_id, int count);
+
+// Enables or disables controls with neighbouring ids.
+void enable_controls(platform::ViewHandle view, int first_id, int count, bool enabled);
+
+// A number in a field; `blank` is the number of an empty or all-blank field, which shows it too.
+void put_number(platform::ViewHandle view, int id, int number, int blank);
+int take_number(platform::ViewHandle view, int id, int blank);
+
+}  // namespace hexlane

@@ -1,0 +1,372 @@
+// fuzz_keys.cpp: somebody plays with keys, mouse, scroll bar and menu. After each step the caret must stand
+// in the document and in the view, the ends of a block in order and in the document, and the screen must show
+// what a full repaint of the same state would show, but for what EXCEPTIONS lists.
+
+#include "frame/child.h"
+#include "frame/command_state.h"
+#include "frame/main_window.h"
+#include "fuzz_program.h"
+#include "input/block.h"
+#include "platform/scripted/test_hooks.h"
+#include "store/block_buffer.h"
+#include "store/row_table.h"
+#include "view/text_view.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace hexlane;
+using namespace hexlane::platform;
+
+constexpr int32_t MOST_ROWS = 200;    // well below what the tiny limits can load
+constexpr int32_t MOST_COLUMN = 600;  // a caret behind a row of letters that NC Mode spreads out
+
+class Bytes {
+public:
+    Bytes(const uint8_t* data, std::size_t size) : next_(data), end_(data + size) {}
+    bool empty() const { return next_ == end_; }
+    uint8_t take() { return empty() ? 0 : *next_++; }
+    int below(int limit) { return take() % limit; }
+
+private:
+    const uint8_t* next_;
+    const uint8_t* end_;
+};
+
+// ---- The steps -----------------------------------------------------------------------------------------
+
+bool button_down;
+
+// Ctrl+Enter while overwriting leaves the screen to the next repaint.
+bool repaint_owed;
+
+void press_a_key(Bytes* bytes) {
+    static const char* const KEYS[] = {"Up",     "Down",     "Left",   "Right",  "Home",      "End",
+                                       "PageUp", "PageDown", "Insert", "Delete", "Backspace", "Enter",
+                                       "Tab",    "Esc",      "F3",     "F4",     "F7",        "F9",
+                                       "B",      "X",        "C",      "V"};
+    static const char* const WITH[] = {"", "", "Shift+", "Shift+", "Ctrl+", "Ctrl+Shift+"};
+    const std::string with = WITH[bytes->below(std::size(WITH))];
+    const std::string key = KEYS[bytes->below(std::size(KEYS))];
+    repaint_owed = repaint_owed || (child[0].overwrite_mode && with.starts_with("Ctrl") && key == "Enter");
+    press_key((with + key).c_str());
+}
+
+void type_some_text(Bytes* bytes) {
+    static const char* const TEXTS[] = {"X", "G1", "(", ")", "12.5", "x", " ", "N1G2X3"};
+    type_text(TEXTS[bytes->below(std::size(TEXTS))]);
+}
+
+void send_a_character(Bytes* bytes) {
+    const int code = bytes->take();
+    send_message(child[0].main_window, WM_CHAR, code, 1 + bytes->below(3));
+}
+
+// A cell in the window or a little outside of it.
+int64_t some_place(Bytes* bytes) {
+    const int col = bytes->below(child[0].window_cols + 4) - 2;
+    const int row = bytes->below(child[0].window_rows + 7) - 2;
+    set_pointer_cell(col, row);
+    return make_parameter(col * CELL_WIDTH + 3, row * CELL_HEIGHT + 3);
+}
+
+void use_the_mouse(Bytes* bytes) {
+    const int act = bytes->below(4);
+    const int held = bytes->below(12) == 0 ? MK_SHIFT : 0;
+    const int64_t place = some_place(bytes);
+    if (act == 0 && !button_down) {
+        button_down = true;
+        send_message(child[0].main_window, WM_LBUTTONDOWN, MK_LBUTTON | held, place);
+    } else if (act == 1 && button_down) {
+        button_down = false;
+        send_message(child[0].main_window, bytes->below(2) ? WM_LBUTTONUP : WM_NCLBUTTONUP, held, place);
+    } else {
+        send_message(child[0].main_window, WM_MOUSEMOVE, (button_down ? MK_LBUTTON : 0) | held, place);
+    }
+}
+
+void let_time_pass(Bytes* bytes) {
+    advance_clock(50 * (1 + bytes->below(4)));
+}
+
+void use_the_scroll_bar(Bytes* bytes) {
+    const int request = bytes->below(6);
+    const int position = bytes->below(child[0].vscroll_max + 1);
+    send_message(child[0].main_window, WM_VSCROLL, make_parameter(request, position), 0);
+}
+
+void scroll_sideways(Bytes* bytes) {
+    send_message(child[0].main_window, WM_HSCROLL, bytes->below(4), 0);
+}
+
+void choose_a_command(Bytes* bytes) {
+    static const int COMMANDS[] = {1008, 1009, 1010, 1011, 1017, 1018, 1019, 1031};
+    const int id = COMMANDS[bytes->below(std::size(COMMANDS))];
+    if (id == 1031 || menu_enabled(id))
+        send_message(child[0].main_window, WM_COMMAND, id, 0);
+}
+
+void resize_the_window(Bytes* bytes) {
+    set_window_size(1 + bytes->below(40), 1 + bytes->below(14));
+}
+
+void save(Bytes*) {
+    send_message(child[0].main_window, WM_COMMAND, 1002, 0);
+}
+
+struct Step {
+    int weight;
+    void (*act)(Bytes* bytes);
+};
+constexpr Step STEPS[] = {{110, press_a_key},     {40, type_some_text},
+                          {8, send_a_character},  {50, use_the_mouse},
+                          {14, let_time_pass},    {10, use_the_scroll_bar},
+                          {2, scroll_sideways},   {14, choose_a_command},
+                          {6, resize_the_window}, {2, save}};
+
+void take_a_step(Bytes* bytes) {
+    int number = bytes->take();
+    for (const Step& step : STEPS) {
+        number -= step.weight;
+        if (number < 0) {
+            step.act(bytes);
+            break;
+        }
+    }
+    pump_messages();
+}
+
+// ---- The screen ----------------------------------------------------------------------------------------
+
+struct Line {
+    int32_t row;  // of the document
+    std::vector<Cell> cells;
+};
+using Screen = std::vector<Line>;
+
+Screen screen_now() {
+    Screen screen;
+    const int32_t rows = std::min(child[0].window_rows + 1, child[0].client_height / CELL_HEIGHT);
+    for (int32_t y = 0; y < rows; y++) {
+        Line line = {top_row() + y, {}};
+        for (int32_t col = 0; col < child[0].client_width / CELL_WIDTH; col++)
+            line.cells.push_back(screen_cell(col, y));
+        screen.push_back(line);
+    }
+    return screen;
+}
+
+// What a full repaint shows now. State and cells are as before afterwards.
+Screen repainted(const Screen& screen) {
+    const Child kept = child[0];
+    const Block kept_block = block;
+    const Block kept_previous = previous_block;
+    const int16_t kept_lf = row_had_lf;
+    const bool kept_caret = caret_shown();
+    child[0].pending_row = -1;
+    paint_view();
+    if (kept.pending_row >= 0) {
+        std::memcpy(child[0].row_text, kept.row_text, sizeof kept.row_text);
+        paint_edited_row();
+    }
+    const Screen fresh = screen_now();
+    for (std::size_t y = 0; y < screen.size(); y++) {
+        for (std::size_t col = 0; col < screen[y].cells.size(); col++) {
+            const Cell& cell = screen[y].cells[col];
+            const char c = static_cast<char>(cell.byte);
+            draw_text(kept.main_window, static_cast<int>(col) * CELL_WIDTH, static_cast<int>(y) * CELL_HEIGHT,
+                      &c, 1, cell.ink, cell.paper);
+        }
+    }
+    child[0] = kept;
+    block = kept_block;
+    previous_block = kept_previous;
+    row_had_lf = kept_lf;
+    set_caret_visible(kept_caret);
+    open_segment(false);
+    return fresh;
+}
+
+bool same_text(const Line& left, const Line& right) {
+    return std::ranges::equal(left.cells, right.cells, {}, &Cell::byte, &Cell::byte);
+}
+
+// The ink of a blank is not seen.
+bool same_look(const Cell& left, const Cell& right) {
+    return left.paper == right.paper && (left.ink == right.ink || left.byte == ' ');
+}
+bool same_looks(const Line& left, const Line& right) {
+    return std::ranges::equal(left.cells, right.cells, same_look);
+}
+
+// ---- Where the screen may differ from a repaint ----------------------------------------------------------
+
+struct Difference {
+    const Line* shown;
+    const Line* fresh;
+    const Line* before;  // the same screen row in front of the step
+};
+
+// A block inside a row shows in every mode while it is made, but a repaint draws it only where letters have
+// their colors.
+bool is_part_of_row(const Difference& difference) {
+    return child[0].block_active && !block_holds_rows() && !child[0].colors_enabled &&
+           difference.shown->row == block.start.row;
+}
+
+// A row counts as changed when it is stored, also by a key that changed nothing in it and drew nothing.
+bool is_stored_unchanged(const Difference& difference) {
+    return child[0].changes_colored && difference.before->row == difference.shown->row &&
+           same_text(*difference.before, *difference.shown) &&
+           same_looks(*difference.before, *difference.shown);
+}
+
+// A row that a command draws by itself leaves numbers behind a comment black.
+bool has_numbers_behind_comment(const Difference& difference) {
+    const auto& cells = difference.shown->cells;
+    return child[0].color_table[COMMENT_SLOT].include_numbers != 0 &&
+           std::ranges::any_of(cells, [](const Cell& cell) { return cell.byte == ')'; });
+}
+
+constexpr bool (*EXCEPTIONS[])(const Difference&) = {is_part_of_row, is_stored_unchanged,
+                                                     has_numbers_behind_comment};
+
+void check_screen(const Screen& before) {
+    const Screen shown = screen_now();
+    const Screen fresh = repainted(shown);
+    bool texts_fit = true;
+    for (std::size_t y = 0; y < shown.size(); y++)
+        texts_fit = texts_fit && same_text(shown[y], fresh[y]);
+    repaint_owed = repaint_owed && !texts_fit;
+    fuzz::require(texts_fit || repaint_owed, "the screen shows another text than a repaint");
+    for (std::size_t y = 0; y < shown.size() && !repaint_owed; y++) {
+        const Difference difference = {&shown[y], &fresh[y], &before[std::min(y, before.size() - 1)]};
+        fuzz::require(same_looks(shown[y], fresh[y]) ||
+                          std::ranges::any_of(EXCEPTIONS, [&](auto* allows) { return allows(difference); }),
+                      "the screen shows other colors than a repaint");
+    }
+}
+
+// ---- What always holds -----------------------------------------------------------------------------------
+
+bool in_document(int32_t row) {
+    return row >= 0 && row <= child[0].last_file_row;
+}
+
+void check_caret() {
+    fuzz::require(in_document(child[0].current_row), "the caret's row lies outside the document");
+    fuzz::require(child[0].caret_row >= 0 && child[0].caret_row <= child[0].window_rows,
+                  "the caret's row lies outside the view");
+    fuzz::require(top_row() >= 0, "the view begins in front of the document");
+    fuzz::require(child[0].caret_col >= 0 && child[0].caret_col <= MOST_COLUMN,
+                  "the caret's column is no column");
+    fuzz::require(child[0].pending_row == -1 || child[0].pending_row == child[0].current_row,
+                  "a row is in edit that the caret has left");
+    fuzz::require(caret_cell_col() == child[0].caret_col && caret_cell_row() == child[0].caret_row,
+                  "the caret shows elsewhere");
+    fuzz::require(button_down || caret_shown() == (child[0].block_active == 0),
+                  "the caret hides or shows at the wrong time");
+}
+
+void check_block() {
+    if (!child[0].block_active) {
+        fuzz::require(block.start.row == -1 && block.end.row == -1, "a block that is not on show is left");
+        return;
+    }
+    fuzz::require(in_document(block.start.row), "the block starts outside the document");
+    fuzz::require(block.end.row == -1 || (in_document(block.end.row) && block.start.row <= block.end.row),
+                  "the block's ends are out of order or outside the document");
+    fuzz::require(block.start.col >= 0, "the block starts in no column");
+}
+
+void check_segments() {
+    int32_t rows = 0;
+    for (int segment = 0; segment < child[0].segment_count; segment++) {
+        fuzz::require(segment_table[segment].first_row == rows, "a segment's first row is wrong");
+        rows += segment_rows(segment);
+    }
+    fuzz::require(rows == child[0].last_file_row + 1, "the segments do not add up to the document");
+}
+
+// ---- The session -----------------------------------------------------------------------------------------
+
+std::string some_document(Bytes* bytes) {
+    static const char* const ROWS[] = {"", "N10G1X5", "G0 X-1.5 Y2", "(A COMMENT)12", "x1", "  M30"};
+    std::string text;
+    for (int rows = bytes->below(40); rows > 0; rows--)
+        text +=
+            ROWS[bytes->below(std::size(ROWS))] + std::string(bytes->below(9) == 0 ? 251 : 0, 'Y') + "\r\n";
+    return text;
+}
+
+// Nothing may be left of the session before.
+void begin_session(Bytes* bytes) {
+    button_down = repaint_owed = false;
+    fuzz::require(fuzz::open_bytes(some_document(bytes)), "the document can't be opened");
+    block_clear();
+    clear_cut_block();
+    clear_copy_block();
+    const int modes = bytes->take();
+    child[0].overwrite_mode = modes & 1;
+    child[0].nc_mode = modes >> 1 & 1;
+    child[0].colors_enabled = (modes >> 2 & 1) != 0;
+    child[0].changes_colored = !child[0].colors_enabled && (modes >> 3 & 1) != 0;
+    child[0].mouse_pressed = 0;
+    for (int slot = 0; slot < COLOR_SLOTS; slot++)
+        child[0].color_table[slot] = {
+            static_cast<Color>(child[0].colors_enabled || slot == CHANGES_SLOT ? 0x40 + slot : 0),
+            static_cast<int16_t>(slot % 2 == (modes >> 4 & 1)), 0};
+    child[0].current_row = child[0].caret_row = child[0].caret_col = 0;
+    hold_keys(false, false);
+    set_window_size(24, 9);
+    press_key("PageUp");  // forgets the page shown last
+    repaint_now();
+    update_menus(child[0].main_window);
+    forget_shown_lines();
+}
+
+std::vector<std::string> all_rows() {
+    std::vector<std::string> rows;
+    for (int32_t row = 0; row <= child[0].last_file_row; row++) {
+        fuzz::require(fetch_row(row) == 1, "a row can't be read");
+        rows.emplace_back(child[0].row_text);
+    }
+    return rows;
+}
+
+// What was edited is what is saved. An empty last row is written as a line end.
+void end_session() {
+    if (button_down)
+        send_message(child[0].main_window, WM_LBUTTONUP, 0, 0);
+    commit_pending();
+    std::vector<std::string> rows = all_rows();
+    block_clear();
+    fuzz::save_and_reload();
+    const std::vector<std::string> saved = all_rows();
+    if (saved.size() == rows.size() + 1)
+        rows.emplace_back();
+    fuzz::require(saved == rows, "the saved file is not the document");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Bytes bytes(data, size);
+    begin_session(&bytes);
+    while (!bytes.empty() && child[0].last_file_row < MOST_ROWS) {
+        const Screen before = screen_now();
+        take_a_step(&bytes);
+        check_caret();
+        check_block();
+        check_segments();
+        fuzz::check_table();
+        check_screen(before);
+    }
+    end_session();
+    return 0;
+}

@@ -1,0 +1,120 @@
+#!/usr/bin/env python3
+"""Receives programs that a simulated machine punches, and meets machines and disks that fail meanwhile."""
+
+import resource
+import zlib
+
+import station
+from station import TOP, Case, Cli, Simulator, wait_for
+
+PROGRAM = (TOP / 'examples' / 'bowl-finish.nc').read_bytes()
+
+
+def small_files():
+    """In the child: no file may grow beyond 8,192 bytes."""
+    resource.setrlimit(resource.RLIMIT_FSIZE, (8192, 8192))
+
+
+class ReceiveTest(Case):
+    def receive(self, settings, simulator_options=(), cli_options=(), **more):
+        """Starts both sides and presses the machine's start key. Gives them, both ended."""
+        self.home.set_machine(2, settings or {'protocol': 'general'})
+        with Simulator(self.home, '--send', 'part.nc', '--start-key', *simulator_options) as machine, \
+                Cli(self.home, 'receive', '--machine', 2, '--port', machine.line, '--timeout', 1, *cli_options,
+                    'got.nc', **more) as cli:
+            machine.press_start()
+            cli.finish()
+            machine.finish()
+            self.errors = cli.error_text()
+        return machine, cli
+
+    def test_codes_and_line_ends(self):
+        # In EIA '3' is DC3, so XOFF has to be another; a binary stream leaves no character free for it at all.
+        for protocol, code, eob in (('general', 'ascii', 'crlf'), ('bridgeport', 'iso', 'lf'),
+                                    ('heidenhain', 'eia', 'lf'), ('phillips', 'binary', 'none'),
+                                    ('general', 'ascii', 'cr'), ('general', 'iso', 'lfcr'),
+                                    ('general', 'ascii', 'lfcrcr'), ('general', 'ascii', 'dollar')):
+            with self.subTest(protocol=protocol, code=code, eob=eob):
+                program = PROGRAM
+                if code == 'binary':
+                    program = bytes(range(256)) * 100
+                if code == 'eia':
+                    program = PROGRAM.upper().replace(b'=', b'')
+                self.home.write('part.nc', program)
+                machine, cli = self.receive({'protocol': protocol, 'data_type': code, 'eob': eob,
+                                             'xoff_char': 147 if code == 'eia' else 19,
+                                             'handshake': 'hardware' if code == 'binary' else 'software'},
+                                            ('--protocol', protocol, '--code', code, '--eob', eob),
+                                            ('--replace',))
+                self.assertEqual((cli.process.returncode, machine.process.returncode), (0, 0),
+                                 self.errors + machine.report['text'])
+                self.assertEqual(self.home.path('got.nc').read_bytes(), program)
+
+    def test_leader_is_dropped_and_sequences_are_kept(self):
+        self.home.write('part.nc', b'N1 G0\r\n')
+        _, cli = self.receive({'data_type': 'ascii', 'eob': 'lf'},
+                              ('--eob', 'lf', '--start-string', '0*50,37,10', '--end-string', '37,0*50'))
+        self.assertEqual(self.home.path('got.nc').read_bytes(), b'%\r\nN1 G0\r\n%')
+        self.assertEqual(cli.receipt['line'].split()[0], '109')
+
+    def test_receipt(self):
+        self.home.write('part.nc', PROGRAM)
+        machine, cli = self.receive({'eob': 'lf'}, ('--eob', 'lf'))
+        on_line = PROGRAM.replace(b'\r\n', b'\n')
+        self.assertEqual(cli.receipt['file'], f'{len(PROGRAM)} bytes, CRC-32 {zlib.crc32(PROGRAM):08x}')
+        self.assertEqual(cli.receipt['line'], f'{len(on_line)} bytes, CRC-32 {zlib.crc32(on_line):08x}')
+        self.assertEqual(machine.report['bytes on the line'], len(on_line))
+        self.assertEqual(cli.receipt['result'], 'complete')
+
+    def test_a_paced_machine_is_waited_for(self):
+        self.home.write('part.nc', PROGRAM[:3000])
+        _, cli = self.receive({}, ('--rate', 19200))
+        self.assertEqual(self.home.path('got.nc').read_bytes(), PROGRAM[:3000])
+        self.assertGreater(float(cli.receipt['took'].split()[0]), 3000 * 10 / 19200)
+
+    def test_a_machine_that_hangs_up_leaves_what_came(self):
+        self.home.write('part.nc', PROGRAM)
+        machine, cli = self.receive({}, ('--hang-up-after', 5000))
+        self.assertEqual((cli.process.returncode, cli.receipt['result']), (1, 'not complete'))
+        self.assertIn(f'({machine.line}) has gone', self.errors)
+        got = self.home.path('got.nc').read_bytes()
+        self.assertEqual(got, PROGRAM[:len(got)])
+
+    def test_a_full_disk_ends_the_receive_and_keeps_what_came(self):
+        self.home.write('part.nc', PROGRAM)
+        _, cli = self.receive({}, preexec_fn=small_files, restore_signals=False)
+        self.assertEqual((cli.process.returncode, cli.receipt['result']), (1, 'not complete'))
+        self.assertIn('could not be written to', self.errors)
+        got = self.home.path('got.nc').read_bytes()
+        self.assertGreater(len(got), 0)
+        self.assertEqual(got, PROGRAM[:len(got)])
+
+    def test_ctrl_c_keeps_what_came(self):
+        self.home.write('part.nc', PROGRAM)
+        with Simulator(self.home, '--send', 'part.nc', '--rate', 9600, '--start-key') as machine, \
+                Cli(self.home, 'receive', '--port', machine.line, 'got.nc') as cli:
+            machine.press_start()
+            wait_for(lambda: self.home.path('got.nc').stat().st_size > 0)
+            cli.interrupt()
+            self.assertEqual(cli.finish(), 4)
+            self.assertEqual(machine.finish(), 1)
+        got = self.home.path('got.nc').read_bytes()
+        self.assertEqual(got, PROGRAM[:len(got)])
+        self.assertIn('bytes still to send', machine.report['text'])
+
+    def test_nothing_comes(self):
+        self.home.write('part.nc', PROGRAM)
+        with Simulator(self.home, '--send', 'part.nc', '--start-key') as machine:
+            done = self.home.run('receive', '--port', machine.line, '--wait', 1, 'got.nc')
+            self.assertEqual(done.returncode, 5, done.stderr)
+        self.assertFalse(self.home.path('got.nc').exists())
+
+    def test_an_older_file_stays_when_the_port_cannot_be_opened(self):
+        self.home.write('got.nc', b'old')
+        done = self.home.run('receive', '--port', '/dev/not-there', '--replace', 'got.nc')
+        self.assertEqual(done.returncode, 3)
+        self.assertEqual(self.home.path('got.nc').read_bytes(), b'old')
+
+
+if __name__ == '__main__':
+    station.main()

@@ -1,0 +1,8 @@
+N0 X0
+N1 X1
+N2 X2
+N3 X3
+N4 X4
+N5 X5
+N6 X6
+N7 X7
