@@ -24,8 +24,7 @@ void move_window(ByteWindow* window, int64_t offset, int64_t keep) {
     window->start = keeps ? keep : offset;
     const int32_t held = keeps ? static_cast<int32_t>(kept) : 0;
     const int64_t from = window->start + held;
-    const auto wanted =
-        static_cast<int32_t>(std::min<int64_t>(WINDOW_BYTES - held, window->size - from));
+    const auto wanted = static_cast<int32_t>(std::min<int64_t>(WINDOW_BYTES - held, window->size - from));
     const int64_t got = std::max<int64_t>(
         file_read_at(window->file, from, window->bytes + held, static_cast<std::size_t>(wanted)), 0);
     if (got < wanted) {

@@ -25,8 +25,8 @@ void open_window(ByteWindow* window, platform::FileHandle file, int64_t size);
 // `offset`) on stay in it if they are there and leave room.
 void move_window(ByteWindow* window, int64_t offset, int64_t keep);
 
-// Where the bytes from `offset` stand in memory; `count` takes how many, at least 1 if offset is below `size`,
-// else 0. Holds until the next call.
+// Where the bytes from `offset` stand in memory; `count` takes how many, at least 1 if offset is below
+// `size`, else 0. Holds until the next call.
 inline const char* window_at(ByteWindow* window, int64_t offset, int64_t keep, int32_t* count) {
     if (offset >= window->size) {
         *count = 0;

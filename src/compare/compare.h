@@ -1,7 +1,7 @@
 // compare.h: two files row by row as a list of records: the state of one compare, and its engine.
 // The left side is what the user edits, the right side the file that it is set against. Both are read as raw
-// bytes through small windows; a row ends behind its LF, the last one at the end of the file. The list lies in
-// memory up to a limit and from there on in a temporary file, so that memory does not grow with the files.
+// bytes through small windows; a row ends behind its LF, the last one at the end of the file. The list lies
+// in memory up to a limit and from there on in a temporary file, so that memory does not grow with the files.
 // Relies on platform/files.h and, for the pump, platform/desktop.h. Main thread only.
 #pragma once
 
@@ -18,8 +18,8 @@ constexpr char INSERTED_ROW = 'I';   // only the right file has it; left_offset 
 constexpr char DELETED_ROW = 'D';    // only the left file has it; right_offset is that of the next right row
 
 struct CompareRecord {
-    char kind;              // 0 for a record that could not be read
-    uint32_t left_offset;   // byte of the left file where the row begins; its size when there is none any more
+    char kind;             // 0 for a record that could not be read
+    uint32_t left_offset;  // byte of the left file where the row begins; its size when there is none any more
     uint32_t right_offset;  // the same of the right file
 };
 
@@ -48,7 +48,8 @@ struct Compare {
     int32_t look_ahead;   // rows
     bool ignore_spaces;   // blanks and tabs do not count
     int64_t last_record;  // number of the last record, -1 when there is none
-    // How often a record was given each kind. The last record is given its kind twice when both files end in it.
+    // How often a record was given each kind. The last record is given its kind twice when both files end in
+    // it.
     int64_t matches;
     int64_t mods;
     int64_t inserts;
@@ -58,7 +59,7 @@ extern Compare compare;
 
 constexpr int32_t DEFAULT_LOOK_AHEAD = 20;
 constexpr int32_t LONGEST_LOOK_AHEAD = 99;
-constexpr int32_t COMPARE_MEMORY_RECORDS = 4000;      // records held in memory; the others lie in the file
+constexpr int32_t COMPARE_MEMORY_RECORDS = 4000;       // records held in memory; the others lie in the file
 constexpr int64_t LARGEST_COMPARED_FILE = UINT32_MAX;  // bytes
 
 // Names the two sides and wipes everything else.

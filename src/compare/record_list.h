@@ -1,5 +1,5 @@
-// record_list.h: the records of a compare in order: the first ones in memory, the others in the temporary file
-// `temp_prefix`tmpx.twr, written through a buffer. For the files of this folder. Main thread only.
+// record_list.h: the records of a compare in order: the first ones in memory, the others in the temporary
+// file `temp_prefix`tmpx.twr, written through a buffer. For the files of this folder. Main thread only.
 #pragma once
 
 #include "compare/compare.h"

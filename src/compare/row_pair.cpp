@@ -150,8 +150,8 @@ int32_t equal_rows_ahead(ByteWindow* left_window, int64_t left, ByteWindow* righ
     const char* left_bytes = window_at(left_window, left, left, &left_held);
     const char* right_bytes = window_at(right_window, right, right, &right_held);
     // The last byte of a side belongs to its last row.
-    const int64_t room = std::min<int64_t>({left_held, right_held, SAME_STRETCH, left_window->size - left - 1,
-                                            right_window->size - right - 1});
+    const int64_t room = std::min<int64_t>(
+        {left_held, right_held, SAME_STRETCH, left_window->size - left - 1, right_window->size - right - 1});
     if (room <= 0)
         return 0;
     const int32_t equal = common_length(left_bytes, right_bytes, static_cast<int32_t>(room));

@@ -326,6 +326,7 @@ int64_t main_window_proc(WindowHandle window, uint32_t message, int64_t first, i
 }
 
 void set_caret_visible(bool visible) {
+    visible = visible && !child[0].block_active;
     if (visible == caret_shown)
         return;
     caret_shown = visible;

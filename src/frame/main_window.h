@@ -14,7 +14,8 @@ constexpr uint32_t FILE_CHECK_MESSAGE = 0x8002;   // the window has got the focu
 
 int64_t main_window_proc(platform::WindowHandle window, uint32_t message, int64_t first, int64_t second);
 
-// Hides or shows the caret and keeps a flag, so that repeated calls do nothing.
+// Hides or shows the caret and keeps a flag, so that repeated calls do nothing. While a block is on show the
+// caret stays hidden.
 void set_caret_visible(bool visible);
 
 // Places the caret at caret_col and caret_row.

@@ -1,6 +1,6 @@
 // desktop.h: the main window, its menu, the message queue, timers, boxes, file dialogs, pointer and help.
-// Main thread only, but for post_message and send_message. Back ends: qt/ (Qt 6 Widgets), scripted/ (a desktop
-// in memory, played by a script).
+// Main thread only, but for post_message and send_message. Back ends: qt/ (Qt 6 Widgets), scripted/ (a
+// desktop in memory, played by a script).
 #pragma once
 
 #include "platform/keys.h"
@@ -14,12 +14,12 @@ namespace hexlane::platform {
 // ---- Main window -------------------------------------------------------------------------------------
 
 struct MenuEntry {
-    int16_t popup;         // popup that the entry stands in
-    int16_t id;            // 0: a separating line
-    const char* text;      // with '&' mnemonic and, behind a tab, the key's name
+    int16_t popup;     // popup that the entry stands in
+    int16_t id;        // 0: a separating line
+    const char* text;  // with '&' mnemonic and, behind a tab, the key's name
     const char* hint;
-    bool checked;          // at start
-    bool grayed;           // at start
+    bool checked;  // at start
+    bool grayed;   // at start
 };
 
 struct MenuPopup {
@@ -74,8 +74,8 @@ int64_t send_message(WindowHandle window, uint32_t message, int64_t first, int64
 // Queues; messages are served in the order of posting. Any thread.
 void post_message(WindowHandle window, uint32_t message, int64_t first, int64_t second);
 
-// Takes one waiting message and serves it: for a long run that keeps the windows alive. Costs a flag test when
-// nothing waits. Gives whether one was served.
+// Takes one waiting message and serves it: for a long run that keeps the windows alive. Costs a flag test
+// when nothing waits. Gives whether one was served.
 bool pump_one_message();
 
 // Sends WM_TIMER with `id` every `period_ms`. Starting a running timer gives it the new period.
@@ -108,18 +108,18 @@ struct FileDialog {
     const char* title;
     const FileFilter* filters;
     int filter_count;
-    const char* custom_text;     // an entry of its own in front of the others; empty for none
+    const char* custom_text;  // an entry of its own in front of the others; empty for none
     const char* custom_pattern;
-    int filter_index;            // entry on show: 0 the custom one, 1 the first of `filters`; takes the chosen
-    const char* start_folder;    // empty for the current directory
+    int filter_index;          // entry on show: 0 the custom one, 1 the first of `filters`; takes the chosen
+    const char* start_folder;  // empty for the current directory
     const char* default_extension;  // put behind a name typed without one; empty for none
-    char path[PATH_SIZE];        // the chosen file, absolute
-    char file_title[PATH_SIZE];  // its name without folder
+    char path[PATH_SIZE];           // the chosen file, absolute
+    char file_title[PATH_SIZE];     // its name without folder
 };
 
-// Both give 1 for a chosen file and 0 for Cancel. They can name a file that does not exist; the questions about
-// creating and overwriting, and the refusal of a folder that is not there and of a path that is too long,
-// are message boxes shared by all desktops (common/file_questions).
+// Both give 1 for a chosen file and 0 for Cancel. They can name a file that does not exist; the questions
+// about creating and overwriting, and the refusal of a folder that is not there and of a path that is too
+// long, are message boxes shared by all desktops (common/file_questions).
 int choose_open_file(FileDialog* dialog);
 int choose_save_file(FileDialog* dialog);
 

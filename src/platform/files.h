@@ -62,8 +62,8 @@ int64_t file_read_at(FileHandle file, int64_t position, void* buffer, std::size_
 
 // Copies `count` bytes between two files by the system's fastest means. Gives the number copied, less than
 // `count` only when `from` ended; -1 on failure of either side.
-[[nodiscard]] int64_t file_copy_range(FileHandle from, int64_t from_position, FileHandle to, int64_t to_position,
-                                      int64_t count);
+[[nodiscard]] int64_t file_copy_range(FileHandle from, int64_t from_position, FileHandle to,
+                                      int64_t to_position, int64_t count);
 
 // Size in bytes, -1 on failure.
 int64_t file_size(FileHandle file);
@@ -77,8 +77,8 @@ int64_t file_size(FileHandle file);
 // Forces the entries of the folder that holds `path` to the medium. Gives 1, or 0 on failure.
 [[nodiscard]] int flush_folder_of(const char* path);
 
-// Gives `file` the mode of `like` and, where permitted, its owner and group; with NO_FILE the mode that any new
-// file of the user's gets (umask). Gives 1, or 0 when the mode could not be set.
+// Gives `file` the mode of `like` and, where permitted, its owner and group; with NO_FILE the mode that any
+// new file of the user's gets (umask). Gives 1, or 0 when the mode could not be set.
 int file_adopt_mode(FileHandle file, FileHandle like);
 
 // What a file was at one moment. Two equal stamps mean that nobody else has replaced or written it.
@@ -90,8 +90,8 @@ struct FileStamp {
     int64_t changed_ns;   // entry time (mode, name, links), ns since 1970
 };
 
-int file_stamp(FileHandle file, FileStamp* stamp);        // 1, or 0 on failure
-int path_stamp(const char* path, FileStamp* stamp);       // 1, or 0 on failure; follows links
+int file_stamp(FileHandle file, FileStamp* stamp);   // 1, or 0 on failure
+int path_stamp(const char* path, FileStamp* stamp);  // 1, or 0 on failure; follows links
 
 enum class PathKind : uint8_t { NONE, FILE, FOLDER, OTHER };
 
@@ -100,9 +100,10 @@ PathKind path_kind(const char* path);  // follows links
 // All give 1, or 0 on failure.
 int delete_file(const char* path);
 int make_folder(const char* path);  // mode 0777 by umask; 1 too when it is a folder already
-[[nodiscard]] int rename_file(const char* from, const char* to);       // replaces `to` in one step
-[[nodiscard]] int rename_to_new(const char* from, const char* to);     // fails with EXISTS, never replaces
-[[nodiscard]] int exchange_files(const char* left, const char* right); // both names swap their files in one step
+[[nodiscard]] int rename_file(const char* from, const char* to);    // replaces `to` in one step
+[[nodiscard]] int rename_to_new(const char* from, const char* to);  // fails with EXISTS, never replaces
+[[nodiscard]] int exchange_files(const char* left,
+                                 const char* right);  // both names swap their files in one step
 
 // Whether the two paths mean one file: by device and inode when both exist (links count), otherwise by their
 // texts as the file system compares them.
@@ -114,6 +115,7 @@ int follow_links(const char* path, char* target, std::size_t size);
 
 // Calls `visit` for each plain name in `folder` that starts with `prefix`, in byte order. `visit` may delete
 // the entry. Gives the number visited, -1 when the folder cannot be read.
-int list_folder(const char* folder, const char* prefix, void (*visit)(void* context, const char* name), void* context);
+int list_folder(const char* folder, const char* prefix, void (*visit)(void* context, const char* name),
+                void* context);
 
 }  // namespace hexlane::platform

@@ -31,12 +31,12 @@ constexpr int KEY_WITH_CTRL = 2;
 constexpr int KEY_WITH_ALT = 4;
 
 struct KeyEntry {
-    const char* name;  // as scripts name it: "A", "F1", "PageUp"
-    int16_t key;       // VK_ number; letters and digits are their ASCII codes
-    int16_t plain;     // character without Shift, -1 for none
-    int16_t shifted;   // character with Shift, -1 for none
-    int16_t scan_code; // set 1
-    int8_t extended;   // second block of an extended keyboard
+    const char* name;   // as scripts name it: "A", "F1", "PageUp"
+    int16_t key;        // VK_ number; letters and digits are their ASCII codes
+    int16_t plain;      // character without Shift, -1 for none
+    int16_t shifted;    // character with Shift, -1 for none
+    int16_t scan_code;  // set 1
+    int8_t extended;    // second block of an extended keyboard
 };
 
 extern const KeyEntry KEY_TABLE[];
@@ -70,6 +70,7 @@ struct KeyPlan {
     bool taken;     // an accelerator's key: no key down, no character
     int character;  // -1 for none
 };
-KeyPlan plan_key(const KeyEntry* entry, int modifiers, const Accelerator* accelerators, int accelerator_count);
+KeyPlan plan_key(const KeyEntry* entry, int modifiers, const Accelerator* accelerators,
+                 int accelerator_count);
 
 }  // namespace hexlane::platform

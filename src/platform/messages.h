@@ -58,12 +58,21 @@ constexpr int MK_CONTROL = 0x0008;
 
 // Two 16-bit halves in one parameter.
 constexpr int64_t make_parameter(int low, int high) {
-    return static_cast<int64_t>(static_cast<uint32_t>(low & 0xFFFF) | static_cast<uint32_t>(high & 0xFFFF) << 16);
+    return static_cast<int64_t>(static_cast<uint32_t>(low & 0xFFFF) | static_cast<uint32_t>(high & 0xFFFF)
+                                                                          << 16);
 }
-constexpr int low_word(int64_t parameter) { return static_cast<int>(parameter & 0xFFFF); }
-constexpr int high_word(int64_t parameter) { return static_cast<int>(parameter >> 16 & 0xFFFF); }
-constexpr int signed_low(int64_t parameter) { return static_cast<int16_t>(parameter & 0xFFFF); }
-constexpr int signed_high(int64_t parameter) { return static_cast<int16_t>(parameter >> 16 & 0xFFFF); }
+constexpr int low_word(int64_t parameter) {
+    return static_cast<int>(parameter & 0xFFFF);
+}
+constexpr int high_word(int64_t parameter) {
+    return static_cast<int>(parameter >> 16 & 0xFFFF);
+}
+constexpr int signed_low(int64_t parameter) {
+    return static_cast<int16_t>(parameter & 0xFFFF);
+}
+constexpr int signed_high(int64_t parameter) {
+    return static_cast<int16_t>(parameter >> 16 & 0xFFFF);
+}
 
 // Answers 0 unless a message says otherwise.
 using WindowProcedure = int64_t (*)(WindowHandle window, uint32_t message, int64_t first, int64_t second);

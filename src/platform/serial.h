@@ -1,14 +1,14 @@
 // serial.h: serial lines, COM1 to COM4, event driven.
 //
-// One thread, the line's worker, waits in line_wait_event; everything that the line does happens inside that wait:
-// bytes are taken from the driver into a receive ring of RECEIVE_RING bytes, and a started write is handed on to the
-// driver as the machine takes it. The other operations may be called from any thread.
+// One thread, the line's worker, waits in line_wait_event; everything that the line does happens inside that
+// wait: bytes are taken from the driver into a receive ring of RECEIVE_RING bytes, and a started write is
+// handed on to the driver as the machine takes it. The other operations may be called from any thread.
 //
 // COM1 to COM4 mean devices: HEXLANE_COM1 to HEXLANE_COM4 of the environment, else a text file `ports` in the
 // launch directory ("COM1 /dev/ttyUSB0" a line, '#' comments), else /dev/ttyS0 to /dev/ttyS3.
 //
-// Back ends: posix/ (tty devices and ptys); scripted/ (a line with a rate, a FIFO, modem lines and errors, all on
-// the scripted clock).
+// Back ends: posix/ (tty devices and ptys); scripted/ (a line with a rate, a FIFO, modem lines and errors,
+// all on the scripted clock).
 #pragma once
 
 #include "platform/text.h"
@@ -24,10 +24,12 @@ constexpr int PORT_COUNT = 4;
 constexpr int RECEIVE_RING = 4096;  // bytes
 
 // Events of line_wait_event.
-constexpr uint32_t EV_RXCHAR = 0x01;   // bytes have come in
-constexpr uint32_t EV_RXFLAG = 0x02;   // the event character has come in, also when the ring was full
-constexpr uint32_t EV_TXEMPTY = 0x04;  // everything of the last write has left, the transmitter's register too
-constexpr uint32_t EV_CTS = 0x08;      // CTS has changed (hardware handshake only, while bytes wait or a write runs)
+constexpr uint32_t EV_RXCHAR = 0x01;  // bytes have come in
+constexpr uint32_t EV_RXFLAG = 0x02;  // the event character has come in, also when the ring was full
+constexpr uint32_t EV_TXEMPTY =
+    0x04;  // everything of the last write has left, the transmitter's register too
+constexpr uint32_t EV_CTS =
+    0x08;  // CTS has changed (hardware handshake only, while bytes wait or a write runs)
 constexpr uint32_t EV_BREAK = 0x40;
 constexpr uint32_t EV_GONE = 0x10000;  // the device has vanished or hung up; always reported, once
 
@@ -45,8 +47,8 @@ struct LineSettings {
     uint8_t stop_bits;   // STOP_BITS_
     bool hardware_handshake;  // RTS/CTS
     bool software_handshake;  // XON/XOFF in the driver, both ways
-    // 0x00 as xon_char: the handshake is on but nothing is being sent, so the driver's XON/XOFF is switched off and
-    // DC1 reaches the program.
+    // 0x00 as xon_char: the handshake is on but nothing is being sent, so the driver's XON/XOFF is switched
+    // off and DC1 reaches the program.
     uint8_t xon_char;
     uint8_t xoff_char;
     uint8_t event_char;
@@ -57,15 +59,15 @@ enum class LineProblem : uint8_t {
     NONE,
     NOT_THERE,
     NO_PERMISSION,
-    IN_USE,       // by another program, or by this one
-    NOT_A_LINE,   // the device is no serial line
-    BAD_SETTINGS, // the driver takes the rate or the form not
+    IN_USE,        // by another program, or by this one
+    NOT_A_LINE,    // the device is no serial line
+    BAD_SETTINGS,  // the driver takes the rate or the form not
     OTHER,
 };
 LineProblem last_line_problem();
 
-// A sentence or two for a box, with the device, what is wrong and what can be done about it ("add the user to the
-// group dialout", "in use by process 4711 (picocom)"); empty when there is nothing to say.
+// A sentence or two for a box, with the device, what is wrong and what can be done about it ("add the user to
+// the group dialout", "in use by process 4711 (picocom)"); empty when there is nothing to say.
 const char* line_problem_text();
 
 // Opens COM `port` (1 to PORT_COUNT) for this program alone, raw, with nothing waiting. NO_LINE on failure.
@@ -77,19 +79,20 @@ void line_device(int port, char* name, std::size_t size);
 // Lets COM `port` mean `device` for the rest of the run; empty: what it means by itself.
 void line_set_device(int port, const char* device);
 
-int line_configure(LineHandle line, const LineSettings& settings);   // 1, or 0 on failure
-int line_settings(LineHandle line, LineSettings* settings);          // 1, or 0 on failure
+int line_configure(LineHandle line, const LineSettings& settings);  // 1, or 0 on failure
+int line_settings(LineHandle line, LineSettings* settings);         // 1, or 0 on failure
 
-// Which events the wait reports (EV_GONE always). Mask 0 also ends a wait that is going on, with no event, and each
-// later one at once, until the next mask; it ends a line_delay too.
+// Which events the wait reports (EV_GONE always). Mask 0 also ends a wait that is going on, with no event,
+// and each later one at once, until the next mask; it ends a line_delay too.
 void line_set_mask(LineHandle line, uint32_t mask);
 
-// Waits for the next event, using no processor time. Gives 1 and the events since the last wait, 0 of them after mask
-// 0; or 0 when the line has failed.
+// Waits for the next event, using no processor time. Gives 1 and the events since the last wait, 0 of them
+// after mask 0; or 0 when the line has failed.
 int line_wait_event(LineHandle line, uint32_t* events);
 
-// Holds the calling worker for `ms` milliseconds (the driver goes on sending what it has, and bytes are still handed
-// to it). 1 when the time is over; 0 when mask 0 ended it, or the device has vanished, which the next wait tells.
+// Holds the calling worker for `ms` milliseconds (the driver goes on sending what it has, and bytes are still
+// handed to it). 1 when the time is over; 0 when mask 0 ended it, or the device has vanished, which the next
+// wait tells.
 int line_delay(LineHandle line, int ms);
 
 // Bytes in the receive ring.
@@ -98,8 +101,8 @@ int line_queue_length(LineHandle line);
 // Takes up to `size` bytes out of the ring, without waiting. Gives their number.
 int line_read(LineHandle line, void* buffer, int size);
 
-// Starts the write of `count` bytes; `data` must stay as it is until EV_TXEMPTY or line_purge. A write that is still
-// running is not allowed. 1, or 0 when the line has failed.
+// Starts the write of `count` bytes; `data` must stay as it is until EV_TXEMPTY or line_purge. A write that
+// is still running is not allowed. 1, or 0 when the line has failed.
 int line_write(LineHandle line, const void* data, int count);
 
 // Bytes that the last write has handed to the driver so far.

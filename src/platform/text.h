@@ -23,9 +23,9 @@ int append_text(char* to, std::size_t size, const char* from);
 // Compares two texts ignoring the case of A to Z. Gives 1 when they are equal.
 int equal_ignoring_case(const char* left, const char* right);
 
-// What a person types is UTF-8; a row of the document is bytes, shown by the Windows-1252 table. These turn the one
-// into the other. Both give 1, or 0 when something was lost: the text was cut to fit, or has a character that the
-// table lacks, for which a '?' stands.
+// What a person types is UTF-8; a row of the document is bytes, shown by the Windows-1252 table. These turn
+// the one into the other. Both give 1, or 0 when something was lost: the text was cut to fit, or has a
+// character that the table lacks, for which a '?' stands.
 int text_to_bytes(char* bytes, std::size_t size, const char* text);
 int bytes_to_text(char* text, std::size_t size, const char* bytes);
 

@@ -21,7 +21,8 @@ StreamHandle stream_open(const char* path);
 // streams are taken (`file` stays the caller's).
 StreamHandle stream_from_file(FileHandle file);
 
-// Makes an empty file as FileCreate::PRIVATE does, after deleting one of that name, for appending and reading.
+// Makes an empty file as FileCreate::PRIVATE does, after deleting one of that name, for appending and
+// reading.
 StreamHandle stream_create(const char* path);
 
 // Closes; bytes still in the append buffer are written first. Gives 1, or 0 when that failed.

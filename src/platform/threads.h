@@ -1,6 +1,6 @@
 // threads.h: worker threads and locks. All live in fixed tables; nothing is allocated by the caller.
-// Back ends: posix/ (real threads); scripted/ (real threads of which one runs at a time, until it blocks in a wait, a
-// send or a sleep, so that a script prints the same always).
+// Back ends: posix/ (real threads); scripted/ (real threads of which one runs at a time, until it blocks in a
+// wait, a send or a sleep, so that a script prints the same always).
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ enum class ThreadPriority : uint8_t { HIGHEST, NORMAL, BELOW_NORMAL };  // a wis
 // Runs `run(argument)` on a thread of its own. NO_THREAD on failure.
 ThreadHandle thread_start(int64_t (*run)(int64_t argument), int64_t argument, ThreadPriority priority);
 
-// Waits for the thread's end and frees its handle. On the main thread the messages that workers send are served
-// meanwhile, so that a worker that is just sending one comes to its end.
+// Waits for the thread's end and frees its handle. On the main thread the messages that workers send are
+// served meanwhile, so that a worker that is just sending one comes to its end.
 void thread_join(ThreadHandle thread);
 
 // Mutexes, not recursive. A lock is never held across a wait, a delay or a sent message.

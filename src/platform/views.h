@@ -16,63 +16,66 @@ namespace hexlane::platform {
 using ViewHandle = WindowHandle;
 
 enum class ControlKind : uint8_t {
-    TEXT,     // a label
+    TEXT,  // a label
     BUTTON,
-    FIELD,    // one line of text
+    FIELD,  // one line of text
     CHECK,
     RADIO,
     LIST,
-    CHOICE,   // a drop-down list
-    FRAME,    // a titled frame behind other controls
-    ICON,     // a named picture
-    PANE,     // a text surface of its own
+    CHOICE,  // a drop-down list
+    FRAME,   // a titled frame behind other controls
+    ICON,    // a named picture
+    PANE,    // a text surface of its own
 };
 
 // What may stand in a field, and what happens when it does not. All-zero means: anything, as long as it fits.
 struct InputRule {
-    int16_t limit;         // at most this many characters; 0 for no limit
-    const char* allowed;   // only these characters; nullptr for all
-    int32_t low, high;     // number range, when they differ
+    int16_t limit;              // at most this many characters; 0 for no limit
+    const char* allowed;        // only these characters; nullptr for all
+    int32_t low, high;          // number range, when they differ
     const int32_t* high_field;  // the range's upper end is in this field (plus `high`), when not nullptr
-    const char* message;   // box at a bad value; nullptr for a beep
+    const char* message;        // box at a bad value; nullptr for a beep
     const char* message_title;
     bool capitals = false;      // letters a to z become capitals
     bool may_be_empty = false;  // no text at all counts as in the range
 };
 
-constexpr uint16_t CONTROL_HIDDEN = 1;       // at start
-constexpr uint16_t CONTROL_DISABLED = 2;     // at start
-constexpr uint16_t CONTROL_CHECKED = 4;      // at start
-constexpr uint16_t CONTROL_DEFAULT = 8;      // the button that Enter presses
-constexpr uint16_t CONTROL_CANCEL = 16;      // the button that Esc presses
-constexpr uint16_t CONTROL_SUNKEN = 32;      // a sunken text
-constexpr uint16_t CONTROL_GROUP = 64;       // a radio button that starts a new group
+constexpr uint16_t CONTROL_HIDDEN = 1;    // at start
+constexpr uint16_t CONTROL_DISABLED = 2;  // at start
+constexpr uint16_t CONTROL_CHECKED = 4;   // at start
+constexpr uint16_t CONTROL_DEFAULT = 8;   // the button that Enter presses
+constexpr uint16_t CONTROL_CANCEL = 16;   // the button that Esc presses
+constexpr uint16_t CONTROL_SUNKEN = 32;   // a sunken text
+constexpr uint16_t CONTROL_GROUP = 64;    // a radio button that starts a new group
 constexpr uint16_t CONTROL_CENTERED = 128;
-constexpr uint16_t CONTROL_EDITABLE = 256;   // a CHOICE whose text can be typed too; picks and typing both tell
+constexpr uint16_t CONTROL_EDITABLE =
+    256;  // a CHOICE whose text can be typed too; picks and typing both tell
 
 struct ControlSpec {
     int16_t id;
     ControlKind kind;
-    const char* label;     // with its '&' mnemonic; for ICON the picture's name
-    uint8_t row, column;   // place in the view's grid
-    uint8_t rows, columns; // how many grid places it covers, at least 1
-    uint16_t width;        // wish, in characters or (child views) dialog units; 0 for its own size
-    uint16_t flags;        // CONTROL_ bits
-    const InputRule* rule; // nullptr for none
+    const char* label;      // with its '&' mnemonic; for ICON the picture's name
+    uint8_t row, column;    // place in the view's grid
+    uint8_t rows, columns;  // how many grid places it covers, at least 1
+    uint16_t width;         // wish, in characters or (child views) dialog units; 0 for its own size
+    uint16_t flags;         // CONTROL_ bits
+    const InputRule* rule;  // nullptr for none
 };
 
 struct ViewSpec {
-    const char* name;   // "IDD_RENUM"
+    const char* name;  // "IDD_RENUM"
     const char* title;
-    int16_t number;     // resource number, for the record; 0 when none is told
+    int16_t number;  // resource number, for the record; 0 when none is told
     const ControlSpec* controls;
     int16_t control_count;
-    int16_t x = 0;  // wished place in dialog units from the corner of the parent's client area; 0, 0: centered
+    int16_t x =
+        0;  // wished place in dialog units from the corner of the parent's client area; 0, 0: centered
     int16_t y = 0;
 };
 
-// A control tells its view what the person did with WM_COMMAND: first is the control's id, second is not 0. A button
-// was pressed, a box or radio button changed, another line of a LIST or CHOICE picked, a field's text changed.
+// A control tells its view what the person did with WM_COMMAND: first is the control's id, second is not 0. A
+// button was pressed, a box or radio button changed, another line of a LIST or CHOICE picked, a field's text
+// changed.
 
 // Makes a modal view, not yet on show; its procedure gets WM_INITDIALOG when it runs. 0 on failure.
 ViewHandle view_create(const ViewSpec* spec, WindowHandle parent, WindowProcedure procedure);
@@ -105,9 +108,9 @@ void view_add_to_list(ViewHandle view, int id, const char* text);
 void view_select(ViewHandle view, int id, int index);  // -1 for none
 int view_selection(ViewHandle view, int id);           // -1 for none
 
-// The text surface of a PANE control, for surface.h; its grid has the control's size in cells. NO_WINDOW when there
-// is no such pane. A pane tells its view's procedure of mouse and keys as a main window does, with WM_VSCROLL of its
-// bar too; bits 16 to 31 of the message's `first` then hold the pane's id.
+// The text surface of a PANE control, for surface.h; its grid has the control's size in cells. NO_WINDOW when
+// there is no such pane. A pane tells its view's procedure of mouse and keys as a main window does, with
+// WM_VSCROLL of its bar too; bits 16 to 31 of the message's `first` then hold the pane's id.
 WindowHandle view_pane(ViewHandle view, int id);
 
 // Draws one control at once, all with id -1, also during a long run that serves no messages.

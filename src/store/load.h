@@ -3,10 +3,10 @@
 
 namespace hexlane {
 
-// Opens file_path as the document: builds the table, opens both streams, sets file_open. The caller has closed
-// the previous document, sets file_title and file_dir before and the caret after. `modified` stays.
-// A missing file is created; an empty one gets CR LF. Gives 1 when the document is open. Otherwise 0: a message has
-// told why (or the user cancelled the question about NULs), the file is untouched, file_open is 0, and
+// Opens file_path as the document: builds the table, opens both streams, sets file_open. The caller has
+// closed the previous document, sets file_title and file_dir before and the caret after. `modified` stays. A
+// missing file is created; an empty one gets CR LF. Gives 1 when the document is open. Otherwise 0: a message
+// has told why (or the user cancelled the question about NULs), the file is untouched, file_open is 0, and
 // file_path and file_title are empty.
 int load_file();
 

@@ -10,6 +10,7 @@
 #include "platform/scripted/test_hooks.h"
 #include "store/block_buffer.h"
 #include "store/row_table.h"
+#include "view/colors.h"
 #include "view/text_view.h"
 
 #include <algorithm>
@@ -54,6 +55,7 @@ void press_a_key(Bytes* bytes) {
     const std::string with = WITH[bytes->below(std::size(WITH))];
     const std::string key = KEYS[bytes->below(std::size(KEYS))];
     repaint_owed = repaint_owed || (child[0].overwrite_mode && with.starts_with("Ctrl") && key == "Enter");
+    if (getenv("TRACE")) fprintf(stderr, "key %s%s\n", with.c_str(), key.c_str());
     press_key((with + key).c_str());
 }
 
@@ -134,6 +136,7 @@ void take_a_step(Bytes* bytes) {
     for (const Step& step : STEPS) {
         number -= step.weight;
         if (number < 0) {
+            if (getenv("TRACE")) fprintf(stderr, "step %d row %d/%d y %d col %d pend %d block %d,%d-%d,%d act %d\n", (int)(&step - STEPS), child[0].current_row, child[0].last_file_row, child[0].caret_row, child[0].caret_col, child[0].pending_row, block.start.col, block.start.row, block.end.col, block.end.row, child[0].block_active);
             step.act(bytes);
             break;
         }
@@ -226,20 +229,36 @@ bool is_stored_unchanged(const Difference& difference) {
            same_looks(*difference.before, *difference.shown);
 }
 
-// A row that a command draws by itself leaves numbers behind a comment black.
-bool has_numbers_behind_comment(const Difference& difference) {
-    const auto& cells = difference.shown->cells;
-    return child[0].color_table[COMMENT_SLOT].include_numbers != 0 &&
-           std::ranges::any_of(cells, [](const Cell& cell) { return cell.byte == ')'; });
+// A row that a command draws by itself leaves numbers behind a parenthesis black.
+bool is_number_behind_parenthesis(const Difference& difference) {
+    bool behind = false;
+    for (std::size_t col = 0; col < difference.shown->cells.size(); col++) {
+        const Cell& cell = difference.shown->cells[col];
+        behind = cell.byte == ')' || (behind && is_numeric_char(static_cast<char>(cell.byte)));
+        if (!behind && !same_look(cell, difference.fresh->cells[col]))
+            return false;
+    }
+    return true;
 }
 
 constexpr bool (*EXCEPTIONS[])(const Difference&) = {is_part_of_row, is_stored_unchanged,
-                                                     has_numbers_behind_comment};
+                                                     is_number_behind_parenthesis};
 
 void check_screen(const Screen& before) {
     const Screen shown = screen_now();
     const Screen fresh = repainted(shown);
     bool texts_fit = true;
+    if (getenv("TRACE")) {
+        fprintf(stderr, "nc %d colors %d changes %d over %d\n", child[0].nc_mode, child[0].colors_enabled, child[0].changes_colored, child[0].overwrite_mode);
+        for (std::size_t y = 0; y < shown.size(); y++)
+            if (!same_looks(shown[y], fresh[y]) || !same_text(shown[y], fresh[y])) {
+                for (const Line* l : {&before[std::min(y,before.size()-1)], &shown[y], &fresh[y]}) {
+                    fprintf(stderr, "%zu|", y);
+                    for (const Cell& c : l->cells) fprintf(stderr, "%c%s%x ", c.byte, c.paper == BLACK ? "#" : ":", c.ink);
+                    fprintf(stderr, "\n");
+                }
+            }
+    }
     for (std::size_t y = 0; y < shown.size(); y++)
         texts_fit = texts_fit && same_text(shown[y], fresh[y]);
     repaint_owed = repaint_owed && !texts_fit;

@@ -86,7 +86,7 @@ bool anything_moved(const Session& s) {
 int64_t over_at(const Session& s, End* why) {
     if (anything_moved(s) && s.closed_at != 0) {
         *why = End::CLOSED;
-        return std::max(s.closed_at, s.last_event) + SETTLE;
+        return std::max(s.closed_at, s.last_in) + SETTLE;
     }
     if (anything_moved(s)) {
         const bool waits = s.held || s.xon_due != 0 || !s.answers_due.empty();
@@ -176,7 +176,7 @@ void see_line(Session* s) {
         return;
     }
     log_bytes(s->log, "in", buffer, static_cast<std::size_t>(count));
-    s->last_event = now_ns();
+    s->last_event = s->last_in = now_ns();
     s->bytes.insert(s->bytes.end(), buffer, buffer + count);
     if (!receiving(*s))
         return;

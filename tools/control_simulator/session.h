@@ -33,6 +33,7 @@ struct Session {
     int64_t start_due = 0;   // DC1 or the first byte of --send
     int64_t closed_at = 0;   // the other side was closed, and not opened again
     int64_t last_event = 0;  // something moved
+    int64_t last_in = 0;     // bytes came in
     int64_t since_xoff = 0;  // bytes since the last XON
     int64_t behind_this_xoff = 0;
     bool started = false;  // DC1 was sent, or --send has begun

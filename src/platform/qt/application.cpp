@@ -119,7 +119,7 @@ void flush_display() {
     auto* x11 = application->nativeInterface<QNativeInterface::QX11Application>();
     using FlushCall = int (*)(void*);
     static const auto flush = reinterpret_cast<FlushCall>(QLibrary::resolve("xcb", 1, "xcb_flush"));
-    if (x11 != nullptr && flush != nullptr) {
+    if (x11 != nullptr && x11->connection() != nullptr && flush != nullptr) {
         flush(x11->connection());
     }
 }

@@ -13,6 +13,7 @@
 #include <QTimer>
 
 #include "platform/desktop.h"
+#include "platform/posix/threads_hook.h"
 #include "platform/qt/application.h"
 
 namespace hexlane::platform {
@@ -26,13 +27,15 @@ struct Waiter {
 };
 
 const QEvent::Type MESSAGE_EVENT = static_cast<QEvent::Type>(QEvent::registerEventType());
+const QEvent::Type SENT_EVENT =
+    static_cast<QEvent::Type>(QEvent::registerEventType());  // a worker waits for it
 
 // A message on its way. It lets its waiter go when it is deleted, so that a message that the ending program
 // never serves holds nobody.
 class MessageEvent final : public QEvent {
 public:
-    MessageEvent(WindowHandle to, uint32_t code, int64_t one, int64_t two)
-        : QEvent(MESSAGE_EVENT), window(to), message(code), first(one), second(two) {}
+    MessageEvent(QEvent::Type type, WindowHandle to, uint32_t code, int64_t one, int64_t two)
+        : QEvent(type), window(to), message(code), first(one), second(two) {}
     ~MessageEvent() override {
         if (waiter != nullptr) {
             waiter->served.release();
@@ -77,7 +80,7 @@ bool timer_is_due(WindowHandle window, int64_t id) {
 }
 
 bool Dispatcher::event(QEvent* event) {
-    if (event->type() != MESSAGE_EVENT) {
+    if (event->type() != MESSAGE_EVENT && event->type() != SENT_EVENT) {
         return QObject::event(event);
     }
     const auto* message = static_cast<MessageEvent*>(event);
@@ -95,6 +98,7 @@ bool Dispatcher::event(QEvent* event) {
 
 void make_dispatcher() {
     dispatcher = new Dispatcher;
+    serve_sent_messages = [] { QCoreApplication::sendPostedEvents(dispatcher, SENT_EVENT); };
 }
 
 WindowHandle add_window(WindowProcedure procedure) {
@@ -120,7 +124,7 @@ int64_t send_message(WindowHandle window, uint32_t message, int64_t first, int64
         return call_window(window, message, first, second);
     }
     Waiter waiter;
-    auto* event = new MessageEvent(window, message, first, second);
+    auto* event = new MessageEvent(SENT_EVENT, window, message, first, second);
     event->waiter = &waiter;
     QCoreApplication::postEvent(dispatcher, event);
     waiter.served.acquire();
@@ -128,7 +132,7 @@ int64_t send_message(WindowHandle window, uint32_t message, int64_t first, int64
 }
 
 void post_message(WindowHandle window, uint32_t message, int64_t first, int64_t second) {
-    QCoreApplication::postEvent(dispatcher, new MessageEvent(window, message, first, second));
+    QCoreApplication::postEvent(dispatcher, new MessageEvent(MESSAGE_EVENT, window, message, first, second));
 }
 
 // A tick only queues WM_TIMER, once at a time. Qt holds a timer back while its own tick is being served, and
@@ -140,7 +144,7 @@ void start_timer(WindowHandle window, int id, int period_ms) {
         ProgramTimer* made = timer.get();
         QObject::connect(&made->ticks, &QTimer::timeout, [made, window, id] {
             if (!std::exchange(made->waiting, true)) {
-                auto* event = new MessageEvent(window, WM_TIMER, id, 0);
+                auto* event = new MessageEvent(MESSAGE_EVENT, window, WM_TIMER, id, 0);
                 event->from_timer = true;
                 QCoreApplication::postEvent(dispatcher, event);
             }

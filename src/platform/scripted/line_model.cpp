@@ -28,7 +28,9 @@ void byte_has_left(ScriptedLine* line) {
     side.fifo.pop_front();
     side.leaves_ns = NEVER;
     side.write.moved_ns = clock_ns();
-    line->machine.outgoing.push_back({byte, clock_ns()});
+    std::vector<OutgoingByte>& outgoing = line->machine.outgoing;
+    const int64_t started = clock_ns() - character_ns(side);
+    outgoing.push_back({byte, clock_ns(), outgoing.empty() || outgoing.back().at_ns < started});
     push_write(line);
     const std::function<void(uint8_t byte)> hears = line->machine.hears;  // it may set another one
     if (hears) {
@@ -61,7 +63,7 @@ void byte_has_come(ScriptedLine* line) {
     const IncomingByte incoming = line->machine.incoming.front();
     line->machine.incoming.pop_front();
     OpenLine& side = line->side;
-    if (!side.open || handshake_takes(line, incoming.byte)) {
+    if (!side.open || side.lost || handshake_takes(line, incoming.byte)) {
         return;
     }
     if (side.ring.size() < RECEIVE_RING) {
@@ -152,7 +154,8 @@ void note_line_events(OpenLine* side, uint32_t events) {
 void unplug_line(ScriptedLine* line) {
     line->machine.gone = true;
     line->machine.incoming.clear();
-    if (line->side.open) {
+    if (line->side.open && !line->side.lost) {
+        line->side.lost = true;
         stop_write(&line->side);
         line->side.delay_ns = NEVER;
         note_line_events(&line->side, EV_GONE);

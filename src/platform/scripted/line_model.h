@@ -30,7 +30,8 @@ struct IncomingByte {
 
 struct OutgoingByte {
     uint8_t byte;
-    int64_t at_ns;  // when it had left
+    int64_t at_ns;     // when it had left
+    bool after_pause;  // the line was idle before it
 };
 
 // The write that runs, or the last one.
@@ -49,6 +50,7 @@ struct OpenLine {
     std::string device;
     LineSettings settings = {};
     bool dtr = false;
+    bool lost = false;  // the device has gone since it was opened
     uint32_t mask = 0;
     uint32_t pending = 0;  // events that no wait has told yet
     std::deque<uint8_t> ring;
@@ -65,7 +67,7 @@ struct MachineEnd {
     LineProblem refuses = LineProblem::NONE;  // why an open fails
     std::string refusal_text;
     bool refuses_settings = false;
-    bool gone = false;  // unplugged or hung up
+    bool gone = false;  // unplugged or hung up: opens fail
     bool cts = true;
     uint32_t real_rate = 0;  // that the driver sets whatever was asked; 0: what was asked
     int fifo_size = DEFAULT_FIFO;

@@ -2,11 +2,13 @@
 
 #include "platform/scripted/script.h"
 
+#include "platform/scripted/message_queue.h"
 #include "platform/scripted/modal.h"
 #include "platform/scripted/record.h"
 #include "platform/scripted/script_actions.h"
 
 #include <chrono>
+#include <climits>
 #include <cstdlib>
 
 namespace hexlane::platform {
@@ -72,10 +74,8 @@ Refusal phase_refuses(const Action& action) {
     return phase == AFTER_EXIT ? "the program has ended" : "the program has not been started";
 }
 
-// Takes the next line, which is there, and does what it says.
-void play_line() {
-    const ScriptLine line = next_line;
-    next_line_is_read = false;
+// Echoes a line and does what it says.
+void perform(const ScriptLine& line) {
     const int outer_line = acting_line;
     acting_line = line.number;
     record_line("> " + line.shown);
@@ -96,6 +96,51 @@ void play_line() {
     acting_line = outer_line;
 }
 
+// What is left of a line behind its first `count` words, which are bare.
+std::string shown_behind(const std::string& shown, int count) {
+    std::size_t at = 0;
+    for (int i = 0; i < count; i++) {
+        at = shown.find_first_not_of(" \t", shown.find_first_of(" \t", at));
+    }
+    return shown.substr(at);
+}
+
+// `later N LINE`, which acts when the program pumps for the N-th time from here.
+void lay_later(const ScriptLine& line) {
+    const int outer_line = acting_line;
+    acting_line = line.number;
+    record_line("> " + line.shown);
+    int64_t count = 0;
+    if (line.words.size() < 3 || !parse_number(line.words[1], 1, INT_MAX, &count)) {
+        stop_at_line("use: later N LINE");
+    }
+    if (phase != WHILE_RUNNING) {
+        stop_at_line("the program does not run");
+    }
+    const ScriptLine inner = {
+        line.number, shown_behind(line.shown, 2), {line.words.begin() + 2, line.words.end()}};
+    act_at_pump(static_cast<int>(count), [inner] { perform(inner); });
+    acting_line = outer_line;
+}
+
+void play_line() {
+    const ScriptLine line = next_line;
+    next_line_is_read = false;
+    if (line.words[0].text == "later" && !line.words[0].is_quoted) {
+        lay_later(line);
+    } else {
+        perform(line);
+    }
+}
+
+// The lines that `later` has laid ready must all have come to their turn.
+void check_nothing_is_left() {
+    if (acts_wait_for_pump()) {
+        acting_line = lines_read;
+        stop_at_line("the program has not pumped as often as `later` says");
+    }
+}
+
 void print_start_time() {
     if (start_is_timed) {
         start_is_timed = false;
@@ -110,6 +155,7 @@ bool play_next_line() {
         play_line();
         return true;
     }
+    check_nothing_is_left();
     if (const Modal* modal = top_modal()) {
         record_line("ended with " + modal->name + " up");
         std::exit(SCRIPT_LEFT_UP);
@@ -169,6 +215,7 @@ int play_script(const ScriptSetup& setup) {
             run_program();
         }
     }
+    check_nothing_is_left();
     return SCRIPT_RAN;
 }
 

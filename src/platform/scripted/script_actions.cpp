@@ -56,6 +56,10 @@ Refusal do_start(const Words&) {
     return "one start a script, before anything else";  // the first one is taken by script.cpp
 }
 
+Refusal do_later(const Words&) {
+    return "`later` cannot stand behind another `later`";  // a first one is taken by script.cpp
+}
+
 Refusal do_key(const Words& words) {
     return has(words, 1, 1) && !words[1].is_quoted ? person_presses(words[1].text) : WRONG_USE;
 }
@@ -243,18 +247,13 @@ Refusal do_rows(const Words& words) {
 
 // ---- What later builds have --------------------------------------------------------------------------
 
-Refusal no_pump(const Words&) {
-    return "this build has no run that pumps messages";
-}
-
-Refusal no_serial_line(const Words&) {
-    return "this build has no serial lines";
-}
-
 Refusal no_printer(const Words&) {
     return "this build has no printer";
 }
 
+constexpr const char* LINE_USE = "N feed \"BYTES\" [MS] [at-once] | break | cts on|off | sent [times] | rate "
+                                 "N | fifo BYTES | drain MS | fail | "
+                                 "refuse \"REASON\" | refuse-settings | ready";
 constexpr const char* CONTROL_USE = "\"LABEL\"|\"LABEL\"/N|@ID";
 
 const Action ACTIONS[] = {
@@ -265,7 +264,7 @@ const Action ACTIONS[] = {
     {"char", "CODE [REPEAT]", WHILE_RUNNING, do_char},
     {"command", "ID", WHILE_RUNNING, do_command},
     {"hint", "ID", WHILE_RUNNING, do_hint},
-    {"later", "N LINE", WHILE_RUNNING, no_pump},
+    {"later", "N LINE", WHILE_RUNNING, do_later},
     {"mouse", "[PANE] down|move|up|right COL ROW [Shift] [Ctrl]", WHILE_RUNNING, do_mouse},
     {"pointer", "COL ROW", WHILE_RUNNING, do_pointer},
     {"scroll", "line-up|line-down|page-up|page-down|top|bottom|thumb POS", WHILE_RUNNING, do_scroll},
@@ -281,7 +280,7 @@ const Action ACTIONS[] = {
     {"choose", "\"PATH\" [N]", WHILE_RUNNING, do_choose},
     {"cancel", "", WHILE_RUNNING, do_cancel},
     {"open-request", "[\"FILE\"]", WHILE_RUNNING, do_open_request},
-    {"line", "N ...", WHILE_RUNNING, no_serial_line},
+    {"line", LINE_USE, ALWAYS, do_line},
     {"printer", "\"NAME\"|none|fail", BEFORE_START | WHILE_RUNNING, no_printer},
     {"screen", "[PANE]", WHILE_RUNNING, print_screen},
     {"colors", "[PANE]", WHILE_RUNNING, print_colors},

@@ -33,6 +33,9 @@ extern const Refusal WRONG_USE;
 // "LABEL", "LABEL"/2 or @ID in that place. Gives false when something else stands there, or nothing.
 bool control_at(const Words& words, std::size_t at, ControlName* name);
 
+// A script plays the machine on a serial line, in script_lines.cpp.
+Refusal do_line(const Words& words);
+
 // The lines that print, in script_prints.cpp.
 Refusal print_screen(const Words& words);
 Refusal print_colors(const Words& words);
@@ -43,6 +46,9 @@ Refusal print_caret(const Words& words);
 Refusal print_view(const Words& words);
 Refusal print_bytes(const Words& words);
 Refusal print_files(const Words& words);
+
+// Bytes as quoted lines, one for each line feed, the rest last.
+void print_byte_lines(const std::string& bytes);
 
 // What the program layer knows (script.h); set before the first line.
 void set_state_printers(void (*state)(), std::string (*rows)(int64_t first, int64_t last));

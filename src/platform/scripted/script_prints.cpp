@@ -199,17 +199,23 @@ Refusal print_view(const Words& words) {
     return "";
 }
 
+void print_byte_lines(const std::string& bytes) {
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t line_end = bytes.find('\n', at);
+        const std::size_t end = line_end == std::string::npos ? bytes.size() : line_end + 1;
+        record_line(quoted(bytes.substr(at, end - at)));
+        at = end;
+    }
+}
+
 Refusal print_bytes(const Words& words) {
     if (words.size() != 2 || !words[1].is_quoted) {
         return WRONG_USE;
     }
     std::string bytes;
     const Refusal refusal = read_whole_file(without_place_name(words[1].text), &bytes);
-    for (std::size_t at = 0; refusal.empty() && at < bytes.size();) {
-        const std::size_t line_end = bytes.find('\n', at);
-        const std::size_t end = line_end == std::string::npos ? bytes.size() : line_end + 1;
-        record_line(quoted(bytes.substr(at, end - at)));
-        at = end;
+    if (refusal.empty()) {
+        print_byte_lines(bytes);
     }
     return refusal;
 }

@@ -146,7 +146,7 @@ int line_wait_event(LineHandle handle, uint32_t* events) {
             side.pending &= ~*events;
             return 1;
         }
-        if (line->machine.gone) {
+        if (side.lost) {
             return 0;
         }
         worker_waits_for(&side);
@@ -162,12 +162,12 @@ int line_delay(LineHandle handle, int ms) {
     }
     OpenLine& side = line->side;
     const int64_t until = clock_ns() + ms * NS_PER_MS;
-    while (clock_ns() < until && side.mask != 0 && !line->machine.gone) {
+    while (clock_ns() < until && side.mask != 0 && !side.lost) {
         side.delay_ns = until;
         worker_waits_for(&side);
     }
     side.delay_ns = NEVER;
-    return side.mask != 0 && !line->machine.gone ? 1 : 0;
+    return side.mask != 0 && !side.lost ? 1 : 0;
 }
 
 int line_queue_length(LineHandle handle) {
@@ -189,7 +189,7 @@ int line_read(LineHandle handle, void* buffer, int size) {
 
 int line_write(LineHandle handle, const void* data, int count) {
     ScriptedLine* line = line_of(handle);
-    if (line == nullptr || line->machine.gone || line->side.write.running || count < 0) {
+    if (line == nullptr || line->side.lost || line->side.write.running || count < 0) {
         return 0;
     }
     line->side.write = {static_cast<const uint8_t*>(data), count, 0, true, clock_ns()};

@@ -241,6 +241,10 @@ bool messages_waiting() {
     return messages_are_waiting();
 }
 
+void at_pump(int count, const std::function<void()>& act) {
+    act_at_pump(count, act);
+}
+
 void advance_clock(int ms) {
     must_apply(person_waits(ms));
 }

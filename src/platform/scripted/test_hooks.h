@@ -10,6 +10,7 @@
 #include "platform/views.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -87,7 +88,10 @@ bool status_shown(int id);
 void pump_messages();
 bool messages_waiting();
 
-// Moves the clock on and runs the timers that fall due.
+// Does `act` in the program's `count`-th call of pump_one_message from now on.
+void at_pump(int count, const std::function<void()>& act);
+
+// Moves the clock on, runs the timers that fall due and what comes and goes over serial lines (line_hooks.h).
 void advance_clock(int ms);
 bool timer_running(int id);
 int timer_period(int id);  // ms, 0 when it is not running

@@ -1,5 +1,5 @@
-// filter_fixture.h: the send filters without a line: fills run one after the other, and an awaited answer counts as
-// given as soon as it is awaited.
+// filter_fixture.h: the send filters without a line: fills run one after the other, and an awaited answer
+// counts as given as soon as it is awaited.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -70,8 +70,8 @@ protected:
 
     std::string receive(const std::string& line) {
         port_apply_machine(0, machine());
-        const int stored = receive_filter(static_cast<int>(line.size()),
-                                          reinterpret_cast<const uint8_t*>(line.data()), 0);
+        const int stored =
+            receive_filter(static_cast<int>(line.size()), reinterpret_cast<const uint8_t*>(line.data()), 0);
         return {reinterpret_cast<char*>(transfer_buffers[0].file_buffer), static_cast<std::size_t>(stored)};
     }
 };

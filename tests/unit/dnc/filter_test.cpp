@@ -37,7 +37,10 @@ TEST_F(FilterTest, CompressionFollowsItsRules) {
         {"an N in a comment stays", {numbers}, "(N5) N6X\r\n", "(N5) X\r\n"},
         {"spaces and tabs", {spaces, tabs}, "G1 \tX 5\r\n", "G1X5\r\n"},
         {"a character", {character, {Field::COMPRESS_CHARACTER, '/'}}, "/N1 (/)\r\n", "N1 ()\r\n"},
-        {"a blank character drops nothing", {character, {Field::COMPRESS_CHARACTER, -1}}, "\xFFN1\r\n", "\xFFN1\r\n"},
+        {"a blank character drops nothing",
+         {character, {Field::COMPRESS_CHARACTER, -1}},
+         "\xFFN1\r\n",
+         "\xFFN1\r\n"},
         {"LF", {{Field::EOB_CONVERSION, 1}}, "A\r\nB\nC\r\n", "A\nBC\n"},
         {"CR", {{Field::EOB_CONVERSION, 2}}, "A\r\nB\r\n", "A\rB\r"},
         {"LF CR CR", {{Field::EOB_CONVERSION, 4}}, "A\r\n", "A\n\r\r"},
@@ -86,7 +89,8 @@ TEST_F(FilterTest, EachProtocolFramesTheFile) {
     machine().protocol = PROTOCOL_BRIDGEPORT;
     machine().eob_conversion = 4;
     EXPECT_EQ(send_in_stretches(block.substr(1) + "\r\nB"),
-              (std::vector<std::string>{block.substr(1) + "\n\x17\r\r", "B\x17"s + static_cast<char>('B') + "\x04"}));
+              (std::vector<std::string>{block.substr(1) + "\n\x17\r\r",
+                                        "B\x17"s + static_cast<char>('B') + "\x04"}));
 }
 
 TEST_F(FilterTest, StartAndEndSequencesStandAroundTheFile) {
@@ -105,7 +109,8 @@ TEST_F(FilterTest, StartAndEndSequencesStandAroundTheFile) {
 }
 
 TEST_F(FilterTest, LongSequencesAreCarriedOverWholeAndInOrder) {
-    for (const int protocol : {PROTOCOL_GENERAL, PROTOCOL_BRIDGEPORT, PROTOCOL_HEIDENHAIN, PROTOCOL_PHILLIPS}) {
+    for (const int protocol :
+         {PROTOCOL_GENERAL, PROTOCOL_BRIDGEPORT, PROTOCOL_HEIDENHAIN, PROTOCOL_PHILLIPS}) {
         SCOPED_TRACE(protocol);
         std::string file;
         for (int row = 0; row < 1200; row++)

@@ -87,7 +87,9 @@ TEST_F(MachineTest, ProtocolsAndDataTypesForceTheirSettings) {
     EXPECT_FALSE(drop_delay_without_conversion(&m));
 }
 
-TEST(Crc32, IsThePublishedOne) { EXPECT_EQ(crc32(crc32(0, "12345", 5), "6789", 4), 0xCBF43926U); }
+TEST(Crc32, IsThePublishedOne) {
+    EXPECT_EQ(crc32(crc32(0, "12345", 5), "6789", 4), 0xCBF43926U);
+}
 
 }  // namespace
 }  // namespace hexlane

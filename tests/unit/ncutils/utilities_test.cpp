@@ -179,7 +179,7 @@ TEST_F(UtilitiesTest, UnseenBytesStayWithTheirRow) {
     EXPECT_EQ(bytes(), filler + "X1234 X5\r\n" + filler + "X13 X5\r\n" + filler + "X2 X5\r\nX2\r\n");
 }
 
-TEST_F(UtilitiesTest, TheRowCountMovesDuringARun) {
+TEST_F(UtilitiesTest, ARunEndsWithItsRowCountAndNoMessage) {
     open(many_rows("X"));
     shift("X");
     EXPECT_EQ(status_text(105), "40");

@@ -134,6 +134,27 @@ TEST_F(ReplaceTest, AFewMatchesInALongDocumentAreAllFound) {
     }
 }
 
+TEST_F(ReplaceTest, AMatchIsFoundWhereverTheBytesReadAtATimeEnd) {
+    constexpr size_t STRETCH = 1 << 16;  // bytes
+    for (size_t back = 0; back <= 7; ++back) {
+        std::string file;
+        while (file.size() < 2 * STRETCH)
+            file += std::string(62, 'e') + "\r\n";
+        // A row begins at each stretch; the one in front of it loses its line end in favour of the match.
+        file.replace(STRETCH - back, 6, "NEEDLE");
+        if (back < 2)
+            file.replace(STRETCH - 2, 2 - back, std::string(2 - back, 'e'));
+        platform::reset_desktop();
+        start_with(file);
+        replace_all("needle", "found");
+        size_t found = 0;
+        for (const std::string& row : rows())
+            found += row.find("found") != std::string::npos;
+        EXPECT_EQ(found, 1u) << back << " bytes in front of it";
+        close_document();
+    }
+}
+
 TEST_F(ReplaceTest, ARowThatWouldNotFitKeepsTheMatchAndIsCounted) {
     const std::string full = "G0" + std::string(252, 'x') + "\r\n";
     start_with("G0 G0\r\n" + full + full + "G0\r\n");
