@@ -29,8 +29,8 @@ constexpr uint8_t FLOW_XON_XOFF = 4;
 
 // The run. Who writes: [main], [worker], [lock] as in transfer_state.h.
 struct PortSlot {
-    platform::LineHandle port_handle;      // [main]
-    uint8_t port_number;                   // 1 to 4 [main]
+    platform::LineHandle port_handle = platform::NO_LINE;  // [main]
+    uint8_t port_number;                                   // 1 to 4 [main]
     std::atomic<int32_t> connected;        // from a successful open until a close begins [main]
     uint8_t byte_size;                     // 7 or 8 [main]
     uint8_t flow_control;                  // FLOW_ [main]

@@ -91,8 +91,8 @@ struct TransferState {
     char file_name[platform::PATH_SIZE];  // stays on show behind the transfer [main]
     std::atomic<int8_t> status;
     std::atomic<int32_t> first_block;  // the delay ahead of the first write is still owed [lock]
-    platform::FileHandle file_handle;  // the file being received [lock]
-    uint8_t xoff_char;                 // from the machine [lock]
+    platform::FileHandle file_handle = platform::NO_FILE;  // the file being received [lock]
+    uint8_t xoff_char;                                     // from the machine [lock]
 
     // Of this transfer beyond what the filters need.
     int32_t transfer_number;           // goes with TRANSFER_DONE_MESSAGE [lock]

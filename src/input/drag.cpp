@@ -75,17 +75,17 @@ void fit_rows(int32_t step) {
         fit_rows_downward();
 }
 
-// A part of a row that is left must be painted without the block, whether or not its row is one of the block.
-void forget_part_of_row() {
-    if (block_holds_rows())
-        return;
-    previous_block.start = block.start;
-    previous_block.end = block.start;
+// Notes which rows show the block now: those must be painted again when they leave it. Of a part of a row
+// that is its row.
+void note_rows_on_show() {
+    previous_block = block;
+    if (!block_holds_rows())
+        previous_block.end = block.start;
 }
 
 // Takes the caret to a row of the document that is on the screen.
 void drag_to_row(int32_t row) {
-    forget_part_of_row();
+    note_rows_on_show();
     do {
         const int32_t step = (row > child[0].current_row) - (row < child[0].current_row);
         child[0].current_row += step;
@@ -106,7 +106,6 @@ void end_at_caret() {
     block.end = {block.end.col, static_cast<int16_t>(child[0].caret_row), child[0].current_row};
     block_order_ends();
     paint_view();
-    previous_block = block;
 }
 
 void show_part_of_row() {
@@ -123,13 +122,11 @@ void scroll_up_to_pointer() {
     if (child[0].caret_row > 0) {
         drag_to_row(top_row());
     } else {
-        forget_part_of_row();
         --child[0].current_row;
         fit_rows(-1);
         block_order_ends();
     }
     paint_view();
-    previous_block = block;
 }
 
 void scroll_down_to_pointer() {

@@ -59,9 +59,7 @@ bool handshake_takes(ScriptedLine* line, uint8_t byte) {
     return true;
 }
 
-void byte_has_come(ScriptedLine* line) {
-    const IncomingByte incoming = line->machine.incoming.front();
-    line->machine.incoming.pop_front();
+void take_byte(ScriptedLine* line, const IncomingByte& incoming) {
     OpenLine& side = line->side;
     if (!side.open || side.lost || handshake_takes(line, incoming.byte)) {
         return;
@@ -71,6 +69,17 @@ void byte_has_come(ScriptedLine* line) {
     }
     const bool is_event = incoming.byte == side.settings.event_char;
     note_line_events(&side, EV_RXCHAR | (is_event ? EV_RXFLAG : 0) | (incoming.is_break ? EV_BREAK : 0));
+}
+
+// What comes in one moment is one piece to the worker.
+void bytes_have_come(ScriptedLine* line) {
+    std::deque<IncomingByte>& incoming = line->machine.incoming;
+    const int64_t time_ns = incoming.front().at_ns;
+    while (!incoming.empty() && incoming.front().at_ns == time_ns) {
+        const IncomingByte byte = incoming.front();
+        incoming.pop_front();
+        take_byte(line, byte);
+    }
 }
 
 // ---- What is due -------------------------------------------------------------------------------------
@@ -85,7 +94,7 @@ struct LineEvent {
 LineEvent next_event(const ScriptedLine& line) {
     const std::deque<IncomingByte>& incoming = line.machine.incoming;
     const LineEvent events[] = {
-        {incoming.empty() ? NEVER : incoming.front().at_ns, byte_has_come},
+        {incoming.empty() ? NEVER : incoming.front().at_ns, bytes_have_come},
         {line.side.leaves_ns, byte_has_left},
         {line.side.empty_ns, [](ScriptedLine* due) { write_is_over(&due->side); }},
         {line.side.delay_ns,

@@ -1,0 +1,383 @@
+// Port engine and transfers on the scripted line: every protocol with its answers, the starts, the ends, and
+// a machine that stops, answers early, or goes away. All on the scripted clock.
+
+#include <filesystem>
+#include <random>
+
+#include "dnc/machine_fields.h"
+#include "dnc/port_engine.h"
+#include "dnc/transfer.h"
+#include "frame/child.h"
+#include "frame/command_state.h"
+#include "platform/posix/file_faults.h"
+#include "platform/scripted/line_hooks.h"
+#include "platform/scripted/test_hooks.h"
+#include "support/program_test.h"
+
+namespace hexlane {
+namespace {
+
+using namespace platform;
+using namespace std::string_literals;
+
+constexpr int LONG = 3600 * 1000;  // ms
+
+class EngineTest : public ProgramTest {
+protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        for (int slot = 0; slot < SLOT_COUNT; slot++) {
+            transfer_state[slot].status = PORT_IDLE;
+            transfer_state[slot].fault = TransferFault::NONE;
+            transfer_state[slot].in_comment = transfer_state[slot].in_line_number = 0;
+            transfer_state[slot].comment_dropped = transfer_state[slot].line_has_output = 0;
+            reset_transfer(slot);
+        }
+        start("");
+        set_machine_defaults();
+        slot_machine[0] = 0;
+        slot_machine[1] = 1;
+        machine_table[1].port_index = 1;
+        machine().stop_bits_index = 0;
+    }
+
+    void TearDown() override {
+        for (int slot = 0; slot < SLOT_COUNT; slot++)
+            port_close(slot);
+        stop_ui_timer();
+        ProgramTest::TearDown();
+    }
+
+    static MachineParams& machine(int slot = 0) { return machine_table[slot]; }
+
+    // What the activity screen does behind Send Properties.
+    void begin_send(const std::string& name, bool now, int slot = 0, int32_t offset = 0) {
+        TransferState& t = transfer_state[slot];
+        send_now = now;
+        t.start_now = now;
+        copy_text(t.file_name, PATH_SIZE, path(name).c_str());
+        t.total_bytes = static_cast<int32_t>(std::filesystem::file_size(path(name)));
+        t.start_offset = offset;
+        t.file_position = offset;
+        t.status = SEND_STANDBY;
+        ASSERT_EQ(port_init(slot, machine(slot)), 1);
+        ASSERT_EQ(port_open(slot), 1);
+        ASSERT_EQ(prepare_send(slot), 1);
+        set_ui_timer(UI_TIMER_SLOW);
+    }
+
+    void begin_receive(const std::string& name, int slot = 0) {
+        copy_text(transfer_state[slot].file_name, PATH_SIZE, path(name).c_str());
+        ASSERT_EQ(port_init(slot, machine(slot)), 1);
+        ASSERT_EQ(port_open(slot), 1);
+        ASSERT_EQ(prepare_receive(slot), 1);
+        set_ui_timer(UI_TIMER_SLOW);
+    }
+
+    // Runs until the slot's port is closed again.
+    static bool ended(int slot = 0, int limit_ms = LONG) {
+        return advance_until([slot] { return !port_slot[slot].connected; }, limit_ms);
+    }
+
+    static std::string last_box() { return shown_boxes().empty() ? "" : shown_boxes().back().text; }
+
+    static std::string program(int rows) {
+        std::string text;
+        for (int row = 0; row < rows; row++)
+            text += "N" + std::to_string(row) + " G1 X" + std::to_string(row * 37 % 911) + "\r\n";
+        return text;
+    }
+
+    // A machine that answers each block; ETB ends one, in HEIDENHAIN with the check behind it.
+    static void answer_blocks(int after_etb, int64_t delay_us = 0) {
+        auto waiting = std::make_shared<int>(-1);
+        play_machine(1, [=](uint8_t byte) {
+            if (*waiting > 0 && --*waiting == 0)
+                feed_line(1, "\x06", delay_us);
+            if (byte == ETB && *waiting <= 0) {
+                *waiting = after_etb;
+                if (after_etb == 0)
+                    feed_line(1, "\x06", delay_us);
+            }
+        });
+    }
+};
+
+TEST_F(EngineTest, AGeneralSendGoesOutWholeAndIsTold) {
+    const std::string file = program(2000);  // several buffers
+    write("part.nc", file);
+    answer_box("OK");
+    begin_send("part.nc", true);
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(take_sent(1), file);
+    EXPECT_EQ(last_box(), "File Transmission Complete.");
+    EXPECT_EQ(transfer_state[0].status, SEND_DONE);
+    EXPECT_EQ(transfer_state[0].tally.file_bytes, static_cast<int64_t>(file.size()));
+    EXPECT_EQ(bytes("part.nc"), file);
+}
+
+TEST_F(EngineTest, LineByLineSendsTheSameBytes) {
+    const std::string file = program(50) + std::string(700, 'L') + "\r\n(END)\r\n\r\nlast";
+    write("part.nc", file);
+    machine().eob_delay_ms = 30;
+    answer_box("OK");
+    begin_send("part.nc", true);
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(take_sent(1), file);
+}
+
+TEST_F(EngineTest, BlockProtocolsWaitForEachAnswer) {
+    struct Case {
+        int protocol;
+        int64_t delay_us;
+    };
+    const std::string file = program(60);
+    for (const Case& c : {Case{PROTOCOL_BRIDGEPORT, 0}, Case{PROTOCOL_BRIDGEPORT, 50000},
+                          Case{PROTOCOL_HEIDENHAIN, 0}, Case{PROTOCOL_HEIDENHAIN, 50000}}) {
+        SCOPED_TRACE(std::to_string(c.protocol) + " " + std::to_string(c.delay_us));
+        TearDown();
+        SetUp();
+        write("part.nc", file);
+        machine().protocol = c.protocol;
+        answer_blocks(c.protocol == PROTOCOL_BRIDGEPORT ? 0 : 2, c.delay_us);
+        answer_box("OK");
+        begin_send("part.nc", true);
+        ASSERT_TRUE(ended());
+        const std::string sent = take_sent(1);
+        std::string data;
+        for (const char byte : sent) {
+            if (byte == '\r' || byte == '\n' || (byte >= ' ' && byte != 0x7F))
+                data += byte;
+        }
+        if (c.protocol == PROTOCOL_BRIDGEPORT) {
+            EXPECT_EQ(data.substr(0, file.size()), file);
+        }
+        EXPECT_EQ(last_box(), "File Transmission Complete.");
+        EXPECT_EQ(transfer_state[0].tally.acks,
+                  c.protocol == PROTOCOL_BRIDGEPORT ? static_cast<int>(file.size()) / BRIDGEPORT_BLOCK : 60);
+    }
+}
+
+TEST_F(EngineTest, NothingGoesOutBeforeTheAnswerAndABlockGoesOnce) {
+    write("part.nc", "N1\r\nN2\r\n");
+    machine().protocol = PROTOCOL_HEIDENHAIN;
+    begin_send("part.nc", true);
+    advance_clock(5000);
+    EXPECT_EQ(take_sent(1), "\x06\x02N1\r\n\x17\x6D\x02");
+    feed_line(1, "\x06");
+    advance_clock(5000);
+    EXPECT_EQ(take_sent(1), "N2\r\n\x17\x6E\x02\x0C\x03");
+    EXPECT_EQ(transfer_state[0].status, SENDING);
+    answer_box("OK");
+    feed_line(1, "\x06\x06");  // a stray answer behind the end changes nothing
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(last_box(), "File Transmission Complete.");
+    EXPECT_EQ(take_sent(1), "");
+}
+
+TEST_F(EngineTest, AnAnswerAheadOfTheWritesEndDrivesTheNextBlockOnce) {
+    write("part.nc", "N1\r\nN2\r\nN3\r\n");
+    machine().protocol = PROTOCOL_HEIDENHAIN;
+    set_line_drain(1, 20000);  // the transmitter is empty long behind the last byte
+    answer_blocks(2);
+    answer_box("OK");
+    begin_send("part.nc", true);
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(take_sent(1), "\x06\x02N1\r\n\x17\x6D\x02N2\r\n\x17\x6E\x02N3\r\n\x17\x6F\x02\x0C\x03");
+}
+
+TEST_F(EngineTest, AQueuedSendWaitsForTheMachinesRequest) {
+    for (const int protocol : {PROTOCOL_GENERAL, PROTOCOL_HEIDENHAIN}) {
+        SCOPED_TRACE(protocol);
+        TearDown();
+        SetUp();
+        write("part.nc", "N1\r\n");
+        machine().protocol = protocol;
+        begin_send("part.nc", false);
+        EXPECT_EQ(line_facts(1).settings.xon_char, 0);
+        feed_line(1, "ABC\x06\x13");
+        advance_clock(60000);
+        EXPECT_EQ(take_sent(1), "");
+        EXPECT_EQ(transfer_state[0].status, SEND_STANDBY);
+        if (protocol == PROTOCOL_HEIDENHAIN)
+            answer_blocks(2);
+        answer_box("OK");
+        feed_line(1, "x\x11y");
+        ASSERT_TRUE(ended());
+        EXPECT_EQ(take_sent(1),
+                  protocol == PROTOCOL_GENERAL ? "N1\r\n"s : "\x06\x02N1\r\n\x17\x6D\x02\x0C\x03"s);
+    }
+}
+
+TEST_F(EngineTest, ContinuousSendsAgainWithoutTheStartSequence) {
+    write("part.nc", "N1\r\nN2\r\n");
+    machine().start_char = 'S';
+    machine().start_char_count = 1;
+    machine().end_char = 'E';
+    machine().end_char_count = 1;
+    send_continuous = 1;
+    begin_send("part.nc", true, 0, 4);  // from the second row
+    send_continuous = 0;
+    std::string sent;
+    advance_until([&] { return (sent += take_sent(1)).size() >= 20; }, LONG);
+    EXPECT_TRUE(sent.starts_with("SN2\r\nEN1\r\nN2\r\nEN1\r\n")) << sent;
+    answer_box("OK");
+    transfer_state[0].continuous = 0;
+    ASSERT_TRUE(ended());
+}
+
+TEST_F(EngineTest, TheMachinesXoffHoldsTheLine) {
+    const std::string file = program(300);
+    write("part.nc", file);
+    begin_send("part.nc", true);
+    advance_clock(1000);
+    feed_line_at_once(1, "\x13");
+    advance_clock(100);
+    take_sent(1);
+    advance_clock(60000);
+    EXPECT_EQ(take_sent(1), "");
+    answer_box("OK");
+    feed_line_at_once(1, "\x11");
+    ASSERT_TRUE(ended());
+    EXPECT_TRUE(file.ends_with(take_sent(1)));
+}
+
+TEST_F(EngineTest, AReceiveEndsWithSilence) {
+    machine().eob_conversion = EOB_LF;
+    begin_receive("got.nc");
+    advance_clock(60000);
+    EXPECT_EQ(transfer_state[0].status, RECEIVE_STANDBY);  // no time limit
+    const std::string line = std::string(9000, 'A') + "\nN2\nM30\n";
+    answer_box("OK");
+    feed_line(1, line);
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(bytes("got.nc"), std::string(9000, 'A') + "\r\nN2\r\nM30\r\n");
+    EXPECT_EQ(last_box(), "File Transmission Complete.");
+    EXPECT_EQ(transfer_state[0].status, RECEIVE_DONE);
+}
+
+TEST_F(EngineTest, TwoPortsWorkSideBySide) {
+    const std::string file = program(500);
+    write("part.nc", file);
+    answer_box("OK");
+    answer_box("OK");
+    begin_receive("got.nc", 1);
+    begin_send("part.nc", true, 0);
+    feed_line(2, file);
+    ASSERT_TRUE(ended(0));
+    ASSERT_TRUE(ended(1));
+    EXPECT_EQ(take_sent(1), file);
+    EXPECT_EQ(bytes("got.nc"), file);
+}
+
+TEST_F(EngineTest, AnUnpluggedLineEndsTheTransferAndFreesTheSlot) {
+    write("part.nc", program(500));
+    begin_send("part.nc", true);
+    advance_clock(500);
+    answer_box("OK");
+    unplug_line(1);
+    ASSERT_TRUE(ended(0, 2000));
+    EXPECT_NE(last_box().find("COM1"), std::string::npos);
+    EXPECT_EQ(transfer_state[0].status, PORT_IDLE);
+    EXPECT_FALSE(line_facts(1).open);
+}
+
+TEST_F(EngineTest, AFileThatChangesUnderTheSendIsNotMixed) {
+    const std::string file = program(2000);
+    for (const bool removed : {false, true}) {
+        TearDown();
+        SetUp();
+        write("part.nc", file);
+        machine().protocol = PROTOCOL_PHILLIPS;
+        begin_send("part.nc", true);
+        advance_clock(1000);
+        std::filesystem::remove(path("part.nc"));
+        if (!removed)
+            write("part.nc", std::string(file.size(), 'Z'));
+        answer_box("OK");
+        ASSERT_TRUE(ended());
+        const std::string sent = take_sent(1);
+        EXPECT_EQ(sent.back(), '\x04');
+        EXPECT_EQ(file.substr(0, sent.size() - 1), sent.substr(0, sent.size() - 1));
+        EXPECT_LT(sent.size(), file.size());
+        EXPECT_NE(last_box().find("not the whole program"), std::string::npos);
+    }
+}
+
+TEST_F(EngineTest, AFullDiskEndsAReceiveAndKeepsWhatCame) {
+    begin_receive("got.nc");
+    feed_line(1, std::string(3000, 'A'));
+    advance_clock(1500);
+    fill_disk_after(0);
+    answer_box("OK");
+    ASSERT_TRUE(ended());
+    fill_disk_after(-1);
+    EXPECT_NE(last_box().find("no space is left"), std::string::npos);
+    const std::string got = bytes("got.nc");
+    EXPECT_GT(got.size(), 100U);
+    EXPECT_EQ(got, std::string(got.size(), 'A'));
+}
+
+TEST_F(EngineTest, AQuestionAnsweredNoLeavesTheTransferRunning) {
+    const std::string file = program(100);
+    write("part.nc", file);
+    begin_send("part.nc", true);
+    advance_clock(200);
+    answer_box("No");
+    EXPECT_EQ(port_close_and_report(0), 0);
+    answer_box("OK");
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(take_sent(1), file);
+    EXPECT_EQ(unused_answers(), 0);
+}
+
+TEST_F(EngineTest, SmallReadsAreTakenWhenTheQueueStandsStill) {
+    ASSERT_EQ(port_init(0, machine()), 1);
+    ASSERT_EQ(port_open(0), 1);
+    uint8_t buffer[RECEIVE_CHUNK];
+    transfer_state[0].status = SENDING;  // nobody else reads
+    const auto queue = [](int count) {
+        feed_line_at_once(1, std::string(static_cast<std::size_t>(count), 'A'));
+        advance_clock(100);
+    };
+    queue(100);
+    EXPECT_EQ(port_read(buffer, 2048, 0), 0);
+    EXPECT_EQ(port_read(buffer, 2048, 0), 100);
+    queue(700);
+    EXPECT_EQ(port_read(buffer, 2048, 0), 700);
+    queue(1);
+    EXPECT_EQ(port_read(buffer, 1, 0), 1);
+    transfer_state[0].status = PORT_IDLE;
+}
+
+TEST_F(EngineTest, APortThatCannotBeOpenedSaysWhyAndLeavesNothing) {
+    refuse_line(1, LineProblem::IN_USE, "COM1 is in use by process 4711.");
+    ASSERT_EQ(port_init(0, machine()), 1);
+    EXPECT_EQ(port_open(0), 0);
+    EXPECT_FALSE(port_slot[0].connected);
+    EXPECT_EQ(port_slot[0].worker_thread, NO_THREAD);
+    EXPECT_STREQ(line_problem_text(), "COM1 is in use by process 4711.");
+    refuse_line(1, LineProblem::NONE, "");
+    refuse_line_settings(1, true);
+    EXPECT_EQ(port_open(0), 0);
+    EXPECT_FALSE(line_facts(1).open);
+}
+
+TEST_F(EngineTest, AHardwareHandshakeThatComesBackEndsAWait) {
+    write("part.nc", "N1\r\nN2\r\n");
+    machine().protocol = PROTOCOL_HEIDENHAIN;
+    machine().handshake = HANDSHAKE_HARDWARE;
+    set_line_drain(1, 200000);
+    begin_send("part.nc", true);
+    advance_clock(15);  // the write is still running
+    set_line_cts(1, false);
+    advance_clock(100);
+    set_line_cts(1, true);
+    answer_blocks(2);
+    answer_box("OK");
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(take_sent(1), "\x06\x02N1\r\n\x17\x6D\x02N2\r\n\x17\x6E\x02\x0C\x03");
+}
+
+}  // namespace
+}  // namespace hexlane
