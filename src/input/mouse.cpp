@@ -36,7 +36,7 @@ void move_caret_to_cell(int32_t col, int32_t row) {
 // A block without a cell has been no more than a click.
 void finish_block() {
     if (!block_holds_rows() && block.end.col == block.start.col) {
-        block_clear();
+        block_dismiss();
         return;
     }
     paint_rows(child[0].current_row, child[0].window_rows, child[0].window_cols, child[0].caret_row);

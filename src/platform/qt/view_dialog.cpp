@@ -93,6 +93,13 @@ public:
     ViewField(View* shown, int at) : view(shown), index(at) {}
 
 protected:
+    // What is typed next replaces the text, however the field got the focus but by a click into it.
+    void focusInEvent(QFocusEvent* event) override {
+        QLineEdit::focusInEvent(event);
+        if (event->reason() != Qt::MouseFocusReason && event->reason() != Qt::PopupFocusReason) {
+            selectAll();
+        }
+    }
     void focusOutEvent(QFocusEvent* event) override {
         QLineEdit::focusOutEvent(event);
         if (event->reason() != Qt::TabFocusReason && event->reason() != Qt::BacktabFocusReason &&

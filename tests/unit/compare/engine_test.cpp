@@ -138,7 +138,6 @@ TEST_F(EngineTest, BytesCountAsTheyStandUnlessSpacesAreIgnored) {
         {"\n\n", "\n\n", false, true},           {"X", "X", true, true},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(platform::shown_lines().size());
         SCOPED_TRACE(std::string(c.left) + c.right);
         ASSERT_TRUE(run(c.left, c.right, DEFAULT_LOOK_AHEAD, c.ignore_spaces));
         EXPECT_EQ(identical(), c.same);
@@ -173,16 +172,20 @@ TEST_F(EngineTest, AResyncLiesWithinTheLookAhead) {
 
 // ---- Against the steps done one by one ---------------------------------------------------------------
 
-std::string random_program(std::mt19937* random, int rows, int letters, bool spaces) {
+unsigned below(std::mt19937* random, unsigned limit) {
+    return static_cast<unsigned>((*random)() % limit);
+}
+
+std::string random_program(std::mt19937* random, unsigned rows, unsigned letters) {
     const char* const line_ends[] = {"\r\n", "\r\n", "\r\n", "\n", ""};
     std::string bytes;
-    for (int i = 0; i < rows; i++) {
-        for (unsigned length = (*random)() % 3; length > 0; length--) {
-            bytes += static_cast<char>('A' + (*random)() % static_cast<unsigned>(letters));
-            if (spaces && (*random)() % 4 == 0)
-                bytes += (*random)() % 2 == 0 ? ' ' : '\t';
+    for (unsigned i = 0; i < rows; i++) {
+        for (unsigned length = below(random, 3); length > 0; length--) {
+            bytes += static_cast<char>('A' + below(random, letters));
+            if (below(random, 4) == 0)
+                bytes += below(random, 2) == 0 ? ' ' : '\t';
         }
-        bytes += line_ends[(*random)() % 5];
+        bytes += line_ends[below(random, 5)];
     }
     return bytes;
 }
@@ -193,7 +196,7 @@ std::string altered(std::mt19937* random, const std::string& bytes, unsigned one
     for (size_t at = 0; at < bytes.size();) {
         const size_t end = std::min(bytes.find('\n', at), bytes.size() - 1) + 1;
         const std::string row = bytes.substr(at, end - at);
-        const unsigned what = (*random)() % (4 * one_in);
+        const unsigned what = below(random, 4 * one_in);
         result += what == 0 ? "" : what == 1 ? "Z" + row : what == 2 ? row + "Q\r\n" : row;
         at = end;
     }
@@ -256,13 +259,11 @@ void expect_every_row_once(const std::string& left, const std::string& right, bo
 TEST_F(EngineTest, RandomFilesFollowTheSteps) {
     std::mt19937 random(11);
     for (int round = 0; round < 1500; round++) {
-        const bool ignore_spaces = random() % 2 == 0;
-        const int look_ahead = static_cast<int>(random() % 5 == 0 ? 20 : 1 + random() % 4);
-        const std::string left =
-            random_program(&random, static_cast<int>(random() % 40), 1 + random() % 6, true);
-        const std::string right = random() % 4 == 0
-                                      ? random_program(&random, static_cast<int>(random() % 40), 3, true)
-                                      : altered(&random, left, 1 + random() % 8);
+        const bool ignore_spaces = below(&random, 2) == 0;
+        const int look_ahead = below(&random, 5) == 0 ? 20 : 1 + static_cast<int>(below(&random, 4));
+        const std::string left = random_program(&random, below(&random, 40), 1 + below(&random, 6));
+        const std::string right = below(&random, 4) == 0 ? random_program(&random, below(&random, 40), 3)
+                                                         : altered(&random, left, 1 + below(&random, 8));
         SCOPED_TRACE("round " + std::to_string(round));
         ASSERT_TRUE(run(left, right, look_ahead, ignore_spaces));
         expect_as_model(CompareModel(left, right, look_ahead, ignore_spaces));
