@@ -281,6 +281,19 @@ def measure_utilities(table, program, path):
                   peer_times([peer + [str(path)]]), 'ms', limit, runs[0].memory)
 
 
+def measure_blocks(table, program, path, rows):
+    """The last quarter of the rows is cut and pasted in front of the first."""
+    count = rows // 4
+    quarter = [f'scroll thumb {3 * min(rows // (SCREEN_ROWS - 1), 30000) // 4}', 'key Ctrl+Shift+End']
+    cut_and_paste = quarter + [('cut', 'key Ctrl+X'), 'key Ctrl+Home', ('paste', 'key Ctrl+V')]
+    runs = [Run(program, [start(path)] + cut_and_paste) for _ in range(REPEATS)]
+    cuts, pastes = ([run.times[what][0] for run in runs] for what in ('cut', 'paste'))
+    peers = peer_times([['sed', '-n', f'{rows - count + 1},{rows}p', path]])
+    table.value(f'cut {count} rows', cuts, 'ms', '', runs[0].memory)
+    table.row(f'cut and paste {count} rows, beside sed -n a,bp', [cut + paste for cut, paste in zip(cuts, pastes)],
+              peers, 'ms', '', runs[0].memory)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument('--quick', action='store_true', help='small inputs')
@@ -304,6 +317,7 @@ def main():
     measure_places(table, program, big, 200)
     measure_utilities(table, program, big)
     measure_search(table, program, big)
+    measure_blocks(table, program, big, 4000000 // scale)
     print(f'Memory: opening {size_text(big)} takes {memory[big] - memory[small]:.1f} MB more than {size_text(small)} '
           '(at most 4).')
 

@@ -25,10 +25,10 @@ const char* const PORTS_HELP = R"(hexlane-cli ports: serial devices, and what CO
 Use
     hexlane-cli ports
 
-Each device that has hardware behind it has a line with its state: free, in use (with the process, as far as the
-system shows it), or no permission. Below it stand its stable names, which stay the same whatever is
-plugged in first: give one of them to --port, to HEXLANE_COM1 to HEXLANE_COM4, or to the file `ports` in the
-program's folder ("COM1 /dev/serial/by-id/...", one line each).
+Each device that has hardware behind it has a line with its state: free, in use (with the process,
+as far as the system shows it), or no permission. Below it stand its stable names, which stay the same
+whatever is plugged in first: give one of them to --port, to HEXLANE_COM1 to HEXLANE_COM4, or to the
+file `ports` in the program's folder ("COM1 /dev/serial/by-id/...", one line each).
 )";
 
 namespace {

@@ -35,14 +35,13 @@ const char* state_text() {
     }
 }
 
-// The filters are a buffer ahead of the line, so a per cent is theirs.
 void print_amount() {
     const double seconds = seconds_so_far();
-    const double rate = seconds > 0 ? static_cast<double>(run.tally.line_bytes) / seconds : 0;
-    std::fprintf(stderr, "%" PRId64 " bytes", run.tally.file_bytes);
+    const double rate = seconds > 0 ? static_cast<double>(run.line_now) / seconds : 0;
+    std::fprintf(stderr, "%" PRId64 " bytes", run.file_now);
     if (run.sending && run.file_size > 0)
         std::fprintf(stderr, " of %" PRId64 "  %" PRId64 " %%", run.file_size,
-                     run.tally.file_bytes * 100 / run.file_size);
+                     run.file_now * 100 / run.file_size);
     std::fprintf(stderr, "  %.0f bytes/s%s", rate, state_text());
 }
 

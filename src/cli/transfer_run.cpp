@@ -34,11 +34,17 @@ int64_t time_ns() {
     return static_cast<int64_t>(now.tv_sec) * NS_PER_SECOND + now.tv_nsec;
 }
 
-// What the worker changes, as it stands now.
+// What the worker changes, as it stands now. The filters are ahead of the line by the write that runs, and at
+// a slow rate one write takes a minute: of its bytes of the file only the part counts that has gone out.
 void take_numbers() {
     const TransferState& t = transfer_state[SLOT];
-    const LockGuard guard(port_slot[SLOT].step_lock);
+    const PortSlot& port = port_slot[SLOT];
+    const LockGuard guard(port.step_lock);
     run.tally = t.tally;
+    run.cut_bytes = port.write_running ? line_written(port.port_handle) : 0;
+    run.line_now = t.tally.line_bytes + run.cut_bytes;
+    const int64_t all = t.tally.line_bytes + (port.write_running ? port.write_count : 0);
+    run.file_now = run.sending ? t.tally.file_bytes * run.line_now / (all > 0 ? all : 1) : t.tally.file_bytes;
     run.status = t.status;
     run.fault = t.fault;
 }
@@ -54,8 +60,6 @@ void note_end() {
 
 void stop_transfer() {
     note_end();
-    if (port_slot[SLOT].write_running)
-        run.cut_bytes = line_written(port_slot[SLOT].port_handle);
     port_close(SLOT);
     post_quit(0);
 }
@@ -170,7 +174,6 @@ int open_transfer_port() {
     before_box = end_progress;
     slot_machine[SLOT] = run.machine;
     transfer_state[SLOT].start_now = run.options.queue ? 0 : 1;
-    transfer_state[SLOT].file_handle = NO_FILE;
     if (port_init(SLOT, machine) != 1)
         return refuse(EXIT_CANNOT, "cannot make a lock");
     if (!port_open(SLOT))

@@ -41,7 +41,9 @@ struct TransferRun {
     bool held;          // now
     bool stopped;       // by a signal
     bool nothing_came;  // within wait_s
-    int64_t cut_bytes;  // handed to the line in a write that did not end
+    int64_t cut_bytes;  // handed to the line in a write that has not ended
+    int64_t line_now;   // bytes over the line so far, those of the running write too
+    int64_t file_now;   // bytes of the file that these stand for, nearly
     int8_t status;      // the last one before the port was closed
     TransferFault fault;
     TransferTally tally;

@@ -54,6 +54,7 @@ struct Compare {
     int64_t mods;
     int64_t inserts;
     int64_t deletes;
+    bool disturbance_told;  // tell_disturbance has shown its box
 };
 extern Compare compare;
 
@@ -100,5 +101,26 @@ const char* compare_was_disturbed();
 
 // Closes both files and the list of records.
 void close_compare();
+
+// ---- Screens -----------------------------------------------------------------------------------------
+
+// The view IDD_START_COMPARE: sets the options and runs the compare. compare.state tells how it went.
+void start_compare_dialog();
+
+// Once in a compare: a box when compare_was_disturbed. Gives whether it is so.
+bool tell_disturbance();
+
+// What the user has asked for on the results screen.
+struct ResultsAnswer {
+    bool print_requested;
+    bool differences_only;
+};
+
+// The view IDD_SCRCOMP: the list of records and the rows of the one that is picked.
+ResultsAnswer show_results_screen();
+
+// Writes the whole list, or its differences alone, as a text file of two columns and prints that. Gives true,
+// also when the user has cancelled; false when it could not be written or the job could not be started.
+bool print_compare_report(bool differences_only);
 
 }  // namespace hexlane

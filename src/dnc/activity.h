@@ -19,17 +19,11 @@ void command_send_this();
 // PORT_IDLE on Cancel.
 void show_send_properties();
 
-// The buttons of a row (row_actions.cpp).
-void press_send(int slot);
+// The buttons of a row (row_actions.cpp). press_send gives whether a send has begun or stands by.
+bool press_send(int slot);
 void press_receive(int slot);
 void press_stop(int slot);
 void press_file(int slot);
 void press_terminal(int slot);
-
-// What Send Properties ends in: opens the port and prepares the send, or gives it up.
-void start_prepared_send(int slot);
-
-// Opens the slot's port as a test if it is not connected, and closes it again. 0 after a message.
-int test_port(int slot);
 
 }  // namespace hexlane

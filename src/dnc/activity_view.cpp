@@ -4,6 +4,7 @@
 #include "dnc/activity.h"
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
+#include "dnc/transfer_log.h"
 #include "dnc/transfer_state.h"
 #include "dnc/view_controls.h"
 #include "frame/child.h"
@@ -12,7 +13,6 @@
 #include "platform/desktop.h"
 #include "platform/text.h"
 
-#include <cstring>
 #include <iterator>
 
 namespace hexlane {
@@ -85,7 +85,7 @@ void enable_row(ViewHandle view, int slot, bool enabled) {
         view_enable_control(view, id_of(slot, button), enabled);
 }
 
-void refresh_row(ViewHandle view, int slot) {
+void fill_machines(ViewHandle view, int slot) {
     const int list = id_of(slot, MACHINE_LIST);
     view_clear_list(view, list);
     for (const MachineParams& machine : machine_table) {
@@ -93,19 +93,19 @@ void refresh_row(ViewHandle view, int slot) {
         copy_text(name, sizeof name, machine.name);
         view_add_to_list(view, list, name);
     }
-    view_select(view, list, slot_machine[slot]);
+}
+
+// The names in the list stay as they are while the view is up.
+void refresh_row(ViewHandle view, int slot) {
+    const int list = id_of(slot, MACHINE_LIST);
+    if (view_selection(view, list) != slot_machine[slot])
+        view_select(view, list, slot_machine[slot]);
     char port[8];
     format_text(port, sizeof port, "%d", machine_setting(machine_of_slot(slot), Field::PORT_INDEX) + 1);
     put_text(view, id_of(slot, PORT_TEXT), port);
-
-    const char* name = transfer_state[slot].file_name;
-    char shown[PATH_SIZE + 2];
-    const std::size_t length = std::strlen(name);
-    if (length > NAME_SHOWN_WHOLE)
-        format_text(shown, sizeof shown, "..%s", name + length - NAME_END_SHOWN);
-    else
-        copy_text(shown, sizeof shown, name);
-    put_text(view, id_of(slot, FILE_TEXT), shown);
+    char name[PATH_SIZE + 2];
+    shorten_path(name, sizeof name, transfer_state[slot].file_name, NAME_SHOWN_WHOLE, NAME_END_SHOWN);
+    put_text(view, id_of(slot, FILE_TEXT), name);
 }
 
 void refresh_rows(ViewHandle view) {
@@ -113,12 +113,16 @@ void refresh_rows(ViewHandle view) {
         refresh_row(view, slot);
 }
 
-// The share of the file that has gone out, a start point's part of it included.
-void format_sending(int slot, char* text, std::size_t size) {
+// The share of the whole file that has gone out: a send from a start point begins at that point's share.
+float sent_percent(int slot) {
+    const LockGuard guard(port_slot[slot].step_lock);
     const TransferState& t = transfer_state[slot];
     const int64_t whole = static_cast<int64_t>(t.total_bytes) + t.start_offset;
-    const float percent =
-        whole <= 0 ? 100.0F : static_cast<float>(t.bytes_done) / static_cast<float>(whole) * 100.0F;
+    return whole <= 0 ? 100.0F : static_cast<float>(t.bytes_done) / static_cast<float>(whole) * 100.0F;
+}
+
+void format_sending(int slot, char* text, std::size_t size) {
+    const float percent = sent_percent(slot);
     const char* word = percent == 100.0F ? "Sent     " : "Sending     ";
     if (percent < 1.0F)
         format_text(text, size, "%s%1.1f%% ...", word, static_cast<double>(percent));
@@ -126,9 +130,9 @@ void format_sending(int slot, char* text, std::size_t size) {
         format_text(text, size, "%s%d%% ...", word, static_cast<int>(percent));
 }
 
-void format_status(int slot, char* text, std::size_t size) {
+void format_status(int slot, int8_t status, char* text, std::size_t size) {
     const TransferState& t = transfer_state[slot];
-    switch (t.status) {
+    switch (status) {
     case SENDING:
         format_sending(slot, text, size);
         break;
@@ -152,7 +156,16 @@ void format_status(int slot, char* text, std::size_t size) {
     }
 }
 
+void show_tip(ViewHandle view, int slot) {
+    char tip[2 * PATH_SIZE];
+    watch_line(slot);
+    format_row_tip(slot, tip, sizeof tip);
+    for (int16_t control = PORT_TEXT; control <= TERMINAL_BUTTON; control++)
+        view_set_tip(view, id_of(slot, control), tip);
+}
+
 void serve_row(ViewHandle view, int slot) {
+    show_tip(view, slot);
     const TransferState& t = transfer_state[slot];
     const int8_t status = t.status;
     if (status == XON_SEEN)
@@ -163,7 +176,7 @@ void serve_row(ViewHandle view, int slot) {
     if (status == SENDING && t.bytes_done == 0)
         return;  // the text waits for the first byte
     char text[64];
-    format_status(slot, text, sizeof text);
+    format_status(slot, status, text, sizeof text);
     put_text(view, id_of(slot, STATUS_TEXT), text);
 }
 
@@ -196,8 +209,7 @@ void on_control(ViewHandle view, int slot, int control) {
         press_file(slot);
         break;
     case SEND_BUTTON:
-        press_send(slot);
-        if (slot_is_busy(slot))
+        if (press_send(slot))
             put_text(view, id_of(slot, STATUS_TEXT), "Send Standby    ");
         break;
     case RECEIVE_BUTTON:
@@ -218,6 +230,8 @@ void on_control(ViewHandle view, int slot, int control) {
 int64_t activity_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
     view_attach(view);
     if (message == WM_INITDIALOG) {
+        for (int slot = 0; slot < SLOT_COUNT; slot++)
+            fill_machines(view, slot);
         refresh_rows(view);
         for (int slot = 0; slot < SLOT_COUNT; slot++)
             serve_row(view, slot);

@@ -41,6 +41,7 @@ constexpr Field COMPRESSIONS[] = {Field::COMPRESS_COMMENTS, Field::COMPRESS_SPAC
 
 constexpr int HIGHEST_DELAY = 9999;   // ms
 constexpr int HIGHEST_TIMEOUT = 100;  // s, of the arrows
+constexpr int HIGHEST_BYTE = 127;     // of a start or end string; more comes from a damaged file
 constexpr int NO_CHARACTER = -1;
 constexpr const char* DIGITS = "0123456789";
 constexpr const char* RULE_TITLE = "Advanced Settings";
@@ -139,7 +140,7 @@ int setting(Field field) {
 
 void put_bytes(ViewHandle view, int first_id, const uint8_t* bytes) {
     for (int i = 0; i < MACHINE_STRING_SIZE; i++)
-        put_number(view, first_id + i, bytes[i], BLANK_BYTE);
+        put_number(view, first_id + i, bytes[i] <= HIGHEST_BYTE ? bytes[i] : BLANK_BYTE, BLANK_BYTE);
 }
 
 void take_bytes(ViewHandle view, int first_id, uint8_t* bytes) {
@@ -204,7 +205,7 @@ void step_timeout(ViewHandle view, int step) {
     if (seconds == 0)
         seconds = 1;  // the down arrow leaves it there
     else if (step < 0)
-        seconds = seconds <= 1 ? HIGHEST_TIMEOUT : seconds - 1;
+        seconds = seconds <= 1 || seconds > HIGHEST_TIMEOUT ? HIGHEST_TIMEOUT : seconds - 1;
     if (step > 0)
         seconds = seconds >= HIGHEST_TIMEOUT ? 1 : seconds + 1;
     put_number(view, TIMEOUT_FIELD, seconds, NO_CHARACTER);

@@ -54,9 +54,12 @@ constexpr BoxText DNC_BOXES[] = {
      BUTTONS_OK},
     {"The file is too large to be sent: 2,147,483,647 bytes are the most.", "Communications Error",
      BoxIcon::STOP, BUTTONS_OK},
-    {"The file has become shorter: the chosen row is no longer in it.", "Communications",
+    {"The file has been changed by another program: the chosen row is no longer in it.", "Communications",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"%s could not be made: %s.", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
+    {"The rows of %s could not be shown to the end: %s.", "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"The receipt could not be written to transfers.log: %s.\n\nTransfers go on without it.",
+     "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
 };
 
 }  // namespace

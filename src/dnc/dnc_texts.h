@@ -30,6 +30,8 @@ enum class DncBox {
     TOO_LARGE_TO_SEND,
     START_POINT_GONE,
     CANNOT_MAKE_FILE,  // file, reason
+    NO_ROW_INDEX,      // file, reason
+    LOG_NOT_WRITTEN,   // reason
 };
 
 // Shows a box and gives the index of the button pressed.

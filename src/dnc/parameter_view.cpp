@@ -9,6 +9,8 @@
 #include "dnc/port_engine.h"
 #include "dnc/transfer_state.h"
 #include "dnc/view_controls.h"
+#include "frame/child.h"
+#include "frame/command_state.h"
 #include "frame/views.h"
 #include "platform/text.h"
 
@@ -85,10 +87,6 @@ constexpr ControlSpec CONTROLS[] = {
 constexpr ViewSpec SETTINGS_VIEW = {"COMMSETTINGS", "Communications Parameter Settings", 0, CONTROLS,
                                     static_cast<int16_t>(std::size(CONTROLS))};
 
-// A name that is being typed goes into its record at the next message that reaches the view.
-bool rename_pending = false;
-int32_t rename_machine = -1;
-
 MachineParams& edited() {
     return machine_table[edit_machine];
 }
@@ -98,15 +96,12 @@ void store(Field field, int value) {
     set_field(&edited(), field, value);
 }
 
-void take_rename(ViewHandle view) {
-    if (!rename_pending)
-        return;
-    rename_pending = false;
-    char name[4 * MACHINE_NAME_SIZE];
+// A name is edited in place: what the box holds is the name of the record on show.
+void take_name(ViewHandle view) {
+    char name[MACHINE_NAME_SIZE];
     view_get_text(view, MACHINE_BOX, name, sizeof name);
     const BothSlotsGuard guard;
-    copy_text(machine_table[rename_machine].name, MACHINE_NAME_SIZE, name);
-    rename_machine = -1;
+    copy_text(edited().name, MACHINE_NAME_SIZE, name);
 }
 
 void drop_delay() {
@@ -174,16 +169,17 @@ void collect_machine(ViewHandle view) {
     store(Field::PORT_INDEX, ticked_radio(view, PORT_RADIOS, 4));
 }
 
+// Another row of the list was picked, or the name is being typed over.
 void on_machine_box(ViewHandle view) {
     const int selected = view_selection(view, MACHINE_BOX);
-    collect_machine(view);
-    if (selected >= 0 && selected < MACHINE_COUNT && selected != edit_machine) {
-        edit_machine = static_cast<int16_t>(selected);
-        show_machine(view);
+    if (selected < 0 || selected >= MACHINE_COUNT || selected == edit_machine) {
+        take_name(view);
+        collect_machine(view);
         return;
     }
-    rename_pending = true;
-    rename_machine = edit_machine;
+    collect_machine(view);
+    edit_machine = static_cast<int16_t>(selected);
+    show_machine(view);
 }
 
 void on_data_type(ViewHandle view) {
@@ -224,7 +220,6 @@ void save_and_end(ViewHandle view) {
 }
 
 void drop_and_end(ViewHandle view) {
-    rename_pending = false;
     {
         const BothSlotsGuard guard;
         load_machine_table();
@@ -265,11 +260,9 @@ void on_control(ViewHandle view, int id) {
 int64_t settings_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
     view_attach(view);
     if (message == WM_INITDIALOG) {
-        rename_pending = false;
         show_machine(view);
         return 1;
     }
-    take_rename(view);
     if (message == WM_COMMAND) {
         on_control(view, low_word(first));
         return 1;
@@ -289,6 +282,7 @@ void show_parameters() {
             port_close_and_report(slot);
     }
     show_view(&SETTINGS_VIEW, settings_proc);
+    update_menus(child[0].main_window);  // the machine that Send This names
 }
 
 }  // namespace hexlane

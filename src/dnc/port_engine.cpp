@@ -3,6 +3,7 @@
 #include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
 #include "dnc/transfer.h"
+#include "dnc/transfer_log.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -200,6 +201,7 @@ int port_close_and_report(int slot) {
         const LockGuard guard(port.step_lock);
         close_received_file(slot);
     }
+    end_log_entry(slot);
     tell_end(slot);
     release_port(slot);
     port.closing = false;

@@ -1,14 +1,16 @@
-// row_actions.cpp: what the buttons of an activity row do. Every question can be answered while the other row
-// goes on, so the state is looked at again behind each one.
+// row_actions.cpp: what the buttons of an activity row do, and Send This. Every question can be answered
+// while the other row goes on, so the state is looked at again behind each one.
 
 #include "dnc/activity.h"
 #include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
+#include "dnc/transfer_log.h"
 #include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/directories.h"
+#include "frame/file_commands.h"
 #include "frame/file_questions.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
@@ -23,6 +25,7 @@ using namespace platform;
 namespace {
 
 constexpr int COMMAND_CLOSE = 1035;
+constexpr const char* TERMINAL_PROGRAM = "hexlane-terminal";  // beside this program, else in the PATH
 
 int other_slot(int slot) {
     return 1 - slot;
@@ -56,14 +59,19 @@ void take_file(int slot, const char* path) {
     copy_text(transfer_state[slot].file_name, PATH_SIZE, path);
 }
 
-// The file that is open in the editor is closed first, if the user agrees. Gives false when it stays open.
-bool settle_with_editor(int slot) {
+// The user's answer for a file that is open in the editor: Yes closes it. Gives false for No.
+bool editor_gives_file(int slot) {
     if (!editor_has_file(slot))
         return true;
     if (show_dnc_box(DncBox::CLOSE_EDITED_FILE) != 0)
         return false;
     send_message(child[0].main_window, WM_COMMAND, COMMAND_CLOSE, 0);
-    return !editor_has_file(slot);
+    return true;
+}
+
+// The same, but a file that stays open (Cancel at the question about its changes) counts as a No.
+bool file_is_free(int slot) {
+    return editor_gives_file(slot) && !editor_has_file(slot);
 }
 
 bool may_be_sent(int slot) {
@@ -81,12 +89,12 @@ bool may_be_sent(int slot) {
 
 // Gives 1 with file_name set to a file that may be sent, 0 when the user gave up.
 int choose_file_to_send(int slot) {
-    if (transfer_state[slot].file_name[0] != '\0' && may_be_sent(slot) && settle_with_editor(slot))
+    if (transfer_state[slot].file_name[0] != '\0' && may_be_sent(slot) && file_is_free(slot))
         return 1;
     FileDialog dialog;
     while (ask_file_to_send(&dialog)) {
         take_file(slot, dialog.path);
-        if (may_be_sent(slot) && settle_with_editor(slot))
+        if (may_be_sent(slot) && file_is_free(slot))
             return 1;
     }
     transfer_state[slot].status = PORT_IDLE;
@@ -101,28 +109,47 @@ bool may_be_received(int slot) {
     return file_size_of(slot) == 0 || show_dnc_box(DncBox::OVERWRITE_DATA) == 0;
 }
 
+// The last look ahead of the file's end.
+bool is_closed_in_editor(int slot) {
+    if (!editor_has_file(slot))
+        return true;
+    show_dnc_box(DncBox::COMMUNICATE_ACTIVE_FILE);
+    return false;
+}
+
 int choose_file_to_receive(int slot) {
-    if (transfer_state[slot].file_name[0] != '\0' && may_be_received(slot)) {
-        if (!editor_has_file(slot))
-            return 1;
-        show_dnc_box(DncBox::COMMUNICATE_ACTIVE_FILE);
-    }
+    if (transfer_state[slot].file_name[0] != '\0' && may_be_received(slot) && is_closed_in_editor(slot))
+        return 1;
     FileDialog dialog;
     while (ask_file_to_receive(&dialog)) {
         take_file(slot, dialog.path);
-        if (!settle_with_editor(slot) || !may_be_received(slot))
-            continue;
-        if (!editor_has_file(slot))
+        if (editor_gives_file(slot) && may_be_received(slot) && is_closed_in_editor(slot))
             return 1;
-        show_dnc_box(DncBox::COMMUNICATE_ACTIVE_FILE);
     }
     return 0;
 }
 
 int open_port(int slot) {
-    if (port_slot[slot].connected)
-        return 1;
+    transfer_state[slot].fault = TransferFault::NONE;
     return port_init(slot, machine_of_slot(slot)) == 1 && port_open(slot);
+}
+
+// A port that a dialog given up has left open is closed: each transfer opens it afresh, with the machine's
+// settings as they are then. One whose transfer has just ended tells so.
+void close_idle_port(int slot) {
+    const int8_t status = transfer_state[slot].status;
+    if (status == SEND_DONE || status == RECEIVE_DONE)
+        port_close_and_report(slot);
+    else
+        port_close(slot);
+}
+
+// Makes the slot quiet. Its port is closed already: a write that is still running reads the buffers.
+void drop_transfer(int slot) {
+    const LockGuard guard(port_slot[slot].step_lock);
+    close_received_file(slot);
+    transfer_state[slot].status = PORT_IDLE;
+    reset_transfer(slot);
 }
 
 // A receive that has not begun is given up: its file is closed.
@@ -134,21 +161,8 @@ void leave_receive_standby(int slot) {
     close_received_file(slot);
 }
 
-void give_up_send(int slot) {
-    {
-        const LockGuard guard(port_slot[slot].step_lock);
-        transfer_state[slot].status = PORT_IDLE;
-        transfer_state[slot].file_name[0] = '\0';
-        reset_transfer(slot);
-    }
-    port_close_and_report(slot);
-}
-
-}  // namespace
-
+// Opens the slot's port as a test and closes it again. 0 after a message.
 int test_port(int slot) {
-    if (port_slot[slot].connected)
-        return 1;
     if (!open_port(slot)) {
         show_connection_failed();
         return 0;
@@ -157,17 +171,50 @@ int test_port(int slot) {
     return 1;
 }
 
-void start_prepared_send(int slot) {
+void give_up_send(int slot) {
+    take_file(slot, "");
+    {
+        const LockGuard guard(port_slot[slot].step_lock);
+        transfer_state[slot].status = PORT_IDLE;
+    }
+    port_close_and_report(slot);
+    drop_transfer(slot);
+}
+
+// The file's size as it is now, and whether the chosen start point lies in it. 0 after a message.
+int measure_file(int slot) {
     TransferState& t = transfer_state[slot];
+    const int64_t size = file_size_of(slot);
+    if (size == 0 || size > INT32_MAX) {
+        show_dnc_box(size == 0 ? DncBox::NO_DATA : DncBox::TOO_LARGE_TO_SEND);
+        return 0;
+    }
+    t.total_bytes = static_cast<int32_t>(size);
+    if (t.start_offset <= size)
+        return 1;
+    show_dnc_box(DncBox::START_POINT_GONE);
+    return 0;
+}
+
+// With the machine's request still to come, the driver lets it through only now: one that came ahead of the
+// preparation would find nothing to send.
+int await_request(int slot) {
+    const LockGuard guard(port_slot[slot].step_lock);
+    return transfer_state[slot].status != SEND_STANDBY || port_configure(slot);
+}
+
+// What Send Properties ends in: opens the port and prepares the send, or gives it up.
+void end_send_properties(int slot) {
+    TransferState& t = transfer_state[slot];
+    const bool wanted = t.status == SEND_STANDBY;
+    t.status = PORT_IDLE;
     t.start_now = send_now;
-    // The port opens only now, since the line's handshake depends on whether the machine is to ask for the
-    // file.
     if (!open_port(slot)) {
-        t.status = PORT_IDLE;
+        drop_transfer(slot);
         show_connection_failed();
         return;
     }
-    if (t.status == PORT_IDLE) {
+    if (!wanted || !measure_file(slot)) {
         give_up_send(slot);
         return;
     }
@@ -176,118 +223,156 @@ void start_prepared_send(int slot) {
         give_up_send(slot);
         return;
     }
+    begin_log_entry(slot);
+    if (!await_request(slot)) {
+        show_connection_failed();
+        give_up_send(slot);
+        return;
+    }
     if (!send_continuous)
         t.start_now = 0;
     set_ui_timer(UI_TIMER_SLOW);
 }
 
-void press_send(int slot) {
+// Send Properties and what follows, for a file that may be sent and a port that is closed.
+void ask_and_send(int slot) {
+    drop_transfer(slot);
     TransferState& t = transfer_state[slot];
-    if (t.status == SEND_STANDBY) {
-        begin_sending(slot);
-        set_ui_timer(UI_TIMER_SLOW);
-        return;
-    }
-    leave_receive_standby(slot);
-    if (slot_is_busy(slot) || !test_port(slot) || !choose_file_to_send(slot))
-        return;
     t.bytes_done = 0;
     t.total_bytes = static_cast<int32_t>(file_size_of(slot));
     t.status = SEND_STANDBY;
     send_slot = slot;
     show_send_properties();
-    start_prepared_send(slot);
+    end_send_properties(slot);
+}
+
+// Ends a transfer ahead of Send This, if the user agrees: the disconnect question is put while bytes are
+// going over the line.
+bool free_slot(int slot) {
+    if (!slot_is_busy(slot))
+        return true;
+    if (show_dnc_box(DncBox::TERMINATE_PORT) != 0)
+        return false;
+    if (slot_is_busy(slot)) {
+        if (!port_close_and_report(slot))
+            return false;
+        drop_transfer(slot);
+    }
+    return true;
+}
+
+// Gives the changes of the active file to the disk, or drops them, and closes it. False when it stays open.
+bool close_document_for_send(int slot) {
+    if (child[0].modified) {
+        const SaveAnswer answer = ask_save();
+        if (answer == SaveAnswer::CANCEL)
+            return false;
+        if (answer == SaveAnswer::YES)
+            command_save();
+        if (answer == SaveAnswer::YES && child[0].modified)
+            return false;
+        take_file(slot, child[0].file_path);  // it may have been saved under another name
+    }
+    if (!may_be_sent(slot))
+        return false;
+    child[0].modified = 0;
+    send_message(child[0].main_window, WM_COMMAND, COMMAND_CLOSE, 0);
+    return !child[0].file_open;
+}
+
+}  // namespace
+
+bool press_send(int slot) {
+    if (transfer_state[slot].status == SEND_STANDBY) {
+        begin_sending(slot);
+        set_ui_timer(UI_TIMER_SLOW);
+        return true;
+    }
+    leave_receive_standby(slot);
+    if (slot_is_busy(slot))
+        return false;
+    close_idle_port(slot);
+    if (!test_port(slot) || !choose_file_to_send(slot))
+        return false;
+    ask_and_send(slot);
+    return slot_is_busy(slot);
 }
 
 void press_receive(int slot) {
     if (slot_is_busy(slot))
         return;
+    close_idle_port(slot);
     if (!open_port(slot)) {
         show_receive_connection_failed();
         return;
     }
-    if (!choose_file_to_receive(slot))
+    // The line may have gone behind the questions; that has been told then.
+    if (!choose_file_to_receive(slot) || !port_slot[slot].connected)
         return;
     if (!prepare_receive(slot)) {
         show_dnc_box(DncBox::CANNOT_MAKE_FILE, transfer_state[slot].file_name,
                      file_error_text(last_file_error()));
         return;
     }
+    begin_log_entry(slot);
     set_ui_timer(UI_TIMER_SLOW);
 }
 
 void press_stop(int slot) {
-    TransferState& t = transfer_state[slot];
     if (slot_is_busy(slot)) {
         if (show_dnc_box(DncBox::STOP_PORT) != 0)
             return;
         const LockGuard guard(port_slot[slot].step_lock);
         if (slot_is_busy(slot)) {  // it may have come to its end behind the question
             close_received_file(slot);
-            t.status = PORT_IDLE;
-            reset_transfer(slot);
+            transfer_state[slot].status = PORT_IDLE;
         }
     }
     if (port_slot[slot].connected)
         port_close_and_report(slot);
-    t.status = PORT_IDLE;
+    drop_transfer(slot);
 }
 
 void press_file(int slot) {
-    FileDialog dialog;
     if (slot_is_busy(slot))
         return;
-    if (!ask_file_to_send(&dialog)) {
-        transfer_state[slot].status = PORT_IDLE;
-        return;
-    }
-    char before[PATH_SIZE];
-    copy_text(before, sizeof before, transfer_state[slot].file_name);
-    take_file(slot, dialog.path);
-    if (!settle_with_editor(slot))
+    FileDialog dialog;
+    while (ask_file_to_send(&dialog)) {
+        char before[PATH_SIZE];
+        copy_text(before, sizeof before, transfer_state[slot].file_name);
+        take_file(slot, dialog.path);
+        if (file_is_free(slot))
+            return;
         take_file(slot, before);
+    }
+    transfer_state[slot].status = PORT_IDLE;
 }
 
 void press_terminal(int slot) {
+    if (slot_is_busy(slot))
+        return;
     {
         const BothSlotsGuard guard;
         machine_table[0].current_machine = slot_machine[slot];
     }
     if (!save_machine_table())
         show_dnc_box(DncBox::TABLE_NOT_SAVED, file_error_text(last_file_error()));
-    if (!start_program(directories.terminal_path, nullptr, nullptr, nullptr))
+    const bool told = path_kind(directories.terminal_path) == PathKind::FILE;
+    if (!start_program(told ? directories.terminal_path : TERMINAL_PROGRAM, nullptr, nullptr, nullptr))
         show_dnc_box(DncBox::NO_TERMINAL);
 }
 
 void command_send_this() {
     constexpr int slot = 0;
-    if (slot_is_busy(slot)) {
-        if (show_dnc_box(DncBox::TERMINATE_PORT) != 0)
-            return;
-        if (slot_is_busy(slot)) {
-            // The disconnect question is put while the transfer still counts as running.
-            if (!port_close_and_report(slot))
-                return;
-            const LockGuard guard(port_slot[slot].step_lock);
-            transfer_state[slot].status = PORT_IDLE;
-            reset_transfer(slot);
-        }
-    }
+    if (!free_slot(slot))
+        return;
+    close_idle_port(slot);
     if (!test_port(slot))
         return;
     take_file(slot, child[0].file_path);
-    send_message(child[0].main_window, WM_COMMAND, COMMAND_CLOSE, 0);
-    if (child[0].file_open)
+    if (!close_document_for_send(slot))
         return;
-    if (!may_be_sent(slot))
-        return;
-    TransferState& t = transfer_state[slot];
-    t.bytes_done = 0;
-    t.total_bytes = static_cast<int32_t>(file_size_of(slot));
-    t.status = SEND_STANDBY;
-    send_slot = slot;
-    show_send_properties();
-    start_prepared_send(slot);
+    ask_and_send(slot);
     set_ui_timer(UI_TIMER_SLOW);
     update_menus(child[0].main_window);
 }

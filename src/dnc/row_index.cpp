@@ -26,6 +26,10 @@ uint8_t waiting[WAITING_MAX * OFFSET_SIZE];
 int waiting_count = 0;
 int64_t index_length = 0;
 
+bool is_row_end(char byte) {
+    return byte == '\n' || byte == '\0';
+}
+
 void put_offset(uint8_t* bytes, uint32_t offset) {
     for (int i = 0; i < OFFSET_SIZE; i++)
         bytes[i] = static_cast<uint8_t>(offset >> (8 * i) & 0xFF);
@@ -73,7 +77,7 @@ int scan() {
         if (length == 0)
             return write_waiting();
         for (int64_t i = 0; i < length; i++) {
-            if ((block[i] == '\n' || block[i] == '\0') && !add_row(static_cast<uint32_t>(position + i + 1)))
+            if (is_row_end(static_cast<char>(block[i])) && !add_row(static_cast<uint32_t>(position + i + 1)))
                 return 0;
         }
         position += length;
@@ -138,8 +142,21 @@ void read_row_text(int32_t row, char* text) {
     std::fill(end, text + ROW_TEXT_LIMIT + 1, '\0');
 }
 
-int64_t indexed_file_size() {
+int64_t row_end(int32_t row) {
+    if (row < count)
+        return row_offset(row + 1);
     return viewed_file == NO_FILE ? -1 : file_size(viewed_file);
+}
+
+bool row_is_there(const char* path, int64_t offset) {
+    FileHandle file = file_open(path, FileAccess::READ);
+    if (file == NO_FILE)
+        return false;
+    char before = '\0';
+    const bool in_file = file_size(file) >= offset;
+    const bool begins = offset == 0 || file_read_at(file, offset - 1, &before, 1) == 1;
+    file_close(file);
+    return in_file && begins && is_row_end(before);
 }
 
 }  // namespace hexlane

@@ -31,7 +31,11 @@ int64_t row_offset(int32_t row);
 // The first bytes of a row, up to its line end, into text[ROW_TEXT_LIMIT + 1]; empty for a row that is gone.
 void read_row_text(int32_t row, char* text);
 
-// Size of the file as it is now, -1 when it cannot be told.
-int64_t indexed_file_size();
+// The place behind the end of row `row`, the end of the file as it is now for the last; -1 when it cannot be
+// told.
+int64_t row_end(int32_t row);
+
+// Whether a row begins at `offset` in the file that `path` names now: it may have been replaced or cut.
+bool row_is_there(const char* path, int64_t offset);
 
 }  // namespace hexlane

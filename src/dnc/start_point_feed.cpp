@@ -1,7 +1,9 @@
 // start_point_feed.cpp: rows handed to the machine one by one, as fast as it takes them. The block worker
-// asks for the next row when one has left the line and, where the protocol wants it, has been answered.
+// asks for the next piece when one has left the line and, where the protocol wants it, has been answered.
+// The worker waits in its message while the screen acts on it, so both never work on a row at once.
 
 #include "dnc/activity.h"
+#include "dnc/dnc_texts.h"
 #include "dnc/filters.h"
 #include "dnc/port_engine.h"
 #include "dnc/row_index.h"
@@ -35,12 +37,12 @@ void start_row() {
 bool fill_piece() {
     TransferState& t = transfer_state[send_slot];
     const LockGuard guard(port_slot[send_slot].step_lock);
-    const int64_t end = row_offset(start_point.cursor_row + 1);
+    const int64_t end = row_end(start_point.cursor_row);
     t.out_index = 0;
     t.out_count = 0;
     while (t.out_count == 0) {
         if (t.in_index >= t.file_count && t.carry_count == 0) {
-            if (t.last_buffer || end < 0 || t.file_position >= end)
+            if (t.last_buffer || t.file_position >= end)
                 return false;
             read_line(send_slot);
             if (t.file_count == 0)
@@ -52,9 +54,30 @@ bool fill_piece() {
     return true;
 }
 
+// Nothing is left to feed. With one mark alone that is so at once: a block has two ends.
+bool is_over() {
+    return start_point.block_marked &&
+           (start_point.block_start_row < 0 || start_point.cursor_row > start_point.block_end_row);
+}
+
 bool is_last_row() {
     const int32_t row = start_point.cursor_row;
     return !start_point.block_marked || row >= start_point.block_end_row || row + 1 >= row_count();
+}
+
+// The row has gone, or the filters have dropped it whole. Gives false when the feed is over.
+bool leave_row() {
+    const bool last = is_last_row();
+    start_point.row_started = false;
+    const bool faulty = transfer_state[send_slot].fault != TransferFault::NONE;
+    if (!faulty)
+        move_cursor_down();
+    if (!last && !faulty)
+        return true;
+    stop_feed();
+    if (faulty)
+        show_dnc_box(DncBox::SOURCE_CHANGED, transfer_state[send_slot].file_name);
+    return false;
 }
 
 }  // namespace
@@ -62,9 +85,11 @@ bool is_last_row() {
 void begin_feed() {
     {
         const LockGuard guard(port_slot[send_slot].step_lock);
+        TransferState& t = transfer_state[send_slot];
         reset_transfer(send_slot);
-        transfer_state[send_slot].wait_for_ack = 0;
-        transfer_state[send_slot].status = SENDING;
+        t.wait_for_ack = 0;
+        t.fault = TransferFault::NONE;
+        t.status = SENDING;
     }
     stamp_source(send_slot);
     if (start_point.block_marked && start_point.block_start_row >= 0)
@@ -76,31 +101,43 @@ void begin_feed() {
     start_point.block_running = true;
     start_point.row_started = false;
     enable_feed_buttons(false);
-    post_message(start_point.view, NEXT_ROW_MESSAGE, send_slot, 0);
+    send_message(start_point.view, NEXT_ROW_MESSAGE, send_slot, 0);
 }
 
+// Between two rows one waiting message is served, so that Cancel and the screen stay alive also where the
+// filters drop row after row.
 void feed_next_row() {
-    if (!start_point.block_running)
-        return;
-    const bool out_of_block = start_point.block_marked && start_point.cursor_row > start_point.block_end_row;
-    if (!start_point.row_started && (out_of_block || start_point.cursor_row >= row_count())) {
-        stop_feed();
-        return;
+    while (start_point.block_running) {
+        if (!start_point.row_started) {
+            if (is_over()) {
+                stop_feed();
+                return;
+            }
+            pump_one_message();
+            if (!start_point.block_running)
+                return;
+            start_row();
+        }
+        if (fill_piece()) {
+            transfer_step(send_slot, STEP_SEND);
+            return;
+        }
+        if (!leave_row())
+            return;
     }
-    if (!start_point.row_started)
-        start_row();
-    if (fill_piece()) {
-        transfer_step(send_slot, STEP_SEND);
-        return;
+}
+
+// What is still on its way out is dropped first: it is read from the buffers that are cleared behind it.
+void cancel_feed() {
+    {
+        const LockGuard guard(port_slot[send_slot].step_lock);
+        if (port_slot[send_slot].write_running && port_slot[send_slot].connected)
+            line_purge(port_slot[send_slot].port_handle);
+        port_slot[send_slot].write_running = 0;
+        reset_transfer(send_slot);
+        transfer_state[send_slot].status = PORT_IDLE;
     }
-    // The row has gone, or the filters have dropped it whole.
-    const bool last = is_last_row();
-    start_point.row_started = false;
-    move_cursor_down();
-    if (last)
-        stop_feed();
-    else
-        post_message(start_point.view, NEXT_ROW_MESSAGE, send_slot, 0);
+    stop_feed();
 }
 
 void stop_feed() {

@@ -14,7 +14,7 @@ struct StartPoint {
     platform::ViewHandle view;
     int32_t cursor_row;   // row of the file
     int32_t cursor_line;  // line of the screen
-    int32_t page_top;     // top row that the last Page Up or Page Down left
+    int32_t page_top;     // top row that the last Page Up or Page Down left, -1 before
     bool block_marked;
     int32_t block_start_row;  // -1 unset
     int32_t block_end_row;    // -1 unset
@@ -37,6 +37,7 @@ void show_search_for();
 // Send Block (start_point_feed.cpp): begins, goes on at NEXT_ROW_MESSAGE, and stops.
 void begin_feed();
 void feed_next_row();
+void cancel_feed();  // by the user, in the middle of a row
 void stop_feed();
 
 }  // namespace hexlane

@@ -28,6 +28,8 @@ constexpr int16_t TEXT_FIELD = 104;
 constexpr int16_t NUMBER_FIELD = 105;
 constexpr int16_t MESSAGE_LINE = 106;
 
+constexpr std::size_t FIELD_SIZE = 50;
+
 constexpr InputRule TEXT_RULE = {30, nullptr, 0, 0, nullptr, nullptr, nullptr};
 constexpr InputRule NUMBER_RULE = {10, "0123456789", 0, 0, nullptr, "Please enter in a number", "Search For"};
 
@@ -50,7 +52,7 @@ constexpr const char* TEXT_NOT_FOUND = "'%s' not found.";
 
 // They live as long as the program runs.
 int search_kind = TEXT_KIND;
-char search_text[50];
+char search_text[FIELD_SIZE];
 
 int32_t search_target = -1;
 
@@ -79,35 +81,34 @@ bool row_matches(const char* row, const char* wanted, bool* candidate) {
     return false;
 }
 
-// From the cursor's row forward, or backward from behind the last row. A row without a candidate moves on
-// with a wrap until the start is back; a row with a candidate but no match moves forward, and then the end of
-// the file ends it.
+// From the cursor's row forward, or backward from behind the last row, round the ends of the file until the
+// start is back. From the first row with a candidate but no match on it goes forward alone, to the end of the
+// file.
 int32_t find_text_row(const char* wanted) {
     if (wanted[0] == '\0')
         return -1;
     const int32_t rows = row_count() + 1;
     const int32_t start = start_point.cursor_row;
-    const bool backward = start == row_count();
-    char row[ROW_TEXT_LIMIT + 1];
-    int32_t at = start;
-    bool once = true;
-    while (once || at != start) {
-        once = false;
+    const int32_t step = start == row_count() ? rows - 1 : 1;
+    bool round = true;
+    for (int32_t at = start; at < rows;) {
+        char row[ROW_TEXT_LIMIT + 1];
         bool candidate = false;
         read_row_text(at, row);
         if (row_matches(row, wanted, &candidate))
             return at;
-        if (candidate) {
-            if (++at >= rows)
-                return -1;
-        } else {
-            at = (at + (backward ? rows - 1 : 1)) % rows;
-        }
+        round = round && !candidate;
+        at = round ? static_cast<int32_t>((static_cast<int64_t>(at) + step) % rows) : at + 1;
+        if (round && at == start)
+            return -1;
     }
     return -1;
 }
 
-int32_t find_line_row(uint64_t number) {
+int32_t find_line_row(const char* typed) {
+    uint64_t number = 0;
+    if (std::from_chars(typed, typed + std::strlen(typed), number).ec != std::errc())
+        return -1;
     char row[ROW_TEXT_LIMIT + 1];
     for (int32_t at = 0; at < row_count(); at++) {
         read_row_text(at, row);
@@ -126,64 +127,79 @@ void say(ViewHandle view, const char* format, const char* argument) {
     message_beep(BoxIcon::EXCLAMATION);
 }
 
-void show_kind(ViewHandle view) {
-    if (search_kind == TEXT_KIND) {
-        view_hide_control(view, NUMBER_FIELD);
-        view_show_control(view, TEXT_FIELD);
-    } else {
-        view_hide_control(view, TEXT_FIELD);
-        view_show_control(view, NUMBER_FIELD);
-    }
+int kind_picked(ViewHandle view) {
+    return view_checked(view, ROW_RADIO) ? ROW_KIND : view_checked(view, LINE_RADIO) ? LINE_KIND : TEXT_KIND;
+}
+
+void show_fields(ViewHandle view) {
+    const bool text = kind_picked(view) == TEXT_KIND;
+    view_show_control(view, text ? TEXT_FIELD : NUMBER_FIELD);
+    view_hide_control(view, text ? NUMBER_FIELD : TEXT_FIELD);
     put_text(view, MESSAGE_LINE, "");
 }
 
-int32_t search(ViewHandle view) {
-    char typed[50];
-    view_get_text(view, search_kind == TEXT_KIND ? TEXT_FIELD : NUMBER_FIELD, typed, sizeof typed);
-    copy_text(search_text, sizeof search_text, typed);
+// Gives the row, or -1 after a message.
+int32_t find_by_row(ViewHandle view) {
+    char typed[FIELD_SIZE];
+    view_get_text(view, NUMBER_FIELD, typed, sizeof typed);
     uint64_t number = 0;
     std::from_chars(typed, typed + std::strlen(typed), number);
-    int32_t found = -1;
+    if (number >= 1 && number <= static_cast<uint64_t>(row_count()))
+        return static_cast<int32_t>(number) - 1;
+    format_text(typed, sizeof typed, "%d", row_count());
+    say(view, ROW_OUT_OF_RANGE, typed);
+    return -1;
+}
+
+int32_t find_by_line(ViewHandle view) {
+    char typed[FIELD_SIZE];
+    view_get_text(view, NUMBER_FIELD, typed, sizeof typed);
+    const int32_t found = find_line_row(typed);
+    if (found < 0)
+        say(view, LINE_NOT_FOUND, typed);
+    return found;
+}
+
+int32_t find_by_text(ViewHandle view) {
+    view_get_text(view, TEXT_FIELD, search_text, sizeof search_text);
+    char bytes[FIELD_SIZE];
+    text_to_bytes(bytes, sizeof bytes, search_text);
+    const int32_t found = find_text_row(bytes);
+    if (found < 0)
+        say(view, TEXT_NOT_FOUND, search_text);
+    return found;
+}
+
+int32_t search(ViewHandle view) {
+    search_kind = kind_picked(view);
     const PointerShape pointer = begin_wait();
-    switch (search_kind) {
-    case ROW_KIND:
-        if (number >= 1 && number <= static_cast<uint64_t>(row_count())) {
-            found = static_cast<int32_t>(number) - 1;
-        } else {
-            format_text(typed, sizeof typed, "%d", row_count());
-            say(view, ROW_OUT_OF_RANGE, typed);
-        }
-        break;
-    case LINE_KIND:
-        found = find_line_row(number);
-        if (found < 0)
-            say(view, LINE_NOT_FOUND, typed);
-        break;
-    default:
-        found = find_text_row(typed);
-        if (found < 0)
-            say(view, TEXT_NOT_FOUND, typed);
-    }
+    const int32_t found = search_kind == ROW_KIND    ? find_by_row(view)
+                          : search_kind == LINE_KIND ? find_by_line(view)
+                                                     : find_by_text(view);
     end_wait(pointer);
     return found;
+}
+
+void open_search(ViewHandle view) {
+    view_check(view,
+               search_kind == ROW_KIND    ? ROW_RADIO
+               : search_kind == LINE_KIND ? LINE_RADIO
+                                          : TEXT_RADIO,
+               true);
+    put_text(view, TEXT_FIELD, search_text);
+    show_fields(view);
+    view_focus_control(view, search_kind == TEXT_KIND ? TEXT_FIELD : NUMBER_FIELD);
 }
 
 int64_t search_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
     view_attach(view);
     if (message == WM_INITDIALOG) {
-        view_check(view,
-                   search_kind == ROW_KIND    ? ROW_RADIO
-                   : search_kind == LINE_KIND ? LINE_RADIO
-                                              : TEXT_RADIO,
-                   true);
-        put_text(view, search_kind == TEXT_KIND ? TEXT_FIELD : NUMBER_FIELD, search_text);
-        show_kind(view);
+        open_search(view);
         return 1;
     }
     const int id = message == WM_COMMAND ? low_word(first) : 0;
     if (id == ROW_RADIO || id == LINE_RADIO || id == TEXT_RADIO) {
-        search_kind = id == ROW_RADIO ? ROW_KIND : id == LINE_RADIO ? LINE_KIND : TEXT_KIND;
-        show_kind(view);
+        show_fields(view);
         return 1;
     }
     if (id == OK_BUTTON) {

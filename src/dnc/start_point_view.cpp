@@ -44,9 +44,14 @@ constexpr int SCREEN_COLUMNS = PANE_COLUMNS - 1;
 constexpr int SCROLL_MAX = 30000;
 constexpr int BLOCK_LABEL_LIMIT = 27;  // characters
 constexpr Color RED = 0x0000FF;
+constexpr std::size_t NAME_SHOWN = 70;  // characters of the file's path
+
+// Looks after a feed whose line has gone: no transmitter-empty will ask for the next row.
+constexpr int FEED_TIMER = 1;
+constexpr int FEED_TIMER_MS = 500;
 
 constexpr ControlSpec CONTROLS[] = {
-    {FILE_TEXT, ControlKind::TEXT, "", 0, 0, 1, 4, 60, CONTROL_SUNKEN, nullptr},
+    {FILE_TEXT, ControlKind::TEXT, "", 0, 0, 1, 4, NAME_SHOWN, CONTROL_SUNKEN, nullptr},
     {ROWS_PANE, ControlKind::PANE, "ROWS", 1, 0, PANE_ROWS, 4, PANE_COLUMNS, 0, nullptr},
     {201, ControlKind::TEXT, "Click right mouse button to select", PANE_ROWS + 1, 0, 1, 4, 0, 0, nullptr},
     {START_BUTTON, ControlKind::BUTTON, "S&tart Block", PANE_ROWS + 2, 0, 1, 1, 0, 0, nullptr},
@@ -88,11 +93,25 @@ void draw_line(int32_t line) {
     draw_text(pane(), 0, line * CELL_HEIGHT, text, SCREEN_COLUMNS, ink, paper);
 }
 
-// One step of the bar is a page, as long as its range suffices.
+// One step of the bar is a page, as long as its range suffices; the rows of a longer file are spread over it.
+int32_t page_count() {
+    return row_count() / SCREEN_LINES;
+}
+int bar_position(int32_t row) {
+    if (page_count() <= SCROLL_MAX)
+        return row / SCREEN_LINES;
+    return static_cast<int>(static_cast<int64_t>(row) * SCROLL_MAX / row_count());
+}
+int32_t row_at_position(int position) {
+    if (page_count() <= SCROLL_MAX)
+        return position * SCREEN_LINES;
+    return static_cast<int32_t>(static_cast<float>(position) * static_cast<float>(row_count()) /
+                                static_cast<float>(SCROLL_MAX));
+}
+
 void set_bar() {
-    const int32_t pages = row_count() / SCREEN_LINES;
-    set_scroll_range(pane(), 0, std::min(pages, SCROLL_MAX));
-    set_scroll_position(pane(), std::min(start_point.cursor_row / SCREEN_LINES, SCROLL_MAX));
+    set_scroll_range(pane(), 0, std::min(page_count(), SCROLL_MAX));
+    set_scroll_position(pane(), bar_position(start_point.cursor_row));
 }
 
 void draw_all() {
@@ -125,7 +144,8 @@ void page_up() {
 void page_down() {
     if (row_count() <= SCREEN_LINES)
         return;
-    const int32_t top = std::min(top_row_shown() + SCREEN_LINES + 1, row_count() - SCREEN_LINES + 1);
+    const int32_t last_top = std::max(row_count() - SCREEN_LINES + 1, top_row_shown());
+    const int32_t top = std::min(top_row_shown() + SCREEN_LINES + 1, last_top);
     start_point.page_top = top;
     show_top(top, start_point.cursor_line);
 }
@@ -182,15 +202,9 @@ void act_on_bar(int request, int position) {
     case SB_BOTTOM:
         to_end();
         break;
-    case SB_THUMBPOSITION: {
-        const int32_t pages = row_count() / SCREEN_LINES;
-        const int32_t top = pages <= SCROLL_MAX ? position * SCREEN_LINES
-                                                : static_cast<int32_t>(static_cast<float>(position) *
-                                                                       static_cast<float>(row_count()) /
-                                                                       static_cast<float>(SCROLL_MAX));
-        show_top(std::min(top, row_count()), start_point.cursor_line);
+    case SB_THUMBPOSITION:
+        show_top(std::min(row_at_position(position), row_count()), start_point.cursor_line);
         break;
-    }
     default:
         break;
     }
@@ -202,38 +216,25 @@ void show_labels() {
     const std::pair<int16_t, int32_t> labels[] = {{START_LABEL, start_point.block_start_row},
                                                   {END_LABEL, start_point.block_end_row}};
     for (const auto& [id, row] : labels) {
-        char text[ROW_TEXT_LIMIT + 1] = "";
+        char bytes[ROW_TEXT_LIMIT + 1] = "";
+        char text[4 * BLOCK_LABEL_LIMIT] = "";
         if (row >= 0)
-            read_row_text(row, text);
-        text[BLOCK_LABEL_LIMIT] = '\0';
+            read_row_text(row, bytes);
+        bytes[BLOCK_LABEL_LIMIT] = '\0';
+        bytes_to_text(text, sizeof text, bytes);
         put_text(start_point.view, id, text);
     }
 }
 
+// Marks that come out the wrong way round are swapped.
 void set_marks(int32_t start, int32_t end) {
+    if (start >= 0 && end >= 0 && start > end)
+        std::swap(start, end);
     start_point.block_start_row = start;
     start_point.block_end_row = end;
     start_point.block_marked = start >= 0 || end >= 0;
     show_labels();
     draw_all();
-}
-
-void mark_start() {
-    const int32_t row = start_point.cursor_row;
-    const int32_t end = start_point.block_end_row;
-    if (end >= 0 && row > end)
-        set_marks(end, row);
-    else
-        set_marks(row, end);
-}
-
-void mark_end() {
-    const int32_t row = start_point.cursor_row;
-    const int32_t start = start_point.block_start_row;
-    if (start >= 0 && row < start)
-        set_marks(row, start);
-    else
-        set_marks(start, row);
 }
 
 // The right button: the first rule that fits.
@@ -242,10 +243,10 @@ void mark_row(int32_t row) {
     const int32_t end = start_point.block_end_row;
     if (start < 0)
         set_marks(row, end);
-    else if (end < 0 && row >= start)
+    else if (end < 0)
         set_marks(start, row);
     else if (row < start)
-        set_marks(row, end < 0 ? start : end);
+        set_marks(row, end);
     else if (row > end)
         set_marks(start, row);
     else if (row == start)
@@ -258,64 +259,80 @@ void mark_row(int32_t row) {
 
 // ---- The view ----------------------------------------------------------------------------------------
 
+// The port is the screen's own while it is up. The slot counts as quiet meanwhile: a request of the machine
+// would find nothing to send, and rows that are fed need the line's normal handshake.
+int open_port() {
+    transfer_state[send_slot].status = PORT_IDLE;
+    if (port_slot[send_slot].connected)
+        return 1;
+    return port_init(send_slot, machine_of_slot(send_slot)) == 1 && port_open_for_blocks(send_slot);
+}
+
 void open_screen(ViewHandle view) {
     const PointerShape pointer = begin_wait();
-    start_point = {view, 0, 0, 0, false, -1, -1, false, false};
+    start_point = {};
+    start_point.view = view;
+    start_point.page_top = -1;
+    start_point.block_start_row = -1;
+    start_point.block_end_row = -1;
     start_point_window = view;
-    put_text(view, FILE_TEXT, transfer_state[send_slot].file_name);
-    const int opened = open_row_index(transfer_state[send_slot].file_name);
+    const char* path = transfer_state[send_slot].file_name;
+    char name[PATH_SIZE + 2];
+    shorten_path(name, sizeof name, path, NAME_SHOWN, NAME_SHOWN - 2);
+    put_text(view, FILE_TEXT, name);
+    const int opened = open_row_index(path);
+    const FileError error = last_file_error();
     draw_all();
     view_focus_control(view, ROWS_PANE);
     end_wait(pointer);
     if (!opened)
-        show_dnc_box(DncBox::NO_DATA);
-    if (!port_slot[send_slot].connected &&
-        (port_init(send_slot, machine_of_slot(send_slot)) != 1 || !port_open_for_blocks(send_slot)))
+        show_dnc_box(DncBox::NO_ROW_INDEX, path, file_error_text(error));
+    if (!open_port())
         show_connection_failed();
+    start_timer(view, FEED_TIMER, FEED_TIMER_MS);
 }
 
-void close_screen(int result) {
+// Leaves the screen with the send to begin at `offset`.
+void close_screen(int64_t offset, int result) {
     block_mode = 0;
     port_close(send_slot);
     start_point_window = NO_WINDOW;
     close_row_index();
+    {
+        const LockGuard guard(port_slot[send_slot].step_lock);
+        TransferState& t = transfer_state[send_slot];
+        reset_transfer(send_slot);
+        t.start_offset = static_cast<int32_t>(offset);
+        t.file_position = t.start_offset;
+        t.status = SEND_STANDBY;
+    }
     view_end(start_point.view, result);
 }
 
-void take_start(int64_t offset) {
-    const LockGuard guard(port_slot[send_slot].step_lock);
-    TransferState& t = transfer_state[send_slot];
-    reset_transfer(send_slot);
-    t.start_offset = static_cast<int32_t>(offset);
-    t.file_position = t.start_offset;
-    t.status = SEND_STANDBY;
-}
-
 void press_ok() {
-    if (start_point.block_running)
-        return;
-    if (start_point.block_marked)
-        start_point.cursor_row = std::min(start_point.block_end_row + 1, row_count());
-    const int64_t offset = row_offset(start_point.cursor_row);
-    if (offset < 0 || offset > indexed_file_size()) {
+    const int32_t row = start_point.block_marked ? std::min(start_point.block_end_row + 1, row_count())
+                                                 : start_point.cursor_row;
+    const int64_t offset = row_offset(row);
+    if (offset < 0 || !row_is_there(transfer_state[send_slot].file_name, offset)) {
         show_dnc_box(DncBox::START_POINT_GONE);
         return;
     }
-    take_start(offset);
-    close_screen(1);
+    close_screen(offset, 1);
 }
 
 void press_cancel() {
-    if (start_point.block_running) {
-        {
-            const LockGuard guard(port_slot[send_slot].step_lock);
-            reset_transfer(send_slot);
-        }
-        stop_feed();
-        return;
-    }
-    take_start(0);
-    close_screen(0);
+    if (start_point.block_running)
+        cancel_feed();
+    else
+        close_screen(0, 0);
+}
+
+// Send Block. A port that could not be opened before is tried once more.
+void press_feed() {
+    if (open_port())
+        begin_feed();
+    else
+        show_connection_failed();
 }
 
 void on_control(int id) {
@@ -327,10 +344,10 @@ void on_control(int id) {
         return;
     switch (id) {
     case START_BUTTON:
-        mark_start();
+        set_marks(start_point.cursor_row, start_point.block_end_row);
         break;
     case END_BUTTON:
-        mark_end();
+        set_marks(start_point.block_start_row, start_point.cursor_row);
         break;
     case RESET_BUTTON:
         set_marks(-1, -1);
@@ -339,7 +356,7 @@ void on_control(int id) {
         show_search_for();
         break;
     case FEED_BUTTON:
-        begin_feed();
+        press_feed();
         break;
     case OK_BUTTON:
         press_ok();
@@ -355,15 +372,33 @@ void on_press(uint32_t message, int64_t first, int64_t second) {
         return;
     const int32_t row = std::min(top_row_shown() + line, row_count());
     if (message == WM_RBUTTONDOWN) {
-        if (!start_point.block_running)
-            mark_row(row);
+        mark_row(row);
     } else if ((low_word(first) & (MK_SHIFT | MK_CONTROL)) == 0) {
         move_line(row - start_point.cursor_row);
     }
 }
 
+// Keys and mouse; the cursor belongs to the feed while rows go out. Gives whether the message was one of
+// them.
+bool on_hand(uint32_t message, int64_t first, int64_t second) {
+    if (message != WM_KEYDOWN && message != WM_LBUTTONDOWN && message != WM_RBUTTONDOWN &&
+        message != WM_VSCROLL)
+        return false;
+    if (start_point.block_running)
+        return true;
+    if (message == WM_KEYDOWN)
+        return act_on_key(low_word(first));
+    if (message == WM_VSCROLL)
+        act_on_bar(low_word(first), static_cast<int>(second));
+    else
+        on_press(message, first, second);
+    return true;
+}
+
 int64_t start_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
     view_attach(view);
+    if (on_hand(message, first, second))
+        return 1;
     switch (message) {
     case WM_INITDIALOG:
         open_screen(view);
@@ -371,16 +406,9 @@ int64_t start_proc(WindowHandle view, uint32_t message, int64_t first, int64_t s
     case NEXT_ROW_MESSAGE:
         feed_next_row();
         return 1;
-    case WM_KEYDOWN:
-        if (!start_point.block_running && act_on_key(low_word(first)))
-            return 1;
-        break;
-    case WM_LBUTTONDOWN:
-    case WM_RBUTTONDOWN:
-        on_press(message, first, second);
-        return 1;
-    case WM_VSCROLL:
-        act_on_bar(low_word(first), static_cast<int>(second));
+    case WM_TIMER:
+        if (start_point.block_running && !port_slot[send_slot].connected)
+            stop_feed();
         return 1;
     case WM_COMMAND:
         on_control(low_word(first));
@@ -389,9 +417,8 @@ int64_t start_proc(WindowHandle view, uint32_t message, int64_t first, int64_t s
         press_cancel();
         return 1;
     default:
-        break;
+        return view_default(view, message, first, second);
     }
-    return view_default(view, message, first, second);
 }
 
 }  // namespace

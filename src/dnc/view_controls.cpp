@@ -9,6 +9,15 @@ namespace hexlane {
 
 using namespace platform;
 
+namespace {
+
+// Of a UTF-8 text.
+bool begins_character(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+}
+
+}  // namespace
+
 void put_text(ViewHandle view, int id, const char* text) {
     view_choose_field(view, id);
     view_set_text(view, text);
@@ -45,6 +54,21 @@ int take_number(ViewHandle view, int id, int blank) {
     int number = blank;
     std::from_chars(first, text + std::strlen(text), number);
     return number;
+}
+
+void shorten_path(char* shown, std::size_t size, const char* path, std::size_t whole, std::size_t end) {
+    std::size_t characters = 0;
+    for (const char* at = path; *at != '\0'; at++)
+        characters += begins_character(*at) ? 1 : 0;
+    if (characters <= whole) {
+        copy_text(shown, size, path);
+        return;
+    }
+    for (std::size_t skipped = characters - end; *path != '\0'; path++) {
+        if (begins_character(*path) && skipped-- == 0)
+            break;
+    }
+    format_text(shown, size, "..%s", path);
 }
 
 }  // namespace hexlane

@@ -4,6 +4,8 @@
 
 #include "platform/views.h"
 
+#include <cstddef>
+
 namespace hexlane {
 
 constexpr int16_t OK_BUTTON = 1;
@@ -23,5 +25,8 @@ void enable_controls(platform::ViewHandle view, int first_id, int count, bool en
 // A number in a field; `blank` is the number of an empty or all-blank field, which shows it too.
 void put_number(platform::ViewHandle view, int id, int number, int blank);
 int take_number(platform::ViewHandle view, int id, int blank);
+
+// A path with up to `whole` characters as it stands, a longer one as ".." and its last `end` characters.
+void shorten_path(char* shown, std::size_t size, const char* path, std::size_t whole, std::size_t end);
 
 }  // namespace hexlane

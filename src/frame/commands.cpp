@@ -3,6 +3,7 @@
 #include "dnc/activity.h"
 #include "dnc/parameter_views.h"
 #include "frame/child.h"
+#include "frame/compare_command.h"
 #include "frame/file_commands.h"
 #include "frame/main_window.h"
 #include "frame/views.h"
@@ -11,6 +12,7 @@
 #include "macros/recording.h"
 #include "ncutils/nc_commands.h"
 #include "platform/keys.h"
+#include "print/print_file.h"
 #include "search/search.h"
 #include "store/block_buffer.h"
 #include "view/colors.h"
@@ -97,10 +99,11 @@ const Command COMMANDS[] = {
     line_in(FILE_POPUP),
     {1004, FILE_POPUP, "&Merge...", "Merge a file with the active file", Enabled::FILE_OPEN, false,
      command_merge},
-    {1005, FILE_POPUP, "&Print", "Print part or all of the active file", Enabled::FILE_OPEN, false, nullptr},
+    {1005, FILE_POPUP, "&Print", "Print part or all of the active file", Enabled::FILE_OPEN, false,
+     command_print},
     line_in(FILE_POPUP),
     {1006, FILE_POPUP, "&Compare\tF6", "Compare the active file with another", Enabled::FILE_OPEN, false,
-     nullptr},
+     command_compare},
     line_in(FILE_POPUP),
     {1007, FILE_POPUP, "E&xit", "Quit the application", Enabled::ALWAYS, false, command_exit},
 

@@ -38,6 +38,7 @@ constexpr int COMMAND_ENABLE_COLORS = 1017;
 constexpr int COMMAND_COLOR_EDIT_CHANGES = 1018;
 constexpr int COMMAND_NC_MODE = 1019;
 constexpr int COMMAND_OPEN = 1001;
+constexpr int COMMAND_CLOSE = 1035;
 constexpr int COMMAND_SEND_THIS = 1042;
 
 // Fills menu and accelerators of the main window.

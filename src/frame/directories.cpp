@@ -24,7 +24,7 @@ constexpr int VALUES_PER_CHAR = 529;
 constexpr int NAME_CHAR_RANGE = 32768;
 
 // What may follow temp_prefix in the name of a file of this run: one of these, or a number behind "" or "DX".
-constexpr const char* FIXED_NAMES[] = {"chng.txt", "CUT.INX", "idx.twr"};
+constexpr const char* FIXED_NAMES[] = {"chng.txt", "CUT.INX", "idx.twr", "tmpx.twr"};
 constexpr const char* NUMBERED_NAMES[] = {"", "DX"};
 
 bool is_number(const char* text) {

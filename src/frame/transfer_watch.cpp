@@ -2,6 +2,7 @@
 
 #include "dnc/machine_table.h"
 #include "dnc/transfer.h"
+#include "dnc/transfer_log.h"
 #include "frame/command_state.h"
 #include "frame/commands.h"
 #include "frame/status_line.h"
@@ -24,8 +25,10 @@ bool any_slot(int8_t first, int8_t second) {
 }  // namespace
 
 void watch_transfers() {
-    for (int slot = 0; slot < SLOT_COUNT; slot++)
+    for (int slot = 0; slot < SLOT_COUNT; slot++) {
+        watch_line(slot);
         check_receive_timeout(slot);
+    }
     if (any_slot(SENDING, RECEIVING)) {
         show_activity_icon(true);
     } else if (!any_slot(SEND_STANDBY, RECEIVE_STANDBY)) {

@@ -132,7 +132,7 @@ constexpr int16_t STEP_THROUGH_BUTTON = 3;
 constexpr int16_t DELETE_BUTTON = 4;
 
 constexpr ControlSpec PLAY_CONTROLS[] = {
-    {MACRO_LIST, ControlKind::LIST, "", 0, 0, 4, 1, MACRO_NAME_SIZE, 0, nullptr},
+    {MACRO_LIST, ControlKind::LIST, "", 0, 0, 5, 1, MACRO_NAME_SIZE, 0, nullptr},
     {CONTINUOUS_BUTTON, ControlKind::BUTTON, "Run &Continuously", 0, 1, 1, 1, 0, CONTROL_DEFAULT, nullptr},
     {STEP_THROUGH_BUTTON, ControlKind::BUTTON, "&Step Through", 1, 1, 1, 1, 0, 0, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 2, 1, 1, 1, 0, CONTROL_CANCEL, nullptr},

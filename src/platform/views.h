@@ -108,6 +108,9 @@ void view_add_to_list(ViewHandle view, int id, const char* text);
 void view_select(ViewHandle view, int id, int index);  // -1 for none
 int view_selection(ViewHandle view, int id);           // -1 for none
 
+// What a control shows when the pointer rests on it; empty for nothing. Scripted runs do not show it.
+void view_set_tip(ViewHandle view, int id, const char* text);
+
 // The text surface of a PANE control, for surface.h; its grid has the control's size in cells. NO_WINDOW when
 // there is no such pane. A pane tells its view's procedure of mouse and keys as a main window does, with
 // WM_VSCROLL of its bar too; bits 16 to 31 of the message's `first` then hold the pane's id.

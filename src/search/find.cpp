@@ -26,7 +26,7 @@ constexpr int16_t DOWN_RADIO = 112;
 constexpr ControlSpec FIND_CONTROLS[] = {
     {100, ControlKind::TEXT, "Fi&nd What:", 0, 0, 1, 1, 0, 0, nullptr},
     {FIND_FIELD, ControlKind::FIELD, "", 0, 1, 1, 2, 40, 0, &SEARCH_TEXT_RULE},
-    {110, ControlKind::FRAME, "Search Direction", 1, 1, 1, 2, 0, 0, nullptr},
+    {110, ControlKind::FRAME, "Search Direction", 1, 1, 2, 2, 0, 0, nullptr},
     {UP_RADIO, ControlKind::RADIO, "&Up", 1, 1, 1, 1, 0, CONTROL_GROUP, nullptr},
     {DOWN_RADIO, ControlKind::RADIO, "&Down", 1, 2, 1, 1, 0, 0, nullptr},
     {FIND_BUTTON, ControlKind::BUTTON, "&Find", 0, 3, 1, 1, 0, CONTROL_DEFAULT, nullptr},

@@ -55,7 +55,6 @@ void press_a_key(Bytes* bytes) {
     const std::string with = WITH[bytes->below(std::size(WITH))];
     const std::string key = KEYS[bytes->below(std::size(KEYS))];
     repaint_owed = repaint_owed || (child[0].overwrite_mode && with.starts_with("Ctrl") && key == "Enter");
-    if (getenv("TRACE")) fprintf(stderr, "key %s%s\n", with.c_str(), key.c_str());
     press_key((with + key).c_str());
 }
 
@@ -136,7 +135,6 @@ void take_a_step(Bytes* bytes) {
     for (const Step& step : STEPS) {
         number -= step.weight;
         if (number < 0) {
-            if (getenv("TRACE")) fprintf(stderr, "step %d row %d/%d y %d col %d pend %d block %d,%d-%d,%d act %d\n", (int)(&step - STEPS), child[0].current_row, child[0].last_file_row, child[0].caret_row, child[0].caret_col, child[0].pending_row, block.start.col, block.start.row, block.end.col, block.end.row, child[0].block_active);
             step.act(bytes);
             break;
         }
@@ -221,8 +219,8 @@ bool is_part_of_row(const Difference& difference) {
            difference.shown->row == block.start.row;
 }
 
-// A row counts as changed when it is stored, also by a key that changed nothing in it and drew nothing: then it
-// stays black until it is drawn.
+// A row counts as changed when it is stored, also by a key that changed nothing in it and drew nothing: then
+// it stays black until it is drawn.
 bool is_not_yet_drawn(const Difference& difference) {
     const auto is_black = [](const Cell& cell) { return cell.ink == BLACK && cell.paper == WHITE; };
     return child[0].changes_colored && std::ranges::all_of(difference.shown->cells, is_black);
@@ -247,17 +245,6 @@ void check_screen() {
     const Screen shown = screen_now();
     const Screen fresh = repainted(shown);
     bool texts_fit = true;
-    if (getenv("TRACE")) {
-        fprintf(stderr, "nc %d colors %d changes %d over %d\n", child[0].nc_mode, child[0].colors_enabled, child[0].changes_colored, child[0].overwrite_mode);
-        for (std::size_t y = 0; y < shown.size(); y++)
-            if (!same_looks(shown[y], fresh[y]) || !same_text(shown[y], fresh[y])) {
-                for (const Line* l : {&shown[y], &fresh[y]}) {
-                    fprintf(stderr, "%zu|", y);
-                    for (const Cell& c : l->cells) fprintf(stderr, "%c%s%x ", c.byte, c.paper == BLACK ? "#" : ":", c.ink);
-                    fprintf(stderr, "\n");
-                }
-            }
-    }
     for (std::size_t y = 0; y < shown.size(); y++)
         texts_fit = texts_fit && same_text(shown[y], fresh[y]);
     repaint_owed = repaint_owed && !texts_fit;

@@ -63,11 +63,11 @@ class MachinesTest(Case):
     def test_refused_settings_change_nothing(self):
         self.run_well('machines', 'list')
         before = self.table()
-        for words in (('set', 1, 'stop_bits=3'), ('set', 1, 'baud=9601'), ('set', 1, 'protocol=4'),
-                      ('set', 1, 'name=' + 36 * 'x'), ('set', 1, 'name='), ('set', 1, 'start_string=1,2,3,4,5,6,7,8,9'),
-                      ('set', 1, 'start_string=128'), ('set', 1, 'xoff_char=20'), ('set', 1, 'receive_timeout_s=0'),
-                      ('set', 1, 'protocol=phillips', 'color=red'), ('set', 1, 'protocol'), ('set', 1), ('set', 17, 'port=COM2'),
-                      ('set', 'no such', 'port=COM2'), ('show', 0), ('list', 1), ('import',), ('drop', 1)):
+        settings = ('stop_bits=3', 'baud=9601', 'protocol=4', 'name=' + 36 * 'x', 'name=', 'start_string=128',
+                    'start_string=1,2,3,4,5,6,7,8,9', 'xoff_char=20', 'receive_timeout_s=0', 'color=red', 'protocol')
+        for words in (*(('set', 1, 'protocol=phillips', setting) for setting in settings), ('set', 1),
+                      ('set', 17, 'port=COM2'), ('set', 'no such', 'port=COM2'), ('show', 0), ('list', 1),
+                      ('import',), ('drop', 1)):
             with self.subTest(words=words):
                 self.assertEqual(self.home.run('machines', *words).returncode, 2)
         self.assertEqual(self.table(), before)
@@ -132,9 +132,10 @@ class MachinesTest(Case):
     def test_command_lines_that_make_no_sense(self):
         source = self.home.write('part.nc', b'M30\r\n')
         self.home.set_machine(1, {'handshake': 'hardware'})
-        for words in ((), ('sent',), ('send',), ('send', source, source), ('send', '--port'), ('send', '--row', 1, source),
-                      ('send', '--from-row', 0, source), ('send', '--machine', 17, source), ('send', '--queue', source),
-                      ('receive',), ('receive', '--timeout', 0, 'x'), ('receive', '--queue', 'x'), ('ports', 1)):
+        for words in ((), ('sent',), ('send',), ('send', source, source), ('send', '--port'),
+                      ('send', '--row', 1, source), ('send', '--from-row', 0, source),
+                      ('send', '--machine', 17, source), ('send', '--queue', source), ('receive',),
+                      ('receive', '--timeout', 0, 'x'), ('receive', '--queue', 'x'), ('ports', 1)):
             with self.subTest(words=words):
                 self.assertEqual(self.home.run(*words).returncode, 2)
 

@@ -15,8 +15,8 @@ RUNS = 1200 if os.environ.get('HEXLANE_TEST_FULL') else 60
 AT_ONCE = 4  # each of them mostly waits
 PROTOCOLS = ('general', 'bridgeport', 'heidenhain', 'phillips')
 SIZES = (1, 249, 250, 251, 252, 502, 1706, 5120, 10239, 10240, 10241, 20480)
-WORDS = ('G0', 'G1 ', 'X12.5', 'Y-3.', 'Z0\t', 'M30', 'N10 ', 'N7', '(FEED)', '(', ')', ' (A)(B)', '%', ' ', 'F250', 'O1',
-         '+', '/', ',', 'T1&')
+WORDS = ('G0', 'G1 ', 'X12.5', 'Y-3.', 'Z0\t', 'M30', 'N10 ', 'N7', '(FEED)', '(', ')', ' (A)(B)', '%', ' ', 'F250',
+         'O1', '+', '/', ',', 'T1&')
 
 
 def random_row(rng):

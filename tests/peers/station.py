@@ -1,7 +1,7 @@
 """The programs of the serial station for tests: a home with machine sets, hexlane-cli, and the control simulator.
 
-Each test program takes --cli and --simulator (see main). Nothing here waits for a fixed time: a simulated machine begins
-when its start key is pressed, and that happens when the other side has said that it is ready.
+Each test program takes --cli and --simulator (see main). Nothing here waits for a fixed time: a simulated machine
+begins when its start key is pressed, and that happens when the other side has said that it is ready.
 """
 
 import argparse
@@ -58,13 +58,16 @@ class Running:
 
     def __init__(self, words, home, environment=None, **more):
         self.errors = tempfile.TemporaryFile()
+        self.last_errors = ''
         self.process = subprocess.Popen([str(word) for word in words], cwd=home.folder, stdin=subprocess.PIPE,
                                         stdout=subprocess.PIPE, stderr=self.errors, text=True,
                                         env=environment or home.environment(), **more)
 
     def error_text(self):
-        self.errors.seek(0)
-        return self.errors.read().decode(errors='backslashreplace')
+        if not self.errors.closed:
+            self.errors.seek(0)
+            self.last_errors = self.errors.read().decode(errors='backslashreplace')
+        return self.last_errors
 
     def finish(self):
         """Waits for its end. Gives what it still had to print."""
@@ -81,6 +84,7 @@ class Running:
         if self.process.poll() is None:
             self.process.kill()
         self.process.communicate()
+        self.error_text()
         self.errors.close()
 
 

@@ -31,10 +31,10 @@ def texts(text):
 
 class Dump:
     def __init__(self, text):
-        self.fields = dict(re.findall(r'^(set|simulator|file|becomes) *(.*)$', text, re.M))
+        self.fields = dict(re.findall(r'^(simulator|file|becomes) *(.*)$', text, re.M))
         self.queue = re.search(r'^queue$', text, re.M) is not None
         self.receive = re.search(r'^receive$', text, re.M) is not None
-        self.settings = dict(word.split('=') for word in self.fields['set'].split())
+        self.settings = dict(re.findall(r'(\w+)=(\S+)', ' '.join(re.findall(r'^set (.*)$', text, re.M))))
         self.simulator = self.fields['simulator'].split()
         self.file = texts(self.fields['file'])
         self.stored = texts(self.fields.get('becomes', self.fields['file']))
@@ -116,7 +116,7 @@ class WireFormsTest(Case):
         dumps = read_dumps()
         self.assertGreater(len(dumps), 15)
         for dump in dumps:
-            with self.subTest(file=dump.fields['file'], settings=dump.fields['set']):
+            with self.subTest(file=dump.fields['file'], settings=dump.settings):
                 self.home.set_machine(1, {'preset': 'general', 'data_type': 'ascii', 'eob': 'crlf',
                                           'compress_spaces': 0, 'compress_comments': 0, 'compress_line_numbers': 0}
                                       | dump.settings)

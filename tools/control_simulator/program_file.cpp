@@ -105,6 +105,11 @@ void store(ProgramFile* program, uint8_t character) {
     write_character(program, c);
 }
 
+void flush_program(ProgramFile* program) {
+    end_broken_line_end(program);
+    program->failed |= std::fflush(program->file) != 0;
+}
+
 bool close_program(ProgramFile* program) {
     end_broken_line_end(program);
     program->failed |= std::fclose(program->file) != 0;

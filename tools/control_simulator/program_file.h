@@ -25,6 +25,9 @@ std::string create_program(const Options& options, Findings* findings, ProgramFi
 // data.
 void store(ProgramFile* program, uint8_t character);
 
+// Hands what is stored to the system: the program is complete, and somebody may look at it.
+void flush_program(ProgramFile* program);
+
 // Gives false when something could not be written.
 bool close_program(ProgramFile* program);
 

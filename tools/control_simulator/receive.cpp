@@ -135,6 +135,7 @@ void receive_program(Session* session, ProgramFile* program) {
     bool first_pass = true;
     while (load_pass(&loader, first_pass)) {
         session->findings.passes++;
+        flush_program(program);
         first_pass = false;
         if (!loader.options().continuous) {
             watch_for_stray_bytes(&loader);

@@ -197,13 +197,17 @@ void kill_timer(WindowHandle window, int id) {
 
 int run_message_loop() {
     while (!quitting) {
-        post_waiting_signals();
-        serve_sent();
-        if (!serve_one_posted() && !serve_one_timer())
+        if (!pump_one_message())
             sleep_until_something();
     }
     quitting = false;
     return quit_code;
+}
+
+bool pump_one_message() {
+    post_waiting_signals();
+    serve_sent();
+    return serve_one_posted() || serve_one_timer();
 }
 
 void post_quit(int code) {

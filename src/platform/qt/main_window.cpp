@@ -14,6 +14,7 @@
 #include "platform/qt/keyboard.h"
 #include "platform/qt/menu.h"
 #include "platform/qt/modal.h"
+#include "platform/qt/pump.h"
 #include "platform/qt/view_window.h"
 
 namespace hexlane::platform {
@@ -152,6 +153,10 @@ void MainWindow::moveEvent(QMoveEvent* event) {
 
 // The program closes the window itself when it has asked what there is to ask.
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (command_is_pumping()) {
+        event->ignore();
+        return;
+    }
     call_window(handle, WM_CLOSE, 0, 0);
     event->setAccepted(the_window == nullptr);
 }

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QPainter>
 
 namespace hexlane::platform {
 
@@ -22,6 +23,9 @@ QPixmap named_picture(const QString& name, int size, const QWidget* shown_on) {
     if (number >= 1 && number <= PALETTE_SIZE) {
         QPixmap square(size, size);
         square.fill(QColor::fromRgb(PALETTE[number - 1]));
+        QPainter painter(&square);
+        painter.setPen(Qt::darkGray);
+        painter.drawRect(0, 0, size - 1, size - 1);
         return square;
     }
     return QApplication::windowIcon().pixmap(QSize(size, size), shown_on->devicePixelRatioF());

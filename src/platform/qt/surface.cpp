@@ -58,11 +58,13 @@ void show_caret(WindowHandle window) {
     change_caret(window, [](CellGrid* grid) { grid->caret_shows++; });
 }
 
+// A pane has a bar only where there is something to scroll.
 void set_scroll_range(WindowHandle window, int low, int high) {
     if (TextArea* area = find_text_area(window)) {
         area->grid.scroll_low = low;
         area->grid.scroll_high = high;
         area->bar->setRange(low, high);
+        area->bar->setVisible(area->target.pane == 0 || high > low);
     }
 }
 

@@ -1,6 +1,8 @@
 // view_dialog.cpp: a modal view: one widget for each control, on the grid that the view's data gives.
 // A control that lies inside a frame's places goes into that frame, on a grid of the frame's own.
 
+#include <algorithm>
+
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -8,9 +10,11 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
@@ -28,7 +32,8 @@ namespace {
 
 constexpr int DIALOG_UNITS_ACROSS = 4;  // in an average character
 constexpr int DIALOG_UNITS_DOWN = 8;
-constexpr int PICTURE_SIZE = 48;     // logical pixels
+constexpr int PICTURE_SIZE = 48;  // logical pixels
+constexpr int PALETTE_PICTURE_SIZE = 24;
 constexpr int64_t FROM_CONTROL = 1;  // second parameter of WM_COMMAND: nonzero, unlike the menu's
 constexpr std::size_t LONGEST_LABEL = 256;
 
@@ -48,10 +53,23 @@ public:
 
 protected:
     void reject() override { cancel_view(view); }
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     View* view;
 };
+
+// A view without a default button has none by accident either: there Enter presses the button that it stands
+// on, and nothing else.
+void ViewDialog::keyPressEvent(QKeyEvent* event) {
+    const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto* button = qobject_cast<QPushButton*>(focusWidget());
+    if (is_enter && button != nullptr && !button->autoDefault()) {
+        button->click();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}
 
 // Refuses characters and lengths as they are typed.
 class FieldValidator final : public QValidator {
@@ -130,17 +148,43 @@ QWidget* make_label(const ControlSpec& spec) {
     return label;
 }
 
-QWidget* make_picture(const View* view, const ControlSpec& spec) {
-    auto* label = new QLabel;
-    label->setPixmap(named_picture(QString::fromUtf8(spec.label), PICTURE_SIZE, view->window));
+// The picture of a palette's color presses the button behind it, too.
+class PalettePicture final : public QLabel {
+public:
+    PalettePicture(View* shown, int button) : view(shown), button_index(button) {}
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        if (event->button() == Qt::LeftButton) {
+            press_control(view, button_index);
+        }
+    }
+
+private:
+    View* view;
+    int button_index;
+};
+
+QWidget* make_picture(View* view, int index) {
+    const bool of_button =
+        index + 1 < view->spec->control_count && spec_of(view, index + 1).kind == ControlKind::BUTTON;
+    auto* label = of_button ? new PalettePicture(view, index + 1) : new QLabel;
+    const int size = of_button ? PALETTE_PICTURE_SIZE : PICTURE_SIZE;
+    label->setPixmap(named_picture(QString::fromUtf8(spec_of(view, index).label), size, view->window));
     label->setAlignment(Qt::AlignTop);
     return label;
+}
+
+bool has_default_button(const ViewSpec* spec) {
+    return std::any_of(spec->controls, spec->controls + spec->control_count,
+                       [](const ControlSpec& control) { return control.flags & CONTROL_DEFAULT; });
 }
 
 QWidget* make_button(View* view, int index) {
     const ControlSpec& spec = spec_of(view, index);
     auto* button = new QPushButton(QString::fromUtf8(spec.label));
     button->setDefault(spec.flags & CONTROL_DEFAULT);
+    button->setAutoDefault(has_default_button(view->spec));
     QObject::connect(button, &QPushButton::clicked, button, [view, index] { press_control(view, index); });
     return button;
 }
@@ -202,6 +246,7 @@ QWidget* make_pane(const View* view, const ControlSpec& spec) {
     line->addWidget(area);
     line->addWidget(area->bar);
     frame->setFocusProxy(area);
+    area->bar->hide();
     return frame;
 }
 
@@ -235,7 +280,7 @@ QWidget* make_control(View* view, int index) {
     case ControlKind::ICON:
         break;
     }
-    return make_picture(view, spec);
+    return make_picture(view, index);
 }
 
 bool lies_inside(const ControlSpec& inner, const ControlSpec& frame) {
@@ -257,6 +302,31 @@ int frame_around(const ViewSpec* spec, int index) {
     return found;
 }
 
+// Fields and lists are as wide as they wish and no more, however wide their column is.
+bool has_own_width(const ControlSpec& spec) {
+    return spec.width > 0 && (spec.kind == ControlKind::FIELD || spec.kind == ControlKind::LIST);
+}
+
+Qt::Alignment alignment_of(const ControlSpec& spec) {
+    if (spec.kind == ControlKind::BUTTON && spec.flags & CONTROL_CENTERED) {
+        return Qt::AlignCenter;
+    }
+    if (spec.kind == ControlKind::PANE) {
+        return Qt::AlignLeft | Qt::AlignVCenter;
+    }
+    return has_own_width(spec) ? Qt::AlignLeft : Qt::Alignment();
+}
+
+// Digits are wider than the average character, and a field of nine shows nine.
+void set_width(QWidget* control, const ControlSpec& spec) {
+    const QFontMetrics metrics = control->fontMetrics();
+    if (has_own_width(spec)) {
+        control->setFixedWidth(metrics.horizontalAdvance('0') * (spec.width + 2));
+    } else if (spec.width > 0 && spec.kind != ControlKind::PANE) {
+        control->setMinimumWidth(metrics.averageCharWidth() * (spec.width + 2));
+    }
+}
+
 void place_control(View* view, int index, QGridLayout* outermost) {
     const ControlSpec& spec = spec_of(view, index);
     QWidget* control = view->controls[static_cast<std::size_t>(index)];
@@ -269,11 +339,17 @@ void place_control(View* view, int index, QGridLayout* outermost) {
         row -= spec_of(view, frame).row;
         column -= spec_of(view, frame).column;
     }
-    const bool centered = spec.flags & CONTROL_CENTERED && spec.kind == ControlKind::BUTTON;
-    grid->addWidget(control, row, column, spec.rows, spec.columns,
-                    centered ? Qt::AlignCenter : Qt::Alignment());
-    if (spec.width > 0 && spec.kind != ControlKind::PANE) {
-        control->setMinimumWidth(control->fontMetrics().averageCharWidth() * (spec.width + 2));
+    grid->addWidget(control, row, column, spec.rows, spec.columns, alignment_of(spec));
+    set_width(control, spec);
+}
+
+// What stands in a frame that is higher than it needs to be stays together at its top.
+void close_up_frames(const View* view) {
+    for (int i = 0; i < view->spec->control_count; i++) {
+        if (spec_of(view, i).kind == ControlKind::FRAME) {
+            auto* grid = static_cast<QGridLayout*>(view->controls[static_cast<std::size_t>(i)]->layout());
+            grid->setRowStretch(grid->rowCount(), 1);
+        }
     }
 }
 
@@ -334,6 +410,7 @@ void make_dialog(View* view, QWidget* parent) {
         view->controls[static_cast<std::size_t>(i)]->setHidden(spec_of(view, i).flags & CONTROL_HIDDEN);
         view->controls[static_cast<std::size_t>(i)]->setDisabled(spec_of(view, i).flags & CONTROL_DISABLED);
     }
+    close_up_frames(view);
     group_radio_buttons(view);
     place_dialog(view, parent);
 }

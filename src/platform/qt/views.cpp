@@ -285,6 +285,16 @@ int view_selection(ViewHandle handle, int id) {
     return choice != nullptr ? choice->currentIndex() : -1;
 }
 
+void view_set_tip(ViewHandle handle, int id, const char* text) {
+    auto* widget = control<QWidget>(handle, id);
+    const QString plain = QString::fromUtf8(text).toHtmlEscaped();
+    const QString wanted =
+        plain.isEmpty() ? plain : QStringLiteral("<p style='white-space:pre'>%1</p>").arg(plain);
+    if (widget != nullptr && widget->toolTip() != wanted) {
+        widget->setToolTip(wanted);
+    }
+}
+
 WindowHandle view_pane(ViewHandle handle, int id) {
     const auto* frame = control<QWidget>(handle, id);
     const auto* area = frame != nullptr ? dynamic_cast<const TextArea*>(frame->focusProxy()) : nullptr;

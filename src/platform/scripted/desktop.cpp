@@ -5,6 +5,7 @@
 #include "platform/scripted/desktop_state.h"
 #include "platform/scripted/message_queue.h"
 #include "platform/scripted/modal.h"
+#include "platform/scripted/printer.h"
 #include "platform/scripted/record.h"
 #include "platform/scripted/script_clock.h"
 
@@ -47,6 +48,7 @@ void wipe_desktop() {
     desktop.rows = rows;
     wipe_messages();
     wipe_clock();
+    wipe_printer();
 }
 
 MenuItem* find_menu_item(int id) {

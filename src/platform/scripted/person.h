@@ -73,7 +73,7 @@ Refusal person_picks(const ControlName& radio);
 Refusal person_selects(const ControlName& list, int index);  // from 0
 Refusal person_selects(const ControlName& list, const std::string& text);
 Refusal person_gives_file(const std::string& path, int filter);  // filter -1: the entry on show
-Refusal person_cancels();                                        // a file dialog
+Refusal person_cancels();                                        // a file dialog or the print dialog
 
 // Enter or Esc in a box or file dialog.
 Refusal person_presses_in_modal(int key);

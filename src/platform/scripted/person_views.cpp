@@ -438,6 +438,10 @@ Refusal person_gives_file(const std::string& path, int filter) {
 
 Refusal person_cancels() {
     Modal* modal = top_modal();
+    if (modal != nullptr && modal->name == "view IDD_PRINT") {
+        press_escape(top_view());
+        return "";
+    }
     if (modal == nullptr || modal->kind != ModalKind::FILE_DIALOG) {
         return "no file dialog is up";
     }

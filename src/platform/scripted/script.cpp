@@ -17,6 +17,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr const char* BLANKS = " \t\r";
+
 ScriptSetup script;
 int lines_read = 0;
 ScriptLine next_line;
@@ -96,13 +98,18 @@ void perform(const ScriptLine& line) {
     acting_line = outer_line;
 }
 
-// What is left of a line behind its first `count` words, which are bare.
-std::string shown_behind(const std::string& shown, int count) {
-    std::size_t at = 0;
-    for (int i = 0; i < count; i++) {
-        at = shown.find_first_not_of(" \t", shown.find_first_of(" \t", at));
+// What stands behind the first two words of a line, which are bare, as a line of its own.
+ScriptLine line_behind_two_words(const ScriptLine& line) {
+    std::size_t at = line.text.find_first_not_of(BLANKS);
+    for (int i = 0; i < 2 && at != std::string::npos; i++) {
+        at = line.text.find_first_not_of(BLANKS, line.text.find_first_of(BLANKS, at));
     }
-    return shown.substr(at);
+    ScriptLine rest;
+    rest.number = line.number;
+    if (at != std::string::npos) {
+        split_line(line.text.substr(at), &rest);  // it could be read as a part of the whole line
+    }
+    return rest;
 }
 
 // `later N LINE`, which acts when the program pumps for the N-th time from here.
@@ -110,15 +117,14 @@ void lay_later(const ScriptLine& line) {
     const int outer_line = acting_line;
     acting_line = line.number;
     record_line("> " + line.shown);
+    const ScriptLine inner = line_behind_two_words(line);
     int64_t count = 0;
-    if (line.words.size() < 3 || !parse_number(line.words[1], 1, INT_MAX, &count)) {
+    if (line.words.size() < 3 || inner.words.empty() || !parse_number(line.words[1], 1, INT_MAX, &count)) {
         stop_at_line("use: later N LINE");
     }
     if (phase != WHILE_RUNNING) {
         stop_at_line("the program does not run");
     }
-    const ScriptLine inner = {
-        line.number, shown_behind(line.shown, 2), {line.words.begin() + 2, line.words.end()}};
     act_at_pump(static_cast<int>(count), [inner] { perform(inner); });
     acting_line = outer_line;
 }

@@ -5,6 +5,7 @@
 #include "platform/scripted/script_actions.h"
 
 #include "platform/messages.h"
+#include "platform/scripted/printer.h"
 #include "platform/scripted/record.h"
 #include "platform/scripted/script_files.h"
 
@@ -245,10 +246,19 @@ Refusal do_rows(const Words& words) {
     return right ? rows_printer(first, last) : WRONG_USE;
 }
 
-// ---- What later builds have --------------------------------------------------------------------------
+// ---- Printer -----------------------------------------------------------------------------------------
 
-Refusal no_printer(const Words&) {
-    return "this build has no printer";
+Refusal do_printer(const Words& words) {
+    if (!has(words, 1, 1)) {
+        return WRONG_USE;
+    }
+    const std::string& word = words[1].text;
+    if (!words[1].is_quoted && word != "none" && word != "fail") {
+        return WRONG_USE;
+    }
+    const bool fails = !words[1].is_quoted && word == "fail";
+    set_printer(words[1].is_quoted ? word : fails ? "Printer" : "", fails);
+    return "";
 }
 
 constexpr const char* LINE_USE = "N feed \"BYTES\" [MS] [at-once] | break | cts on|off | sent [times] | rate "
@@ -281,7 +291,7 @@ const Action ACTIONS[] = {
     {"cancel", "", WHILE_RUNNING, do_cancel},
     {"open-request", "[\"FILE\"]", WHILE_RUNNING, do_open_request},
     {"line", LINE_USE, ALWAYS, do_line},
-    {"printer", "\"NAME\"|none|fail", BEFORE_START | WHILE_RUNNING, no_printer},
+    {"printer", "\"NAME\"|none|fail", BEFORE_START | WHILE_RUNNING, do_printer},
     {"screen", "[PANE]", WHILE_RUNNING, print_screen},
     {"colors", "[PANE]", WHILE_RUNNING, print_colors},
     {"status", "", WHILE_RUNNING, print_status},

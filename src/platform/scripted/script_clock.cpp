@@ -10,6 +10,7 @@
 #include "platform/scripted/message_queue.h"
 
 #include <algorithm>
+#include <ctime>
 #include <vector>
 
 namespace hexlane::platform {
@@ -73,6 +74,16 @@ bool run_next_due(int64_t goal, int64_t start, int64_t* elapsed_ms) {
 
 uint32_t tick_ms() {
     return static_cast<uint32_t>(FIRST_TICK_MS + now_ns / NS_PER_MS);
+}
+
+void time_of_day(char* text, std::size_t size) {
+    constexpr std::time_t FIRST_SECOND = 946684800;  // 2000-01-01 00:00:00
+    const std::time_t now = FIRST_SECOND + static_cast<std::time_t>(now_ns / (1000 * NS_PER_MS));
+    tm shown;
+    gmtime_r(&now, &shown);
+    if (std::strftime(text, size, "%Y-%m-%d %H:%M:%S", &shown) == 0) {
+        text[0] = '\0';
+    }
 }
 
 void start_timer(WindowHandle window, int id, int period_ms) {

@@ -87,6 +87,7 @@ std::string take_quoted(const std::string& text, std::size_t* at, Word* word) {
 }  // namespace
 
 std::string split_line(const std::string& text, ScriptLine* line) {
+    line->text = text;
     line->words.clear();
     std::size_t end = 0;  // behind the last word
     std::string fault;

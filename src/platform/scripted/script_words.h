@@ -15,6 +15,7 @@ struct Word {
 
 struct ScriptLine {
     int number = 0;     // from 1
+    std::string text;   // as it was read
     std::string shown;  // as it stands in the record: without its comment and the blanks around it
     std::vector<Word> words;
 };

@@ -26,7 +26,6 @@ struct Worker {
     int64_t ready_since = 0;  // the lowest goes first
     int64_t (*run)(int64_t argument) = nullptr;
     int64_t argument = 0;
-    pthread_t thread = {};
     std::binary_semaphore turn{0};
 };
 
@@ -62,9 +61,15 @@ Worker* worker_of(ThreadHandle thread) {
     return there ? &workers[thread - 1] : nullptr;
 }
 
-void free_worker(Worker* worker) {
-    pthread_join(worker->thread, nullptr);
-    worker->state = WorkerState::FREE;
+// Detached: who has ended is told by the turns, and a script may end with workers that nobody has joined.
+bool create_thread(Worker* worker) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    pthread_t thread;
+    const int error = pthread_create(&thread, &attributes, run_worker, worker);
+    pthread_attr_destroy(&attributes);
+    return error == 0;
 }
 
 Lock* lock_of(LockHandle lock, const char* call) {
@@ -120,7 +125,7 @@ void end_workers() {
     } while (run_ready_worker());
     for (Worker& worker : workers) {
         if (worker.state == WorkerState::ENDED) {
-            free_worker(&worker);
+            worker.state = WorkerState::FREE;
         } else if (worker.state != WorkerState::FREE) {
             stop_run("a worker thread does not end");
         }
@@ -137,7 +142,7 @@ ThreadHandle thread_start(int64_t (*run)(int64_t argument), int64_t argument, Th
         }
         worker.run = run;
         worker.argument = argument;
-        if (pthread_create(&worker.thread, nullptr, run_worker, &worker) != 0) {
+        if (!create_thread(&worker)) {
             return NO_THREAD;
         }
         make_ready(&worker);
@@ -160,7 +165,7 @@ void thread_join(ThreadHandle thread) {
             stop_run("thread_join: the thread waits for something that cannot come meanwhile");
         }
     }
-    free_worker(worker);
+    worker->state = WorkerState::FREE;
 }
 
 LockHandle lock_make() {

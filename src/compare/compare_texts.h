@@ -1,0 +1,20 @@
+// compare_texts.h: every message box of the compare. A new one is a line here and in the table.
+#pragma once
+
+namespace hexlane {
+
+enum class CompareBox {
+    // Told texts.
+    IDENTICAL,
+    CANNOT_PRINT,
+    // Our own.
+    NOT_OPENED,  // file, reason
+    TOO_LARGE,   // file
+    NO_RECORDS,  // reason
+    DISTURBED,   // file
+};
+
+// Shows a box and gives the index of the button pressed.
+int show_compare_box(CompareBox box, const char* first = "", const char* second = "");
+
+}  // namespace hexlane

@@ -1,0 +1,181 @@
+#include "dnc/transfer_log.h"
+
+#include "dnc/dnc_texts.h"
+#include "dnc/machine_fields.h"
+#include "dnc/port_engine.h"
+#include "dnc/receipt.h"
+#include "frame/directories.h"
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/serial.h"
+#include "platform/text.h"
+
+#include <cstring>
+
+namespace hexlane {
+
+using namespace platform;
+
+namespace {
+
+constexpr std::size_t TIME_SIZE = 32;
+constexpr std::size_t LINE_SIZE = 2048;
+
+// One transfer; wiped by begin_log_entry.
+struct LogEntry {
+    bool open;  // begun and not written yet
+    bool sending;
+    uint32_t start_tick;
+    uint32_t last_look;
+    uint32_t held_ms;
+    char started[TIME_SIZE];
+};
+LogEntry entries[SLOT_COUNT];
+bool failure_told = false;  // once a run
+
+// Numbers that the worker changes, as they stand now.
+TransferTally tally_of(int slot) {
+    const LockGuard guard(port_slot[slot].step_lock);
+    return transfer_state[slot].tally;
+}
+
+uint32_t rate_set(int slot) {
+    LineSettings settings = {};
+    const bool open = port_slot[slot].connected || port_slot[slot].port_handle != NO_LINE;
+    return open && line_settings(port_slot[slot].port_handle, &settings) ? settings.baud_rate : 0;
+}
+
+void name_port(int number, char* text, std::size_t size) {
+    char device[PATH_SIZE];
+    line_device(number, device, sizeof device);
+    format_text(text, size, "COM%d (%s)", number, device);
+}
+
+const char* result_of(const TransferState& t) {
+    if (t.fault != TransferFault::NONE)
+        return "not complete";
+    return t.status == SEND_DONE || t.status == RECEIVE_DONE ? "complete" : "stopped";
+}
+
+// The file open at its end, after it has been given a new one if it is full; NO_FILE on failure.
+FileHandle open_log(int64_t* length) {
+    char path[PATH_SIZE];
+    char old[PATH_SIZE];
+    if (!format_text(path, sizeof path, "%s/transfers.log", directories.launch_dir) ||
+        !format_text(old, sizeof old, "%s/transfers.old", directories.launch_dir))
+        return NO_FILE;
+    FileHandle file = file_open(path, FileAccess::READ_WRITE);
+    if (file != NO_FILE && file_size(file) >= LOG_LIMIT) {
+        file_close(file);
+        file = NO_FILE;
+        if (!rename_file(path, old))
+            return NO_FILE;
+    }
+    if (file == NO_FILE)
+        file = file_create(path, FileCreate::NEW);
+    *length = file != NO_FILE ? file_size(file) : -1;
+    return file;
+}
+
+int write_line(const char* line) {
+    int64_t length = 0;
+    FileHandle file = open_log(&length);
+    if (file == NO_FILE)
+        return 0;
+    const int written = length >= 0 && file_write_at(file, length, line, std::strlen(line));
+    return file_close(file) && written;
+}
+
+// "sent /home/me/part.nc; machine 3, LATHE, heidenhain, ascii; ..."
+void join_entries(const Receipt& receipt, char line[LINE_SIZE]) {
+    ReceiptEntry parts[RECEIPT_ENTRIES];
+    const int count = receipt_entries(receipt, parts);
+    line[0] = '\0';
+    for (int i = 0; i < count; i++) {
+        append_text(line, LINE_SIZE, i == 0 ? "" : "; ");
+        append_text(line, LINE_SIZE, parts[i].name);
+        append_text(line, LINE_SIZE, " ");
+        append_text(line, LINE_SIZE, parts[i].text);
+    }
+    for (char* at = line; *at != '\0'; at++) {
+        if (*at == '\n' || *at == '\r')
+            *at = ' ';  // a file's name may hold one
+    }
+    append_text(line, LINE_SIZE, "\n");
+}
+
+}  // namespace
+
+void begin_log_entry(int slot) {
+    LogEntry& entry = entries[slot];
+    entry = {};
+    entry.open = true;
+    entry.sending = transfer_state[slot].file_handle == NO_FILE;
+    entry.start_tick = tick_ms();
+    entry.last_look = entry.start_tick;
+    time_of_day(entry.started, sizeof entry.started);
+}
+
+void watch_line(int slot) {
+    LogEntry& entry = entries[slot];
+    const uint32_t now = tick_ms();
+    if (entry.open && port_slot[slot].connected && line_held(port_slot[slot].port_handle))
+        entry.held_ms += now - entry.last_look;
+    entry.last_look = now;
+}
+
+void end_log_entry(int slot) {
+    LogEntry& entry = entries[slot];
+    if (!entry.open)
+        return;
+    entry.open = false;
+    const TransferState& t = transfer_state[slot];
+    char port[PATH_SIZE + 16];
+    char ended[TIME_SIZE];
+    name_port(port_slot[slot].port_number, port, sizeof port);
+    time_of_day(ended, sizeof ended);
+    Receipt receipt = {};
+    receipt.sending = entry.sending;
+    receipt.result = result_of(t);
+    receipt.complete = std::strcmp(receipt.result, "complete") == 0;
+    receipt.file = t.file_name;
+    receipt.machine = slot_machine[slot];
+    receipt.settings = &machine_of_slot(slot);
+    receipt.port = port;
+    receipt.rate = rate_set(slot);
+    receipt.tally = tally_of(slot);
+    receipt.cut_bytes = port_slot[slot].write_running ? line_written(port_slot[slot].port_handle) : 0;
+    receipt.held_s = entry.held_ms / 1000.0;
+    receipt.started = entry.started;
+    receipt.ended = ended;
+    receipt.took_s = (tick_ms() - entry.start_tick) / 1000.0;
+    char line[LINE_SIZE];
+    join_entries(receipt, line);
+    if (!write_line(line) && !failure_told) {
+        failure_told = true;
+        show_dnc_box(DncBox::LOG_NOT_WRITTEN, file_error_text(last_file_error()));
+    }
+}
+
+void format_row_tip(int slot, char* text, std::size_t size) {
+    const MachineParams& machine = machine_of_slot(slot);
+    const bool connected = port_slot[slot].connected;
+    const int number =
+        connected ? port_slot[slot].port_number : machine_setting(machine, Field::PORT_INDEX) + 1;
+    const uint32_t asked =
+        connected ? port_slot[slot].baud_rate : BAUD_RATES[machine_setting(machine, Field::BAUD_INDEX)];
+    char port[PATH_SIZE + 16];
+    name_port(number, port, sizeof port);
+    char set[32] = "";
+    if (connected)
+        format_text(set, sizeof set, ", %u set", rate_set(slot));
+    const TransferTally tally = tally_of(slot);
+    format_text(text, size,
+                "%s, %u baud asked%s\n%lld bytes over the line, %lld of the file\n%d blocks, %d "
+                "answered\nheld by the machine for %.1f s",
+                port, asked, set, static_cast<long long>(tally.line_bytes),
+                static_cast<long long>(tally.file_bytes), tally.blocks, tally.acks,
+                entries[slot].held_ms / 1000.0);
+}
+
+}  // namespace hexlane

@@ -1,0 +1,112 @@
+#include "print/print_file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "frame/child.h"
+#include "frame/main_window.h"
+#include "frame/views.h"
+#include "input/block.h"
+#include "platform/desktop.h"
+#include "platform/printing.h"
+#include "platform/text.h"
+#include "print/print_engine.h"
+#include "print/print_texts.h"
+#include "store/row_table.h"
+#include "view/nc_columns.h"
+
+namespace hexlane {
+
+using namespace platform;
+
+namespace {
+
+constexpr int16_t OK_BUTTON = 1;
+constexpr int16_t CANCEL_BUTTON = 2;
+constexpr int16_t PRINTER_TEXT = 101;
+constexpr int16_t ALL_RADIO = 102;
+constexpr int16_t SELECTION_RADIO = 103;
+
+constexpr std::size_t PRINTER_NAME_SIZE = 128;
+
+constexpr ControlSpec PRINT_CONTROLS[] = {
+    {201, ControlKind::TEXT, "Printer:", 0, 0, 1, 1, 0, 0, nullptr},
+    {PRINTER_TEXT, ControlKind::TEXT, "", 0, 1, 1, 1, 0, 0, nullptr},
+    {202, ControlKind::FRAME, "Print Range", 1, 0, 2, 2, 0, 0, nullptr},
+    {ALL_RADIO, ControlKind::RADIO, "&All", 1, 0, 1, 2, 0, CONTROL_GROUP | CONTROL_CHECKED, nullptr},
+    {SELECTION_RADIO, ControlKind::RADIO, "&Selection", 2, 0, 1, 2, 0, 0, nullptr},
+    {OK_BUTTON, ControlKind::BUTTON, "OK", 3, 0, 1, 1, 0, CONTROL_DEFAULT | CONTROL_CENTERED, nullptr},
+    {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 3, 1, 1, 1, 0, CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
+};
+constexpr ViewSpec PRINT_VIEW = {"IDD_PRINT", "Print", 0, PRINT_CONTROLS, std::size(PRINT_CONTROLS)};
+
+bool selection_chosen = false;
+
+void open_view(ViewHandle view) {
+    char name[PRINTER_NAME_SIZE];
+    view_choose_field(view, PRINTER_TEXT);
+    view_set_text(view, default_printer(name, sizeof name) ? name : "none, so a PDF file is written");
+    view_check(view, child[0].block_active ? SELECTION_RADIO : ALL_RADIO, true);
+}
+
+int64_t print_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
+    view_attach(view);
+    if (message == WM_INITDIALOG) {
+        open_view(view);
+        return 1;
+    }
+    if (message == WM_COMMAND && low_word(first) == OK_BUTTON) {
+        selection_chosen = view_checked(view, SELECTION_RADIO);
+        view_end(view, 1);
+        return 1;
+    }
+    return view_default(view, message, first, second);
+}
+
+void print_head() {
+    char path[PATH_SIZE];
+    text_to_bytes(path, sizeof path, child[0].file_path);
+    set_print_font("Times New Roman", 12);
+    print_line(path, static_cast<int32_t>(std::strlen(path)));
+    print_line(" ", 1);
+}
+
+bool print_file() {
+    if (show_view(&PRINT_VIEW, print_proc) != 1)
+        return true;
+    if (selection_chosen)
+        return print_rows(block.start.row, block.end.row);
+    return print_rows(0, child[0].last_file_row);
+}
+
+}  // namespace
+
+bool print_rows(int32_t first, int32_t last) {
+    const PrintStart start = start_print_document(child[0].file_path);
+    if (start != PrintStart::STARTED)
+        return start != PrintStart::FAILED;
+    print_head();
+    int32_t lines = 2;
+    // A block without rows names row -1.
+    for (int32_t row = first; row >= 0 && row <= std::min(last, child[0].last_file_row); row++) {
+        set_print_font("Times New Roman", 9);
+        fetch_row(row);
+        if (child[0].nc_mode)
+            format_nc_row();
+        print_line(child[0].row_text, static_cast<int32_t>(std::strlen(child[0].row_text)));
+        count_print_line(&lines);
+        pump_one_message();
+    }
+    end_print_document();
+    return true;
+}
+
+void command_print() {
+    const PointerShape pointer = begin_wait();
+    if (!print_file())
+        show_print_box(PrintBox::CANNOT_PRINT);
+    end_wait(pointer);
+}
+
+}  // namespace hexlane

@@ -1,0 +1,106 @@
+// console_test.cpp: the message queue of programs without a window: order, timers, workers, signals.
+
+#include "platform/console/console.h"
+#include "platform/desktop.h"
+#include "platform/threads.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <csignal>
+#include <string>
+
+using namespace hexlane::platform;
+
+namespace {
+
+constexpr uint32_t NOTE = 0x8200;
+constexpr uint32_t DOUBLED = 0x8201;
+constexpr uint32_t STOP = 0x8202;
+
+std::string heard;
+int ticks_wanted = 0;
+
+int64_t listen(WindowHandle, uint32_t message, int64_t first, int64_t second) {
+    if (message == NOTE)
+        heard += static_cast<char>(first);
+    if (message == WM_TIMER)
+        heard += std::to_string(first);
+    if (message == WM_TIMER && --ticks_wanted == 0)
+        post_quit(7);
+    if (message == STOP)
+        post_quit(static_cast<int>(first));
+    return message == DOUBLED ? 2 * first + second : 0;
+}
+
+WindowHandle window() {
+    static const WindowHandle made = [] {
+        start_console();
+        return make_console_window(listen);
+    }();
+    heard.clear();
+    return made;
+}
+
+std::atomic<int64_t> answer;
+
+int64_t ask(int64_t target) {
+    answer = send_message(static_cast<WindowHandle>(target), DOUBLED, 20, 2);
+    post_message(static_cast<WindowHandle>(target), STOP, 5, 0);
+    return 0;
+}
+
+TEST(Console, ServesPostedMessagesInOrderAndBeforeTimers) {
+    const WindowHandle target = window();
+    ticks_wanted = 3;
+    start_timer(target, 4, 1);
+    for (const char c : {'a', 'b', 'c'})
+        post_message(target, NOTE, c, 0);
+    EXPECT_EQ(run_message_loop(), 7);
+    kill_timer(target, 4);
+    EXPECT_EQ(heard, "abc444");
+    EXPECT_FALSE(pump_one_message());
+}
+
+TEST(Console, StartingATimerAgainGivesItTheNewPeriod) {
+    const WindowHandle target = window();
+    ticks_wanted = 2;
+    start_timer(target, 1, 1);
+    start_timer(target, 1, 1'000'000);
+    start_timer(target, 2, 1);
+    EXPECT_EQ(run_message_loop(), 7);
+    kill_timer(target, 1);
+    kill_timer(target, 2);
+    EXPECT_EQ(heard, "22");
+}
+
+TEST(Console, AWorkersSendIsServedInTheLoop) {
+    const WindowHandle target = window();
+    answer = 0;
+    const ThreadHandle worker = thread_start(ask, target, ThreadPriority::NORMAL);
+    EXPECT_EQ(run_message_loop(), 5);
+    thread_join(worker);
+    EXPECT_EQ(answer, 42);
+}
+
+TEST(Console, AWorkersSendIsServedWhileItIsJoined) {
+    const WindowHandle target = window();
+    answer = 0;
+    thread_join(thread_start(ask, target, ThreadPriority::NORMAL));
+    EXPECT_EQ(answer, 42);
+    EXPECT_EQ(run_message_loop(), 5);
+}
+
+TEST(Console, ASignalIsPosted) {
+    post_signals(window(), STOP);
+    std::raise(SIGTERM);
+    EXPECT_EQ(run_message_loop(), SIGTERM);
+}
+
+TEST(Console, ABoxTakesTheDefaultButtonAndPrintsItsParagraphs) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(message_box("Port is\n active.\n\nGo on?", "Title", BoxIcon::QUESTION, BUTTONS_YES_NO), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Title: Port is active.\n  Go on? Yes.\n");
+}
+
+}  // namespace

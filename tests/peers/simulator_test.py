@@ -1,0 +1,170 @@
+#!/usr/bin/env python3
+"""The simulator sees what is wrong on the line, and says no to what it cannot do. Streams are written by hand."""
+
+import os
+import select
+import subprocess
+
+import station
+from station import TIMEOUT_S, Case, Simulator, programs, wait_for
+
+HEIDENHAIN = bytes.fromhex('06 02 4E 31 0D 0A 17 6D 02 0C 03')
+BRIDGEPORT = b'1' * 251 + b'\x17'
+
+# What is wrong: options, stream, what the report must say. Each is a good stream with one fault in it.
+FAULTS = (
+    ('check of a HEIDENHAIN block', '--protocol heidenhain', HEIDENHAIN.replace(b'm', b'n'), 'check of block 1'),
+    ('character changed on the way', '--protocol heidenhain', HEIDENHAIN.replace(b'1', b'2'), 'check of block 1'),
+    ('no STX in front', '--protocol heidenhain', HEIDENHAIN[:1] + HEIDENHAIN[2:], 'STX is missing'),
+    ('no STX behind a block', '--protocol heidenhain', HEIDENHAIN[:8] + HEIDENHAIN[9:], 'STX is missing'),
+    ('space that is not needed', '--protocol heidenhain', bytes.fromhex('06 02 4E 31 0D 0A 20 17 4D 02 0C 03'),
+     'a space too many'),
+    ('space that is missing', '--protocol heidenhain', bytes.fromhex('06 02 31 31 0D 0A 17 12 02 0C 03'),
+     'a space too many or too few'),
+    ('block without a check', '--protocol heidenhain', b'\x06\x02N1\r\n\x0c\x03', 'no check'),
+    ('end missing', '--protocol heidenhain', HEIDENHAIN[:9], "ahead of the program's end"),
+    ('bytes behind the end', '--protocol heidenhain', HEIDENHAIN + b'x', '1 bytes behind the end'),
+    ('next block ahead of the answer', '--protocol heidenhain --ack-delay 50',
+     HEIDENHAIN[:9] + bytes.fromhex('4E 32 0D 0A 17 6E 02 0C 03'), 'ahead of the answer'),
+    ('next BRIDGEPORT block ahead of the answer', '--protocol bridgeport --ack-delay 50',
+     BRIDGEPORT + b'M30\x17\x4e\x04', 'ahead of the answer'),
+    ('check of the last block', '--protocol bridgeport', b'M30\x17\x4f\x04', 'check of the last block'),
+    ('block too long', '--protocol bridgeport', b'1' * 252 + b'\x17\x00\x04', 'longer than 251'),
+    ('no EOT', '--protocol bridgeport', b'M30\x17\x4eX', 'EOT is missing'),
+    ('end missing in BRIDGEPORT', '--protocol bridgeport', BRIDGEPORT, "ahead of the program's end"),
+    ('PHILLIPS without EOT', '--protocol phillips', b'M30\r\n', "ahead of the program's end"),
+    ('end string missing', '--end-string 37', b'M30\r\n', 'end string is missing'),
+    ('start string wrong', '--start-string 37,13', b'%\nM30', 'CR is missing, LF has come'),
+    ('line end cut through', '--eob lfcr', b'G0\n\rM30\n', 'line end is not whole'),
+    ('line end of another kind', '--eob lf', b'G0\r\n', 'line end is not whole'),
+    ('byte that ISO does not have', '--code iso', b'G\xb0\r\n', 'B0 is not in the code'),
+    ('byte that EIA does not have', '--code eia', b'\x45\x03\x80', '03 is not in the code'),
+    ('EIA check of a block', '--code eia --protocol heidenhain', bytes.fromhex('54 13 80 62'), 'check of block 1'),
+    ('more behind XOFF than is allowed', '--xoff-every 10 --xoff-for 100 --overrun 5', b'0123456789012345',
+     'more than 5 bytes'),
+)
+
+
+class SimulatorTest(Case):
+    def feed(self, options, stream):
+        """Feeds a stream as another program does. Gives the ended simulator."""
+        with Simulator(self.home, '--receive', 'machine.nc', *options.split()) as machine:
+            line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+            os.write(line, stream)
+            os.close(line)
+            machine.finish()
+        return machine
+
+    def test_faults_on_the_line_are_told(self):
+        for name, options, stream, told in FAULTS:
+            with self.subTest(name):
+                machine = self.feed(options, stream)
+                self.assertEqual(machine.process.returncode, 1, machine.report['text'])
+                self.assertIn(told, machine.report['text'])
+                self.assertGreater(machine.report['other faults'] + machine.report.get('check errors', 0), 0)
+
+    def test_dollar_in_a_program_is_no_line_end(self):
+        machine = self.feed('--eob dollar', b'A$B$\r\n$$\r\n')
+        self.assertEqual(machine.process.returncode, 0, machine.report['text'])
+        self.assertEqual(self.home.path('machine.nc').read_bytes(), b'A$B\r\n$\r\n')
+
+    def test_an_end_string_that_fills_the_last_block(self):
+        program = b'1' * 249
+        machine = self.feed('--protocol bridgeport --end-string 13,10', program + b'\r\n\x17' + b'1' + b'\x04')
+        self.assertEqual(machine.process.returncode, 0, machine.report['text'])
+        self.assertEqual(self.home.path('machine.nc').read_bytes(), program)
+
+    def test_the_line_is_opened_again_before_anything_comes(self):
+        with Simulator(self.home, '--receive', 'machine.nc') as machine:
+            os.close(os.open(machine.line, os.O_RDWR | os.O_NOCTTY))
+            line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+            os.write(line, b'M30\r\n')
+            os.close(line)
+            self.assertEqual(machine.finish(), 0, machine.report['text'])
+        self.assertEqual(self.home.path('machine.nc').read_bytes(), b'M30\r\n')
+
+    def test_silence_ends_a_run_whose_line_stays_open(self):
+        with Simulator(self.home, '--receive', 'machine.nc', '--idle', '50') as machine:
+            line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+            os.write(line, b'M30\r\n')
+            self.assertEqual(machine.finish(), 0, machine.report['text'])
+            os.close(line)
+
+    def test_nothing_comes(self):
+        with Simulator(self.home, '--receive', 'machine.nc', '--patience', '50') as machine:
+            self.assertEqual(machine.finish(), 1)
+        self.assertIn('nothing has come', machine.report['text'])
+
+    def test_stopped_by_a_signal(self):
+        with Simulator(self.home, '--receive', 'machine.nc', '--protocol', 'phillips', '--log', 'log') as machine:
+            line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+            os.write(line, b'M30\r\n')
+            wait_for(lambda: 'M30' in self.home.path('log').read_text())
+            machine.interrupt()
+            self.assertEqual(machine.finish(), 1)
+            os.close(line)
+        self.assertIn('stopped by a signal', machine.report['text'])
+        self.assertEqual(self.home.path('machine.nc').read_bytes(), b'M30\r\n')
+
+    def test_send_obeys_xoff(self):
+        program = b'G1 X1\r\n' * 2000
+        self.home.write('part.nc', program)
+        with Simulator(self.home, '--send', 'part.nc', '--start-key', '--log', 'log') as machine:
+            line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+            os.write(line, b'\x13')
+            wait_for(lambda: '<DC3>' in self.home.path('log').read_text())
+            machine.press_start()
+            self.assertEqual(select.select([line], [], [], 0.05)[0], [])
+            os.write(line, b'\x11')
+            got = b''
+            while len(got) < len(program):
+                got += os.read(line, 4096)
+            os.close(line)
+            self.assertEqual(machine.finish(), 0, machine.report['text'])
+        self.assertEqual((got, machine.report['held by XOFF']), (program, 1))
+
+    def test_a_full_disk(self):
+        with Simulator(self.home, '--receive', '/dev/full') as machine:
+            line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+            os.write(line, b'M30\r\n')
+            os.close(line)
+            self.assertEqual(machine.finish(), 3)
+        self.assertIn('/dev/full', machine.error_text())
+
+    def test_log_names_control_characters(self):
+        self.feed('--protocol heidenhain --log log', HEIDENHAIN)
+        self.assertRegex(self.home.path('log').read_text(), r'in +<ACK><STX>N1<CR><LF><ETB>m<STX><FF><ETX>\n')
+
+    def test_link(self):
+        link = self.home.path('machine')
+        with Simulator(self.home, '--receive', 'machine.nc', '--link', 'machine') as machine:
+            self.assertEqual(os.readlink(link), machine.line)
+            link.write_text('M30\r\n')
+            self.assertEqual(machine.finish(), 0, machine.report['text'])
+        self.assertFalse(link.is_symlink())
+        self.home.write('machine', b'precious')
+        self.assertEqual(self.refused('--receive', 'machine.nc', '--link', 'machine'), 3)
+        self.assertEqual(link.read_bytes(), b'precious')
+
+    def refused(self, *words):
+        done = subprocess.run([programs.simulator, *words], cwd=self.home.folder, capture_output=True, text=True,
+                              timeout=TIMEOUT_S, check=False)
+        self.assertTrue(done.stderr.startswith('control-simulator: '), done.stderr)
+        return done.returncode
+
+    def test_refusals(self):
+        self.home.write('part.nc', b'N1 #5=3\r\n')
+        for code, words in ((2, ''), (2, '--receive x --send y'), (2, '--receive x --code ebcdic'),
+                            (2, '--receive x --rate 10'), (2, '--receive'), (2, '--receive x --start-string 1,,2'),
+                            (2, '--receive x --end-string 1*1001'), (2, '--receive x /dev/a /dev/b'),
+                            (2, '--send part.nc --xoff-every 5'), (2, '--receive x --link l /dev/a'),
+                            (2, '--receive x --code eia --protocol heidenhain --continuous'),
+                            (3, '--send missing.nc'), (3, '--send part.nc --code eia'),
+                            (3, '--receive x /dev/not-there'), (3, '--receive x part.nc'),
+                            (3, '--receive no/folder --idle 1'), (3, '--receive x --log no/folder')):
+            with self.subTest(words=words):
+                self.assertEqual(self.refused(*words.split()), code)
+
+
+if __name__ == '__main__':
+    station.main()
