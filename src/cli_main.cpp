@@ -20,6 +20,8 @@ constexpr Command COMMANDS[] = {
     {"receive", "receives an NC program from a machine", &RECEIVE_HELP, run_receive},
     {"machines", "lists, shows, sets, exports and imports machine sets", &MACHINES_HELP, run_machines},
     {"ports", "shows the serial devices and who holds them", &PORTS_HELP, run_ports},
+    {"compare", "compares two NC programs row by row", &COMPARE_HELP, run_compare_command},
+    {"print", "prints an NC program into a PDF file", &PRINT_HELP, run_print_command},
 };
 
 void print_help() {

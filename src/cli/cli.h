@@ -22,11 +22,15 @@ int run_machines(const Words& words);
 int run_send(const Words& words);
 int run_receive(const Words& words);
 int run_ports(const Words& words);
+int run_compare_command(const Words& words);
+int run_print_command(const Words& words);
 
 extern const char* const MACHINES_HELP;
 extern const char* const SEND_HELP;
 extern const char* const RECEIVE_HELP;
 extern const char* const PORTS_HELP;
+extern const char* const COMPARE_HELP;
+extern const char* const PRINT_HELP;
 
 // "hexlane-cli: REASON" on standard error; gives `code`.
 int refuse(int code, const std::string& reason);

@@ -47,11 +47,12 @@ constexpr const char* DIGITS = "0123456789";
 constexpr const char* RULE_TITLE = "Advanced Settings";
 
 constexpr InputRule ASCII_RULE = {
-    3, DIGITS, 0, 127, nullptr, "Please enter an ASCII value between 0 and 127", RULE_TITLE, false, true};
+    3,          DIGITS, 0,    127, nullptr, "Please enter an ASCII value between 0 and 127",
+    RULE_TITLE, false,  true, true};
 constexpr InputRule COUNT_RULE = {
-    4, DIGITS, 0, 1000, nullptr, "Please enter a value between 0 and 1000", RULE_TITLE, false, true};
+    4, DIGITS, 0, 1000, nullptr, "Please enter a value between 0 and 1000", RULE_TITLE, false, true, true};
 constexpr InputRule BYTE_RULE = {
-    3, DIGITS, 0, 127, nullptr, "Please enter a value between 0 and 127", RULE_TITLE, false, true};
+    3, DIGITS, 0, 127, nullptr, "Please enter a value between 0 and 127", RULE_TITLE, false, true, true};
 constexpr InputRule DELAY_RULE = {4, DIGITS, 0, 0, nullptr, nullptr, nullptr};
 constexpr InputRule TIMEOUT_RULE = {3, DIGITS, 0, 0, nullptr, nullptr, nullptr};
 
@@ -86,7 +87,7 @@ constexpr ControlSpec CONTROLS[] = {
     {TIMEOUT_FIELD, ControlKind::FIELD, "", 1, 6, 1, 2, 4, 0, &TIMEOUT_RULE},
     {TIMEOUT_UP, ControlKind::BUTTON, "Up", 1, 8, 1, 1, 0, 0, nullptr},
     {TIMEOUT_DOWN, ControlKind::BUTTON, "Down", 1, 9, 1, 1, 0, 0, nullptr},
-    {304, ControlKind::FRAME, "EIA XOFF Char", 2, 2, 2, 8, 0, 0, nullptr},
+    {304, ControlKind::FRAME, "EIA XOFF Char", 2, 2, 4, 8, 0, 0, nullptr},
     {140, ControlKind::RADIO, "19", 2, 2, 1, 4, 0, CONTROL_GROUP, nullptr},
     {141, ControlKind::RADIO, "147", 3, 2, 1, 4, 0, 0, nullptr},
     {303, ControlKind::FRAME, "Start/End String", 6, 0, 6, 10, 0, 0, nullptr},

@@ -1,5 +1,6 @@
 // ascii_chart.cpp: the view ASCIICHART, a reference for typing character codes: code, and character or name.
 
+#include "dnc/control_names.h"
 #include "dnc/parameter_views.h"
 #include "dnc/view_controls.h"
 #include "frame/views.h"
@@ -19,11 +20,6 @@ constexpr int16_t CHART_PANE = 101;
 constexpr int CHART_ROWS = 16;
 constexpr int CHART_COLUMNS = 8;
 constexpr int ENTRY_CELLS = 9;  // "127 DEL  "
-
-constexpr const char* CONTROL_NAMES[] = {"NUL", "SOH", "STX", "ETX", "EOT", "ENQ", "ACK", "BEL", "BS",
-                                         "HT",  "LF",  "VT",  "FF",  "CR",  "SO",  "SI",  "DLE", "DC1",
-                                         "DC2", "DC3", "DC4", "NAK", "SYN", "ETB", "CAN", "EM",  "SUB",
-                                         "ESC", "FS",  "GS",  "RS",  "US",  "SP"};
 
 constexpr ControlSpec CONTROLS[] = {
     {CHART_PANE, ControlKind::PANE, "ASCII", 0, 0, CHART_ROWS, 1, CHART_COLUMNS* ENTRY_CELLS, 0, nullptr},

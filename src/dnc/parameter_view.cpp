@@ -59,7 +59,7 @@ constexpr ControlSpec CONTROLS[] = {
     {111, ControlKind::RADIO, "EI&A", 5, 0, 1, 2, 0, 0, nullptr},
     {112, ControlKind::RADIO, "AS&CII", 6, 0, 1, 2, 0, 0, nullptr},
     {113, ControlKind::RADIO, "&BINARY", 7, 0, 1, 2, 0, 0, nullptr},
-    {302, ControlKind::FRAME, "Parity", 4, 2, 3, 2, 0, 0, nullptr},
+    {302, ControlKind::FRAME, "Parity", 4, 2, 4, 2, 0, 0, nullptr},
     {114, ControlKind::RADIO, "&NONE", 4, 2, 1, 2, 0, CONTROL_GROUP, nullptr},
     {115, ControlKind::RADIO, "E&VEN", 5, 2, 1, 2, 0, 0, nullptr},
     {116, ControlKind::RADIO, "&ODD", 6, 2, 1, 2, 0, 0, nullptr},

@@ -315,6 +315,7 @@ void press_ok() {
     const int64_t offset = row_offset(row);
     if (offset < 0 || !row_is_there(transfer_state[send_slot].file_name, offset)) {
         show_dnc_box(DncBox::START_POINT_GONE);
+        view_focus_control(start_point.view, ROWS_PANE);
         return;
     }
     close_screen(offset, 1);
@@ -335,35 +336,30 @@ void press_feed() {
         show_connection_failed();
 }
 
-void on_control(int id) {
-    if (id == CANCEL_BUTTON) {
-        press_cancel();
-        return;
-    }
-    if (start_point.block_running)
-        return;
-    switch (id) {
-    case START_BUTTON:
+// A button of the block or the search; the keys then go to the rows again.
+void act_on_button(int id) {
+    if (id == START_BUTTON)
         set_marks(start_point.cursor_row, start_point.block_end_row);
-        break;
-    case END_BUTTON:
+    else if (id == END_BUTTON)
         set_marks(start_point.block_start_row, start_point.cursor_row);
-        break;
-    case RESET_BUTTON:
+    else if (id == RESET_BUTTON)
         set_marks(-1, -1);
-        break;
-    case SEARCH_BUTTON:
+    else if (id == SEARCH_BUTTON)
         show_search_for();
-        break;
-    case FEED_BUTTON:
+    else if (id == FEED_BUTTON)
         press_feed();
-        break;
-    case OK_BUTTON:
+    view_focus_control(start_point.view, ROWS_PANE);
+}
+
+void on_control(int id) {
+    if (id == CANCEL_BUTTON)
+        press_cancel();
+    else if (start_point.block_running)
+        return;
+    else if (id == OK_BUTTON)
         press_ok();
-        break;
-    default:
-        break;
-    }
+    else
+        act_on_button(id);
 }
 
 void on_press(uint32_t message, int64_t first, int64_t second) {

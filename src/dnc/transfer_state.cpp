@@ -27,6 +27,7 @@ void reset_transfer(int slot) {
     t.end_sent = 0;
     t.file_count = 0;
     t.carry_count = 0;
+    t.prepared = 0;
 }
 
 bool slot_is_busy(int slot) {

@@ -147,8 +147,11 @@ void step_receive(int slot) {
     } while (count > 0);
 }
 
-// While a queued send stands by: DC1 is the machine's request, any other byte is dropped.
+// While a queued send stands by: DC1 is the machine's request, any other byte is dropped. A request that comes ahead
+// of the preparation waits in the queue.
 void step_standby(int slot) {
+    if (!transfer_state[slot].prepared)
+        return;
     uint8_t byte = 0;
     while (transfer_state[slot].status == SEND_STANDBY && port_read(&byte, 1, slot) == 1) {
         if (byte == DC1)
@@ -187,9 +190,11 @@ int stamp_source(int slot) {
 
 int prepare_send(int slot) {
     TransferState& t = transfer_state[slot];
+    bool asked = false;
     {
         const LockGuard guard(port_slot[slot].step_lock);
         t.status = SEND_STANDBY;
+        t.prepared = 0;
         begin_transfer(t);
         t.bytes_done = t.start_offset;
         t.need_start = 1;
@@ -210,8 +215,12 @@ int prepare_send(int slot) {
         }
         refill(slot);
         t.continuous = send_continuous;
+        t.prepared = 1;
+        transfer_step_locked(slot, STEP_RECEIVE);  // the machine may have asked already
+        asked = t.status == XON_SEEN;
+        t.status = SEND_STANDBY;
     }
-    if (send_now)
+    if (send_now || asked)
         begin_sending(slot);
     return 1;
 }

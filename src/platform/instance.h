@@ -25,7 +25,8 @@ Handover send_open_request();
 // Asks the owner to restore its window and bring it to the front.
 Handover raise_other_instance();
 
-// Starts another program with up to three arguments (nullptr where there is none) and HEXLANE_HOME set, and
+// Starts another program (a name without '/' is looked for beside the running one, then in PATH) with up to
+// three arguments (nullptr where there is none) and HEXLANE_HOME set, and
 // does not wait for it. Gives 1, or 0 when it cannot be started.
 int start_program(const char* path, const char* first, const char* second, const char* third);
 

@@ -111,6 +111,16 @@ int line_written(LineHandle line);
 // Whether the machine holds the line: bytes wait and none has moved for ten character times.
 bool line_held(LineHandle line);
 
+// What went wrong on the way in since the line was opened, as the driver counts it.
+struct LineErrors {
+    uint32_t parity;
+    uint32_t framing;
+    uint32_t overrun;  // bytes that the device or the driver had no room for
+};
+
+// Gives 1, or 0 when the driver counts none, as that of a pty.
+int line_errors(LineHandle line, LineErrors* errors);
+
 void line_set_dtr(LineHandle line, bool on);
 
 // Drops a running write and everything that waits in either direction.

@@ -38,6 +38,7 @@ struct InputRule {
     const char* message_title;
     bool capitals = false;      // letters a to z become capitals
     bool may_be_empty = false;  // no text at all counts as in the range
+    bool beeps = false;         // at a bad value, ahead of the message
 };
 
 constexpr uint16_t CONTROL_HIDDEN = 1;    // at start
@@ -45,7 +46,7 @@ constexpr uint16_t CONTROL_DISABLED = 2;  // at start
 constexpr uint16_t CONTROL_CHECKED = 4;   // at start
 constexpr uint16_t CONTROL_DEFAULT = 8;   // the button that Enter presses
 constexpr uint16_t CONTROL_CANCEL = 16;   // the button that Esc presses
-constexpr uint16_t CONTROL_SUNKEN = 32;   // a sunken text
+constexpr uint16_t CONTROL_SUNKEN = 32;   // a sunken text; of a pane: it only shows, and takes no focus
 constexpr uint16_t CONTROL_GROUP = 64;    // a radio button that starts a new group
 constexpr uint16_t CONTROL_CENTERED = 128;
 constexpr uint16_t CONTROL_EDITABLE =

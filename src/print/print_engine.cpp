@@ -1,7 +1,6 @@
 #include "print/print_engine.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "platform/desktop.h"
 #include "platform/printing.h"
@@ -30,8 +29,8 @@ void begin_page() {
 
 }  // namespace
 
-PrintStart start_print_document(const char* title) {
-    switch (print_begin(title, nullptr)) {
+PrintStart start_print_document(const char* title, const char* pdf_path) {
+    switch (print_begin(title, pdf_path)) {
     case 1:
         begin_page();
         return PrintStart::STARTED;

@@ -11,8 +11,9 @@ constexpr int32_t LINES_PER_PAGE = 50;
 
 enum class PrintStart : uint8_t { STARTED, CANCELLED, FAILED };
 
-// Starts a job on the default printer and its first page. FAILED comes after the error box.
-PrintStart start_print_document(const char* title);
+// Starts a job on the default printer, or (not nullptr) into a PDF file, and its first page. FAILED comes
+// after the error box.
+PrintStart start_print_document(const char* title, const char* pdf_path = nullptr);
 
 // Selects the font of the lines that follow, 4 to 72 points. Gives whether there is one.
 bool set_print_font(const char* face, int points);

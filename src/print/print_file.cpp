@@ -1,7 +1,5 @@
 #include "print/print_file.h"
 
-#include <algorithm>
-#include <cstring>
 #include <iterator>
 
 #include "frame/child.h"
@@ -10,8 +8,7 @@
 #include "input/block.h"
 #include "platform/desktop.h"
 #include "platform/printing.h"
-#include "platform/text.h"
-#include "print/print_engine.h"
+#include "print/listing.h"
 #include "print/print_texts.h"
 #include "store/row_table.h"
 #include "view/nc_columns.h"
@@ -64,43 +61,25 @@ int64_t print_proc(WindowHandle view, uint32_t message, int64_t first, int64_t s
     return view_default(view, message, first, second);
 }
 
-void print_head() {
-    char path[PATH_SIZE];
-    text_to_bytes(path, sizeof path, child[0].file_path);
-    set_print_font("Times New Roman", 12);
-    print_line(path, static_cast<int32_t>(std::strlen(path)));
-    print_line(" ", 1);
+// A block inside a row has no rows, and the choice can be made without a block: both name row -1.
+const char* document_row(int32_t row) {
+    if (row < 0 || row > child[0].last_file_row)
+        return nullptr;
+    fetch_row(row);
+    if (child[0].nc_mode)
+        format_nc_row();
+    return child[0].row_text;
 }
 
 bool print_file() {
     if (show_view(&PRINT_VIEW, print_proc) != 1)
         return true;
-    if (selection_chosen)
-        return print_rows(block.start.row, block.end.row);
-    return print_rows(0, child[0].last_file_row);
+    const int32_t first = selection_chosen ? block.start.row : 0;
+    const int32_t last = selection_chosen ? block.end.row : child[0].last_file_row;
+    return print_listing(child[0].file_path, nullptr, first, last, document_row);
 }
 
 }  // namespace
-
-bool print_rows(int32_t first, int32_t last) {
-    const PrintStart start = start_print_document(child[0].file_path);
-    if (start != PrintStart::STARTED)
-        return start != PrintStart::FAILED;
-    print_head();
-    int32_t lines = 2;
-    // A block without rows names row -1.
-    for (int32_t row = first; row >= 0 && row <= std::min(last, child[0].last_file_row); row++) {
-        set_print_font("Times New Roman", 9);
-        fetch_row(row);
-        if (child[0].nc_mode)
-            format_nc_row();
-        print_line(child[0].row_text, static_cast<int32_t>(std::strlen(child[0].row_text)));
-        count_print_line(&lines);
-        pump_one_message();
-    }
-    end_print_document();
-    return true;
-}
 
 void command_print() {
     const PointerShape pointer = begin_wait();

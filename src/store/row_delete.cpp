@@ -19,7 +19,12 @@ using namespace platform;
 namespace {
 
 int commit_row_in_front(int32_t row) {
-    return row <= 0 || (fetch_row(row - 1) && commit_row(row - 1));
+    if (row <= 0)
+        return 1;
+    if (!fetch_row(row - 1))
+        return 0;
+    const bool is_change_row = child[0].row_origin == ORIGIN_CHANGE && unsaved_row.row < 0;
+    return is_change_row || commit_row(row - 1);
 }
 
 // The steps behind each deletion: the end row, and the text of the row in front of the gap in row_text.

@@ -13,8 +13,16 @@ add_test(NAME desktop.messages
          COMMAND Python3::Interpreter ${desktop}/messages_test.py --probe $<TARGET_FILE:message_probe>
                  --pictures ${pictures})
 
-# The program itself: start, type, save, second start, file dialog, end.
+# The program itself: typing, saving, blocks, search, renumbering, macros, colors, second start, file dialogs, end.
 add_test(NAME desktop.program
          COMMAND Python3::Interpreter ${desktop}/desktop_test.py --program $<TARGET_FILE:hexlane>
                  --examples ${PROJECT_SOURCE_DIR}/examples --pictures ${pictures})
-set_tests_properties(desktop.messages desktop.program PROPERTIES TIMEOUT 600)
+
+# Every dialog comes up by its keys and goes by Esc. The target docs_pictures puts its picture into the manual.
+set(keep_pictures Python3::Interpreter ${desktop}/pictures.py --program $<TARGET_FILE:hexlane>
+    --examples ${PROJECT_SOURCE_DIR}/examples --out)
+add_test(NAME desktop.dialogs COMMAND ${keep_pictures} ${pictures}/manual)
+add_custom_target(docs_pictures COMMAND ${keep_pictures} ${PROJECT_SOURCE_DIR}/docs/pictures VERBATIM)
+add_dependencies(docs_pictures hexlane)
+
+set_tests_properties(desktop.messages desktop.program desktop.dialogs PROPERTIES TIMEOUT 600)

@@ -1,58 +1,42 @@
 #!/usr/bin/env python3
-"""The real program on a virtual display: open, type, save, lose the focus, be called again, save as, leave."""
+"""The real program on a virtual display, with keyboard and mouse, its files compared byte by byte.
+
+Typing and saving, a loss of focus, blocks, search, renumbering, macros, colors, a second start, file dialogs, leaving.
+"""
 
 import argparse
 import os
-import shutil
+import re
 import subprocess
 import sys
 
 from display import Display, Failure, check, wait_for
+from editor import TITLE, Editor, read
 
-TITLE = "Hexlane NC Editor and DNC Communications"
 COLORS_LEAST = 50  # different colours on a screen that shows coloured text
+MACRO_SIZE = 12036  # bytes of a macro file
+RED = b"\xff\x00\x00\x00"  # as the colour file stores it
 
 
-class Editor:
-    """The program with a home of its own, and the file that it works on."""
+class Test(Editor):
+    """The editor, and where the pictures of the test are kept."""
 
-    def __init__(self, display, program, examples, pictures):
-        self.display = display
-        self.program = program
-        self.pictures = pictures
-        self.home = os.path.join(display.scratch, "home")
-        os.makedirs(os.path.join(self.home, "ZOLT"))
-        shutil.copy(os.path.join(examples, "ZOLT.INI"), os.path.join(self.home, "ZOLT"))
-        self.file = os.path.join(display.scratch, "part.nc")
-        shutil.copy(os.path.join(examples, "pocket-plate.nc"), self.file)
-        self.original = read(self.file)
-        self.process = self.start(self.file)
-        display.wait_active(TITLE)
-
-    def start(self, *arguments):
-        return self.display.start([self.program, *arguments], env={"HEXLANE_HOME": self.home})
+    def __init__(self, display, arguments):
+        super().__init__(display, arguments.program, arguments.examples)
+        self.pictures = arguments.pictures
 
     def start_again(self, *arguments):
         """A second start, which hands over to the first and ends."""
         code = self.start(*arguments).wait(60)
         check(f"the second start ended with {code}", code == 0)
 
-    def save_and_expect(self, what, path, wanted):
-        self.display.key("ctrl+s")
-        try:
-            wait_for(what, lambda: read(path) == wanted)
-        except Failure as failure:
-            raise Failure(f"{failure}\n  wanted {wanted[:80]}...{wanted[-80:]}\n  got    {read(path)[:80]}...{read(path)[-80:]}") from None
-
     def keep_picture(self, name):
         self.display.picture(os.path.join(self.pictures, name + ".png"))
 
-
-def read(path):
-    if not os.path.exists(path):
-        return None
-    with open(path, "rb") as file:
-        return file.read()
+    def change(self, what, rows):
+        """Saves and expects these rows; they are what the next step begins with."""
+        self.rows = rows
+        self.save_and_expect(what, self.file, b"".join(rows))
 
 
 def check_typing(editor):
@@ -75,6 +59,83 @@ def check_focus(editor):
     editor.display.type(" and behind)")
     editor.save_and_expect("a row from both sides of a loss of focus", editor.file,
                            b"(typed)\r\n" + editor.original + b"(before and behind)\r\n\r\n")
+
+
+def check_block(editor):
+    """Rows drawn with the mouse are cut and pasted in front of another row; a part of a row is copied."""
+    editor.measure()
+    rows = read(editor.file).splitlines(keepends=True)
+    editor.drag((2, 5), (9, 8))
+    editor.wait_marked_rows(5, 3)  # without the row under the pointer
+    editor.keep_picture("block")
+    editor.display.key("ctrl+x")
+    editor.click(0, 2)
+    editor.display.key("ctrl+v")
+    editor.change("three rows in another place", rows[:2] + rows[5:8] + rows[2:5] + rows[8:])
+    editor.drag((0, 9), (3, 9))
+    wait_for("a part of a row in a block", lambda: editor.marked(3 * editor.cell_width))
+    editor.display.key("ctrl+c", "Escape", "End", "ctrl+v")
+    copied = editor.rows[9]
+    editor.change("a part of a row behind it",
+                  editor.rows[:9] + [copied[:-2] + copied[:3] + copied[-2:]] + editor.rows[10:])
+
+
+def check_find(editor):
+    """The caret stands at the match when the search is over."""
+    editor.open("Find", "alt+v", "f")
+    editor.display.type("g43")
+    editor.display.key("Return")
+    wait_for("a match on show", lambda: editor.marked(3 * editor.cell_width))
+    editor.keep_picture("match")
+    editor.close("Escape")
+    editor.display.type("M0 ")
+    text = b"".join(editor.rows)
+    found = text.index(b"G43", len(b"".join(editor.rows[:9])))  # the caret was in row 9
+    editor.change("what was typed at the match", (text[:found] + b"M0 " + text[found:]).splitlines(keepends=True))
+
+
+def check_renumber(editor):
+    editor.open("RENUMBER", "alt+n", "r")
+    editor.display.type("10")
+    editor.display.key("Tab")
+    editor.display.type("5")
+    editor.keep_picture("renumber")
+    editor.open("NC Utility", "Return")
+    editor.close("Return")
+    numbers = iter(range(10, 10 + 5 * len(editor.rows), 5))
+    editor.change("new line numbers", [re.sub(rb"^N\d+", lambda _: b"N%04d" % next(numbers), row) for row in editor.rows])
+
+
+def check_macro(editor):
+    """A pass while it is recorded, and two when it is played."""
+    editor.display.key("ctrl+Home")
+    editor.open("Record Macro", "alt+m", "r")
+    editor.display.type("slashes")
+    editor.close("Return")
+    editor.display.type("/")
+    editor.display.key("Down", "Home")
+    editor.display.key("alt+m", "e")
+    stored = os.path.join(editor.home, "ZOLT", "MACROS", "MACRO.001")
+    wait_for("the macro's file", lambda: len(read(stored) or b"") == MACRO_SIZE)
+    check("the macro's name stands in its file", read(stored).startswith(b"SLASHES\0"))
+    editor.open("Play Macro", "F8")
+    editor.keep_picture("play-macro")
+    editor.open("Run Macro", "alt+s")
+    editor.display.key("Return", "Return")
+    editor.close("Escape")
+    editor.change("three rows with a slash", [b"/" + row for row in editor.rows[:3]] + editor.rows[3:])
+
+
+def check_colors(editor):
+    """A color picked for the letter A is in the file, and the file's other bytes are as they were."""
+    file = os.path.join(editor.home, "ZOLT", "ZOLT.INI")
+    before = read(file)
+    editor.open("Choose Variable Color", "alt+v", "s")
+    editor.display.key(*["Tab"] * 5, "space")  # behind the list the colors, the fifth of them red
+    editor.keep_picture("set-colors")
+    editor.display.key(*["Tab"] * 13)  # eleven colors, the box, OK
+    editor.close("Return")
+    wait_for("the color in its file", lambda: read(file) == RED + before[4:])
 
 
 def check_second_start(editor):
@@ -162,8 +223,9 @@ def main():
     os.makedirs(arguments.pictures, exist_ok=True)
     with Display() as display:
         try:
-            editor = Editor(display, arguments.program, arguments.examples, arguments.pictures)
-            for step in (check_typing, check_focus, check_second_start, check_save_as, check_open_dialog,
+            editor = Test(display, arguments)
+            for step in (check_typing, check_focus, check_block, check_find, check_renumber, check_macro,
+                         check_colors, check_second_start, check_save_as, check_open_dialog,
                          check_end, check_command_line):
                 step(editor)
                 print(f"{step.__name__}: good")

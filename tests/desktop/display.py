@@ -69,7 +69,7 @@ class Display:
 
     def _start_server(self):
         reading, writing = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", self.size + "x24", "-nolisten", "tcp"],
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", self.size + "x24", "-wr", "-nolisten", "tcp"],
                    pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as pipe:
@@ -102,7 +102,7 @@ class Display:
         self.hand("key", *names)
 
     def type(self, text):
-        self.hand("type", "--delay", 8, text)
+        self.hand("type", "--delay", 8, "--", text)
 
     # ---- Windows -----------------------------------------------------------------------------------------
 
@@ -116,6 +116,11 @@ class Display:
         """Windows of exactly that title on the screen."""
         return len(self.output("xdotool", "search", "--onlyvisible", "--name", f"^{title} *$").split())
 
+    def window_of(self, title):
+        """The id of the one window of exactly that title."""
+        return wait_for(f"the window '{title}'",
+                        lambda: self.output("xdotool", "search", "--onlyvisible", "--name", f"^{title} *$")).split()[0]
+
     # ---- Pictures ----------------------------------------------------------------------------------------
 
     def picture(self, path):
@@ -128,6 +133,14 @@ class Display:
                               stdout=subprocess.PIPE, check=True).stdout
         width = int(self.size.split("x")[0])
         return [data[at:at + 3 * width] for at in range(0, len(data), 3 * width)], width
+
+    def window_pixels(self, window):
+        """What a window shows inside its frame, as rows of RGB bytes."""
+        data = subprocess.run(["import", "-window", window, "-depth", "8", "ppm:-"], env=self.environment,
+                              stdout=subprocess.PIPE, check=True).stdout
+        size = data.split(b"\n", 2)[1].split()
+        pixels = data[-3 * int(size[0]) * int(size[1]):]
+        return [pixels[at:at + 3 * int(size[0])] for at in range(0, len(pixels), 3 * int(size[0]))]
 
     def count_colors(self):
         rows, _ = self.pixels()

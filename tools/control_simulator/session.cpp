@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstring>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace simulator {
@@ -137,9 +138,21 @@ void see_key(Session* s) {
         s->start_due = now_ns();
 }
 
+// What has come already and was not read yet is no fault of the other side's.
+void hold_other_side(Session* s) {
+    int waiting = 0;
+    s->ahead_of_xoff = ioctl(s->line.fd, FIONREAD, &waiting) == 0 ? waiting : 0;
+    put_out(s, XOFF);
+    s->findings.xoffs++;
+    s->xon_due = now_ns() + std::max<int64_t>(s->options.xoff_for * MS, 1);
+}
+
 void count_xoff(Session* s, int64_t count) {
     const Options& o = s->options;
     if (s->xon_due != 0) {
+        const int64_t ahead = std::min(count, s->ahead_of_xoff);
+        s->ahead_of_xoff -= ahead;
+        count -= ahead;
         s->findings.behind_xoff += count;
         s->behind_this_xoff += count;
         s->findings.most_behind_xoff = std::max(s->findings.most_behind_xoff, s->behind_this_xoff);
@@ -149,11 +162,8 @@ void count_xoff(Session* s, int64_t count) {
         return;
     }
     s->since_xoff += count;
-    if (o.xoff_every != 0 && s->since_xoff >= o.xoff_every) {
-        put_out(s, XOFF);
-        s->findings.xoffs++;
-        s->xon_due = now_ns() + std::max<int64_t>(o.xoff_for * MS, 1);
-    }
+    if (o.xoff_every != 0 && s->since_xoff >= o.xoff_every)
+        hold_other_side(s);
 }
 
 // How much may be read so that XOFF and hanging up come behind exactly the byte that was asked for.

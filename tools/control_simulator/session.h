@@ -36,9 +36,10 @@ struct Session {
     int64_t last_in = 0;     // bytes came in
     int64_t since_xoff = 0;  // bytes since the last XON
     int64_t behind_this_xoff = 0;
-    bool started = false;  // DC1 was sent, or --send has begun
-    bool held = false;     // the other side has sent XOFF (--send)
-    bool key_open = true;  // standard input may still bring the start key
+    int64_t ahead_of_xoff = 0;  // of the bytes to come, those that were there before it
+    bool started = false;       // DC1 was sent, or --send has begun
+    bool held = false;          // the other side has sent XOFF (--send)
+    bool key_open = true;       // standard input may still bring the start key
 };
 
 // Makes the process ready for ppoll: SIGINT, SIGTERM and SIGHUP end the run in order.

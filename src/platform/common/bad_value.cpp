@@ -6,8 +6,11 @@
 namespace hexlane::platform {
 
 void report_bad_value(const InputRule* rule) {
-    if (rule == nullptr || rule->message == nullptr) {
+    const bool tells = rule != nullptr && rule->message != nullptr;
+    if (!tells || rule->beeps) {
         message_beep(BoxIcon::EXCLAMATION);
+    }
+    if (!tells) {
         return;
     }
     const char* title = rule->message_title != nullptr ? rule->message_title : "";

@@ -7,6 +7,7 @@
 #include "platform/posix/threads_hook.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <condition_variable>
 #include <cstdint>
@@ -62,6 +63,8 @@ int quit_code = 0;
 
 std::thread::id main_thread;
 int wake_event = -1;
+std::atomic<bool> something_waits = false;  // since the pump looked last; signal handlers set it too
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 int64_t time_ns() {
     timespec now;
@@ -157,6 +160,7 @@ WindowHandle make_console_window(WindowProcedure procedure) {
 }
 
 void wake_console() {
+    something_waits = true;
     const uint64_t one = 1;
     const int saved = errno;
     static_cast<void>(!write(wake_event, &one, sizeof one));
@@ -204,10 +208,19 @@ int run_message_loop() {
     return quit_code;
 }
 
+// What was posted behind the message that is served waits for the next call.
 bool pump_one_message() {
-    post_waiting_signals();
-    serve_sent();
-    return serve_one_posted() || serve_one_timer();
+    if (!something_waits.load(std::memory_order_relaxed) && timers.empty())
+        return false;
+    if (something_waits.exchange(false)) {
+        post_waiting_signals();
+        serve_sent();
+        if (serve_one_posted()) {
+            something_waits = true;
+            return true;
+        }
+    }
+    return serve_one_timer();
 }
 
 void post_quit(int code) {

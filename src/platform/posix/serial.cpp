@@ -79,14 +79,19 @@ void reset_line(Line& line) {
     line.pending = 0;
     line.gone = false;
     line.break_count = tty_break_count(line.tty);
+    line.errors_before = {};
+    tty_error_counts(line.tty, &line.errors_before);
     line.ring_first = 0;
     line.ring_used = 0;
     line.sending = {};
 }
 
+// Output is dropped only while a write runs. Behind its end nothing should wait any more, and where the driver cannot
+// tell (a pty whose other side reads slowly) what still waits belongs to a transfer that counts as complete.
 void drop_everything(Line& line) {
+    const bool writing = line.sending.running;
     stop_write(line);
-    flush_tty(line.tty);
+    flush_tty(line.tty, writing);
     line.ring_used = 0;
     line.pending &= EV_GONE;
 }
@@ -122,7 +127,7 @@ LineHandle line_open(int port) {
     if (!make_wakers(tty, &wake, &edges)) {
         note_device_error(device, errno);
         close_wakers(wake, edges);
-        close_tty(tty);
+        close_tty(tty, false);
         return NO_LINE;
     }
     // A device opens once only, so a record is free unless COM numbers have changed their devices.
@@ -139,7 +144,7 @@ LineHandle line_open(int port) {
     }
     note_line_problem(LineProblem::OTHER, "Too many serial lines are open.");
     close_wakers(wake, edges);
-    close_tty(tty);
+    close_tty(tty, false);
     return NO_LINE;
 }
 
@@ -255,6 +260,17 @@ bool line_held(LineHandle handle) {
     return open.line != nullptr && line_is_held(*open.line);
 }
 
+int line_errors(LineHandle handle, LineErrors* errors) {
+    const OpenLine open(handle);
+    LineErrors now{};
+    if (open.line == nullptr || !tty_error_counts(open.line->tty, &now)) {
+        return 0;
+    }
+    const LineErrors& before = open.line->errors_before;
+    *errors = {now.parity - before.parity, now.framing - before.framing, now.overrun - before.overrun};
+    return 1;
+}
+
 void line_set_dtr(LineHandle handle, bool on) {
     const OpenLine open(handle);
     if (open.line != nullptr) {
@@ -272,9 +288,10 @@ void line_purge(LineHandle handle) {
 void line_close(LineHandle handle) {
     const OpenLine open(handle);
     if (open.line != nullptr) {
+        const bool writing = open.line->sending.running;
         stop_write(*open.line);
         close_wakers(open.line->wake, open.line->edges);
-        close_tty(open.line->tty);
+        close_tty(open.line->tty, writing);
         open.line->tty = -1;
     }
 }

@@ -70,9 +70,10 @@ struct Line {
     int in_flight_limit = IN_FLIGHT_MIN;  // bytes
 
     uint32_t mask = 0;
-    uint32_t pending = 0;      // events that no wait has told yet
-    bool gone = false;         // the device has vanished
-    uint32_t break_count = 0;  // breaks that the driver has counted
+    uint32_t pending = 0;        // events that no wait has told yet
+    bool gone = false;           // the device has vanished
+    uint32_t break_count = 0;    // breaks that the driver has counted
+    LineErrors errors_before{};  // counted by the driver when the line was opened
 
     uint8_t ring[RECEIVE_RING];
     int ring_first = 0;  // where the oldest byte lies

@@ -99,7 +99,7 @@ int take_over(int tty) {
     if (ioctl(tty, TIOCEXCL) != 0 || ioctl(tty, TCSETS2, &form) != 0) {
         return 0;
     }
-    flush_tty(tty);
+    flush_tty(tty, false);
     return 1;
 }
 
@@ -150,8 +150,8 @@ int open_tty(const char* device) {
     return tty;
 }
 
-void close_tty(int tty) {
-    flush_tty(tty);
+void close_tty(int tty, bool output_too) {
+    flush_tty(tty, output_too);
     // The mark stays with the device as long as anybody has it open, as the machine's side of a pty may.
     ioctl(tty, TIOCNXCL);
     close(tty);
@@ -181,13 +181,23 @@ int configure_tty(int tty, const char* device, LineSettings* settings) {
     return 1;
 }
 
-void flush_tty(int tty) {
-    ioctl(tty, TCFLSH, TCIOFLUSH);
+void flush_tty(int tty, bool output_too) {
+    ioctl(tty, TCFLSH, output_too ? TCIOFLUSH : TCIFLUSH);
 }
 
 void set_tty_dtr(int tty, bool on) {
     const int lines = TIOCM_DTR;
     ioctl(tty, on ? TIOCMBIS : TIOCMBIC, &lines);
+}
+
+int tty_error_counts(int tty, LineErrors* errors) {
+    serial_icounter_struct counts{};
+    if (ioctl(tty, TIOCGICOUNT, &counts) != 0) {
+        return 0;
+    }
+    *errors = {static_cast<uint32_t>(counts.parity), static_cast<uint32_t>(counts.frame),
+               static_cast<uint32_t>(counts.overrun) + static_cast<uint32_t>(counts.buf_overrun)};
+    return 1;
 }
 
 uint32_t tty_break_count(int tty) {

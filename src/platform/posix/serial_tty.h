@@ -13,7 +13,7 @@ int open_tty(const char* device);
 
 // Gives others their turn and closes. What still waits in the driver is dropped, since a close would wait for
 // it.
-void close_tty(int tty);
+void close_tty(int tty, bool output_too);
 
 // Writes rate, form and handshake, and reads back; settings->baud_rate takes the rate that the driver has
 // set. 0 when the driver takes the rate (to 3 per cent) or the form not, or has vanished. A pty takes any
@@ -21,9 +21,12 @@ void close_tty(int tty);
 int configure_tty(int tty, const char* device, LineSettings* settings);
 
 // Drops what waits in either direction.
-void flush_tty(int tty);
+void flush_tty(int tty, bool output_too);
 
 void set_tty_dtr(int tty, bool on);
+
+// Errors that the driver has counted since it was loaded. 1, or 0 when it doesn't count.
+int tty_error_counts(int tty, LineErrors* errors);
 
 // Breaks that the driver has counted since it was loaded; 0 when it doesn't count.
 uint32_t tty_break_count(int tty);

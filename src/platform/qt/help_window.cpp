@@ -24,6 +24,7 @@ namespace hexlane::platform {
 
 namespace {
 
+constexpr char MANUAL_FOLDER[] = ":/hexlane/docs";  // the pictures' names begin there
 constexpr char MANUAL[] = ":/hexlane/docs/manual.md";
 constexpr char ON_HELP_HEADING[] = "About this help window";
 
@@ -33,7 +34,7 @@ struct ContextPage {
 };
 constexpr ContextPage CONTEXT_PAGES[] = {{54, "Technical support"}};
 
-constexpr int TEXT_WIDTH = 640;  // logical pixels of a new window
+constexpr int TEXT_WIDTH = 740;  // logical pixels of a new window
 constexpr int CONTENTS_WIDTH = 220;
 constexpr int WINDOW_HEIGHT = 620;
 constexpr int DEEPEST_HEADING = 3;  // that the contents list
@@ -93,6 +94,7 @@ HelpWindow::HelpWindow() {
     text->setAccessibleName(QStringLiteral("Manual"));
     text->setOpenLinks(false);
     text->document()->setDocumentMargin(16);
+    text->setSearchPaths({QString::fromUtf8(MANUAL_FOLDER)});
     QFile manual(QString::fromUtf8(MANUAL));
     if (manual.open(QIODevice::ReadOnly)) {
         text->setMarkdown(QString::fromUtf8(manual.readAll()));

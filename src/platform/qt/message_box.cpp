@@ -72,6 +72,7 @@ Box::Box(const QString& text, const QString& title, BoxIcon icon, const QStringL
     setAccessibleDescription(text);
     auto* column = new QVBoxLayout(this);
     column->setSizeConstraint(QLayout::SetFixedSize);
+    column->addStrut(title_width(this));
     column->addLayout(make_message(text, icon));
     column->addSpacing(fontMetrics().height() / 2);
     column->addLayout(make_buttons(labels));

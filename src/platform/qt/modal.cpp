@@ -58,4 +58,13 @@ QWidget* top_modal() {
     return modals.empty() ? nullptr : modals.back();
 }
 
+// Window managers cut a title that is wider than its window; they write it in bold letters.
+int title_width(const QDialog* dialog) {
+    constexpr int ICON_AND_BUTTONS = 8;  // line heights
+    QFont bold = dialog->font();
+    bold.setBold(true);
+    return QFontMetrics(bold).horizontalAdvance(dialog->windowTitle()) +
+           ICON_AND_BUTTONS * dialog->fontMetrics().height();
+}
+
 }  // namespace hexlane::platform

@@ -29,4 +29,7 @@ int run_modal(QDialog* dialog);
 bool modal_is_up();
 QWidget* top_modal();  // nullptr when there is none
 
+// The width in logical pixels that shows a dialog's title whole.
+int title_width(const QDialog* dialog);
+
 }  // namespace hexlane::platform

@@ -1,6 +1,7 @@
-# What is compiled into the desktop program beside its sources: the manual, the icon and the version.
+# What is compiled into the desktop program beside its sources: the manual, its pictures, the icon and the version.
+file(GLOB manual_pictures CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/pictures/*.png)
 qt_add_resources(hexlane_qt manual PREFIX /hexlane/docs BASE ${PROJECT_SOURCE_DIR}/docs
-                 FILES ${PROJECT_SOURCE_DIR}/docs/manual.md)
+                 FILES ${PROJECT_SOURCE_DIR}/docs/manual.md ${manual_pictures})
 
 set(icons)
 foreach(size 16 24 32 48 64 128 256)

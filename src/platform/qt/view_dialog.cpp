@@ -23,6 +23,7 @@
 #include "platform/common/input_rules.h"
 #include "platform/qt/dispatch.h"
 #include "platform/qt/main_window.h"
+#include "platform/qt/modal.h"
 #include "platform/qt/pictures.h"
 #include "platform/qt/view_window.h"
 
@@ -230,7 +231,8 @@ QWidget* make_drop_down(View* view, int index) {
     return choice;
 }
 
-// A text surface of as many cells as the control is wide and covers rows of the grid.
+// A text surface of as many cells as the control is wide and covers rows of the grid. A sunken one only
+// shows.
 QWidget* make_pane(const View* view, const ControlSpec& spec) {
     auto* frame = new QFrame;
     frame->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
@@ -247,6 +249,10 @@ QWidget* make_pane(const View* view, const ControlSpec& spec) {
     line->addWidget(area->bar);
     frame->setFocusProxy(area);
     area->bar->hide();
+    if (spec.flags & CONTROL_SUNKEN) {
+        area->setFocusPolicy(Qt::NoFocus);
+        area->setCursor(Qt::ArrowCursor);
+    }
     return frame;
 }
 
@@ -410,6 +416,7 @@ void make_dialog(View* view, QWidget* parent) {
         view->controls[static_cast<std::size_t>(i)]->setHidden(spec_of(view, i).flags & CONTROL_HIDDEN);
         view->controls[static_cast<std::size_t>(i)]->setDisabled(spec_of(view, i).flags & CONTROL_DISABLED);
     }
+    grid->addItem(new QSpacerItem(title_width(view->dialog), 0), 0, 0, 1, grid->columnCount());
     close_up_frames(view);
     group_radio_buttons(view);
     place_dialog(view, parent);

@@ -298,7 +298,7 @@ const Action ACTIONS[] = {
     {"menu", "", WHILE_RUNNING, print_menu},
     {"title", "", WHILE_RUNNING, print_title},
     {"caret", "", WHILE_RUNNING, print_caret},
-    {"view", "", WHILE_RUNNING, print_view},
+    {"view", "[@ID...]", WHILE_RUNNING, print_view},
     {"state", "", WHILE_RUNNING, do_state},
     {"rows", "[FIRST LAST]", WHILE_RUNNING, do_rows},
     {"bytes", "\"PATH\"", ALWAYS, print_bytes},

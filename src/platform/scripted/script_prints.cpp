@@ -87,6 +87,13 @@ std::string control_line(const View& view, const Control& control) {
     return line;
 }
 
+void print_control(const View& view, const Control& control) {
+    record_line(control_line(view, control));
+    for (std::size_t i = 0; i < control.rows.size(); i++) {
+        record_line((static_cast<int>(i) == control.selection ? "  > " : "    ") + quoted(control.rows[i]));
+    }
+}
+
 }  // namespace
 
 Refusal print_screen(const Words& words) {
@@ -179,22 +186,31 @@ Refusal print_caret(const Words& words) {
     return "";
 }
 
+// The whole view, or the controls whose ids are given.
 Refusal print_view(const Words& words) {
     const Modal* modal = top_modal();
-    if (words.size() > 1) {
-        return WRONG_USE;
-    }
     if (modal == nullptr || modal->kind != ModalKind::VIEW) {
         return "no view is up";
     }
     const View& view = *find_view(modal->view, "view");
-    record_line(std::string(view.spec->name) + " " + quoted(view.spec->title));
-    for (const Control& control : view.controls) {
-        record_line(control_line(view, control));
-        for (std::size_t i = 0; i < control.rows.size(); i++) {
-            record_line((static_cast<int>(i) == control.selection ? "  > " : "    ") +
-                        quoted(control.rows[i]));
+    if (words.size() == 1) {
+        record_line(std::string(view.spec->name) + " " + quoted(view.spec->title));
+        for (const Control& control : view.controls) {
+            print_control(view, control);
         }
+        return "";
+    }
+    for (std::size_t at = 1; at < words.size(); at++) {
+        ControlName name;
+        if (!control_at(words, at, &name) || name.id < 0) {
+            return WRONG_USE;
+        }
+        const auto found = std::find_if(view.controls.begin(), view.controls.end(),
+                                        [&](const Control& control) { return control.spec->id == name.id; });
+        if (found == view.controls.end()) {
+            return modal->name + " has no " + words[at].text;
+        }
+        print_control(view, *found);
     }
     return "";
 }

@@ -258,7 +258,7 @@ void expect_every_row_once(const std::string& left, const std::string& right, bo
 
 TEST_F(EngineTest, RandomFilesFollowTheSteps) {
     std::mt19937 random(11);
-    for (int round = 0; round < 1500; round++) {
+    for (int round = 0; round < 700; round++) {
         const bool ignore_spaces = below(&random, 2) == 0;
         const int look_ahead = below(&random, 5) == 0 ? 20 : 1 + static_cast<int>(below(&random, 4));
         const std::string left = random_program(&random, below(&random, 40), 1 + below(&random, 6));

@@ -209,6 +209,25 @@ TEST_F(EngineTest, AQueuedSendWaitsForTheMachinesRequest) {
     }
 }
 
+TEST_F(EngineTest, ARequestAheadOfThePreparationIsNotLost) {
+    write("part.nc", "N1\r\n");
+    TransferState& t = transfer_state[0];
+    send_now = 0;
+    t.start_now = 0;
+    copy_text(t.file_name, PATH_SIZE, path("part.nc").c_str());
+    t.total_bytes = 4;
+    t.status = SEND_STANDBY;
+    ASSERT_EQ(port_init(0, machine()), 1);
+    ASSERT_EQ(port_open(0), 1);
+    feed_line_at_once(1, "\x11");
+    advance_clock(100);
+    EXPECT_EQ(t.status, SEND_STANDBY);
+    answer_box("OK");
+    ASSERT_EQ(prepare_send(0), 1);
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(take_sent(1), "N1\r\n");
+}
+
 TEST_F(EngineTest, ContinuousSendsAgainWithoutTheStartSequence) {
     write("part.nc", "N1\r\nN2\r\n");
     machine().start_char = 'S';

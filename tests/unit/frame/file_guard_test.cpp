@@ -127,6 +127,25 @@ TEST_F(FileGuardTest, ARemovedFileCanBeWrittenAgainOrElsewhere) {
     EXPECT_EQ(unused_answers(), 0);
 }
 
+TEST_F(FileGuardTest, AYesToOverwriteHoldsForOneStateOfTheFile) {
+    start_with("G0\r\n");
+    const auto replace = [this](const std::string& text) {
+        fs::remove(path("part.nc"));
+        write("part.nc", text);
+    };
+    replace("first\r\n");
+    type_text("X");
+    answer_box("Overwrite");
+    command(1002);
+    EXPECT_EQ(bytes(), "XG0\r\n");
+    replace("second\r\n");
+    type_text("Y");
+    answer_box("Cancel");
+    command(1002);
+    EXPECT_EQ(unused_answers(), 0);
+    EXPECT_EQ(bytes(), "second\r\n");
+}
+
 TEST_F(FileGuardTest, SaveAsToAnotherNameOfTheFileKeepsTheEditsOnShow) {
     start_with("G0\r\n");
     fs::create_hard_link(path("part.nc"), path("twin.nc"));

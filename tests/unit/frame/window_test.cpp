@@ -133,6 +133,20 @@ TEST_F(WindowTest, OneTimerServesTwoUsesOneAtATime) {
     EXPECT_FALSE(timer_running(UI_TIMER));
 }
 
+TEST_F(WindowTest, ARepaintSetsTheScrollBar) {
+    std::string file;
+    for (int row = 0; row < 200; row++)
+        file += "\r\n";
+    start_with(file);
+    EXPECT_EQ(scroll_range_high(), 200 / 25);
+    child[0].current_row = 130;
+    send(WM_PAINT);
+    EXPECT_EQ(scroll_position_now(), 130 / 25);
+    command(1035);
+    EXPECT_EQ(scroll_range_high(), 0);
+    EXPECT_EQ(scroll_position_now(), 0);
+}
+
 TEST_F(WindowTest, AResizeMeasuresTheTextAreaAndKeepsTheCaretsRowInIt) {
     struct Case {
         int cols, rows;

@@ -207,6 +207,15 @@ TEST_F(LineConformance, PurgeDropsTheWriteAndWhatHasCome) {
     EXPECT_LT(station->sent().size(), bytes.size());
     EXPECT_EQ(line_write(line, "X", 1), 1);
     EXPECT_TRUE(sees(EV_TXEMPTY));
+
+    line_set_mask(line, EV_RXFLAG);
+    events_seen = 0;
+    station->feed("d");
+    EXPECT_TRUE(has_queued(1));
+    line_purge(line);  // the event that nobody has heard of goes too
+    line_set_mask(line, EVENTS);
+    station->let_pass(20);
+    EXPECT_EQ(events_seen, 0U);
 }
 
 TEST_F(LineConformance, PortOpensOnceAndClosedHandlesDoNothing) {

@@ -44,6 +44,7 @@ std::string window_record;
 std::string view_record;
 void (*while_up)(ViewHandle view) = nullptr;
 bool closes_on_key = false;
+bool leaves_on_key = false;  // gives the focus to the button
 
 const std::map<uint32_t, const char*> MESSAGE_NAMES = {
     {WM_KEYDOWN, "down"},      {WM_KEYUP, "up"},          {WM_CHAR, "char"},
@@ -78,6 +79,9 @@ int64_t view_proc(ViewHandle view, uint32_t message, int64_t first, int64_t seco
         if (message == WM_KEYDOWN && closes_on_key) {
             view_end(view, 1);
         }
+        if (message == WM_KEYDOWN && leaves_on_key) {
+            view_focus_control(view, 5);
+        }
     }
     return view_default(view, message, first, second);
 }
@@ -92,7 +96,7 @@ class ViewTest : public ::testing::Test {
 protected:
     void SetUp() override {
         reset_desktop();
-        closes_on_key = false;
+        closes_on_key = leaves_on_key = false;
         make_test_window(window_proc);
         window_record.clear();
         view_record.clear();
@@ -263,12 +267,20 @@ TEST_F(ViewTest, PaneTellsItsViewOfKeysMouseAndScrollBar) {
             EXPECT_NE(person_scrolls(SB_THUMBPOSITION, 30001), "");
             EXPECT_EQ(person_scrolls(SB_PAGEDOWN, 0), "");
             EXPECT_EQ(taken(), "7scroll4=30000 7scroll3=0");
+            leaves_on_key = true;
+            EXPECT_EQ(person_types("ab"), "");
+            EXPECT_EQ(taken(), "7down65 7char97");  // what is left of the typing finds the focus elsewhere
+            EXPECT_EQ(shown_lines().back(), "stopped after 1");
+            leaves_on_key = false;
+            EXPECT_EQ(person_uses_mouse({MouseAct::DOWN, true, {"", 1, 7}, 0, 0}), "");
+            taken();
             closes_on_key = true;
             EXPECT_EQ(person_presses("Ctrl+A"), "");
         },
         PANE_VIEW);
     EXPECT_EQ(taken(), "7down17");  // the rest of the press finds the view closed
     EXPECT_FALSE(key_is_down(VK_CONTROL));
+    EXPECT_EQ(person_uses_mouse({MouseAct::DOWN, false, {}, 0, 0}), "");  // and the button is up again
 }
 
 }  // namespace

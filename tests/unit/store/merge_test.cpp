@@ -140,6 +140,58 @@ TEST_F(MergeTest, EveryFailingCallLeavesFileAndDocument) {
     EXPECT_EQ(bytes(), "A\r\nX\r\nY\r\nB\r\n");
 }
 
+TEST_F(MergeTest, TheBackupIsOnTheDiskBeforeTheMergedFileTakesItsPlace) {
+    record_file_calls();
+    write("other.nc", "X\r\n");
+    start_with("A\r\nB\r\n");
+    copy_text(child[0].merge_path, PATH_SIZE, path("other.nc").c_str());
+    ASSERT_TRUE(merge_file());
+    std::string order;
+    for (const FileCallRecord& call : file_call_log()) {
+        if (call.path.find(work) == std::string::npos)
+            continue;
+        if (call.kind == FileCall::FLUSH)
+            order += call.path == path("DX1") ? "flush-backup " : "flush ";
+        else if (call.kind == FileCall::RENAME)
+            order += "rename ";
+    }
+    EXPECT_EQ(order, "flush-backup flush rename ");
+}
+
+TEST_F(MergeTest, ADocumentSavedOverTheMergedFileEndsTheMerge) {
+    write("other.nc", "X\r\n");
+    write("third.nc", "T\r\n");
+    start_with("A\r\n");
+    merge_at(0);
+    answer_box("No");
+    answer_file_dialog(path("third.nc").c_str());
+    command(1001);
+    answer_file_dialog(path("part.nc").c_str());
+    answer_box("Yes");
+    command(1003);
+    EXPECT_EQ(bytes(), "T\r\n");
+    set_row(0, "changed");
+    leave_without_saving();
+    EXPECT_EQ(bytes(), "T\r\n");
+    EXPECT_EQ(bytes("DX1"), "A\r\n");
+    EXPECT_NE(shown_boxes().back().buttons, "OK");  // nothing is left to be undone, or told about
+    EXPECT_EQ(unused_answers(), 0);
+}
+
+TEST_F(MergeTest, AMergedFileThatIsNotLoadedLeavesNothingToSave) {
+    write("other.nc", std::string(NULL_TEST_LIMIT + 1, '\0'));
+    start_with("A\r\n");
+    child[0].current_row = 0;
+    answer_box("Yes");
+    answer_file_dialog(path("other.nc").c_str());
+    answer_box("Cancel");  // the question about NULs
+    command(1004);
+    EXPECT_FALSE(child[0].file_open);
+    EXPECT_EQ(child[0].modified, 0);
+    EXPECT_EQ(bytes("DX1"), "A\r\n");
+    EXPECT_EQ(unused_answers(), 0);
+}
+
 TEST_F(MergeTest, AFileIsNotMergedWithItself) {
     start_with("A\r\n");
     std::filesystem::create_symlink("part.nc", path("other.nc"));

@@ -340,7 +340,7 @@ void ModelTest::step(Model* model, std::mt19937& random) {
         const std::string saved = model->save();
         child[0].modified = 1;
         command(1002);
-        ASSERT_EQ(bytes(), saved);
+        ASSERT_EQ(bytes(), saved.empty() ? "\r\n" : saved);  // the load gives an empty file a line end
         model->load(saved);
         break;
     }

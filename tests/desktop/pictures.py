@@ -1,0 +1,136 @@
+#!/usr/bin/env python3
+"""Opens every dialog of the real program by its menu letters, keeps its picture for the manual, and closes it with Esc.
+
+    pictures.py --program hexlane --examples DIR --out DIR
+
+Fails when a dialog does not come up, does not have the keyboard, or does not go away. Small files: few colors are kept.
+"""
+
+import argparse
+import os
+import subprocess
+import sys
+
+from display import Display, Failure
+from editor import TITLE, Editor
+
+COLORS_KEPT = 96
+WINDOW_SIZE = (600, 430)  # pixels of the editor's window
+PAGE_WIDTH = 680  # pixels of a page of the manual; what is wider is made smaller
+MATCH_HEIGHT = 290  # pixels of the window that show the first match
+
+PARAMETERS = ("Communications Parameter Settings", ["alt+d", "p"])
+ADVANCED = ("Advanced Settings", ["alt+d"])
+
+# Name of the picture, the windows on the way to it as title and keys, what is typed there, keys behind it.
+DIALOGS = [
+    ("find", [("Find", ["alt+v", "f"])], "G43", []),
+    ("replace", [("FIND AND REPLACE", ["alt+e", "f"])], "M8\tM08", []),
+    ("move-to-row", [("MOVE TO ROW", ["alt+v", "r"])], "120", []),
+    ("move-to-line-number", [("MOVE TO LINE NUMBER", ["alt+v", "l"])], "190", []),
+    ("set-colors", [("Choose Variable Color", ["alt+v", "s"])], "g", []),
+    ("renumber", [("RENUMBER", ["alt+n", "r"])], "10\t10", []),
+    ("shift", [("SHIFT DIMENSIONS", ["alt+n", "s"])], "-2.5\t3", ["alt+z"]),
+    ("scale", [("SCALE DIMENSIONS", ["alt+n", "c"])], "25.4\t4", ["alt+x", "alt+y", "alt+z"]),
+    ("absolute-to-incremental", [("ABSOLUTE TO INCREMENTAL", ["alt+n", "a"])], "3", ["alt+x", "alt+y"]),
+    ("incremental-to-absolute", [("INCREMENTAL TO ABSOLUTE", ["alt+n", "i"])], "3", ["alt+x", "alt+y"]),
+    ("record-macro", [("Record Macro", ["alt+m", "r"])], "skip rows", []),
+    ("play-macro", [("Play Macro", ["F8"])], "", []),
+    ("parameters", [PARAMETERS], "", []),
+    ("advanced", [PARAMETERS, ADVANCED], "", []),
+    ("ascii-chart", [PARAMETERS, ADVANCED, ("ASCII Chart", ["alt+a"])], "", []),
+    ("activity", [("Communications Activity Screen", ["alt+d", "a"])], "", []),
+    ("about", [("About", ["alt+h", "a"])], "", []),
+]
+
+
+class Pictures(Editor):
+    """The editor, and the folder that its pictures go to."""
+
+    def __init__(self, display, arguments):
+        super().__init__(display, arguments.program, arguments.examples)
+        self.out = arguments.out
+        display.hand("windowsize", "--sync", self.window, *WINDOW_SIZE)
+        self.measure()
+
+    def keep(self, name, source, *crop):
+        """A window, or a part of the screen, with a thin edge and few colors."""
+        self.display.wait_still(f"the picture '{name}'")
+        path = os.path.join(self.out, name + ".png")
+        whole = path + ".whole.png"
+        subprocess.run(["import", "-window", source, *crop, whole], env=self.display.environment, check=True)
+        subprocess.run(["convert", whole, "-strip", "-bordercolor", "gray60", "-border", "1", "+dither",
+                        "-resize", f"{PAGE_WIDTH}x>", "-colors", str(COLORS_KEPT), "png8:" + path], check=True)
+        os.remove(whole)
+        print(f"{path}: {os.path.getsize(path)} bytes", flush=True)
+
+    def keep_with_dialog(self, name):
+        """The upper part of the window on the screen, and as much beside it as a page holds."""
+        self.display.hand("mousemove", "--window", self.window, 0, 0)
+        place = dict(line.split("=") for line in self.display.output("xdotool", "getmouselocation", "--shell").split())
+        self.keep(name, "root", "-crop", "{}x{}+{}+{}".format(PAGE_WIDTH - 2, MATCH_HEIGHT, place["X"], place["Y"]), "+repage")
+
+    def keep_dialog(self, name, way, text, keys):
+        for title, way_keys in way:
+            self.open(title, *way_keys)
+        if text:
+            self.display.type(text)
+        if keys:
+            self.display.key(*keys)
+        self.keep(name, self.display.output("xdotool", "getactivewindow").strip())
+        for title in [title for title, _ in way[-2::-1]] + [TITLE]:
+            self.open(title, "Escape")
+
+
+def keep_window(pictures):
+    pictures.keep("window", pictures.window)
+    pictures.drag((2, 5), (9, 8))
+    pictures.wait_marked_rows(5, 3)
+    pictures.keep("block", pictures.window)
+    pictures.close_block()
+    pictures.display.key("F7")
+    pictures.keep("nc-mode", pictures.window)
+    pictures.display.key("F7", "ctrl+Home")
+
+
+def keep_match(pictures):
+    pictures.open("Find", "alt+v", "f")
+    pictures.display.type("G43")
+    pictures.display.key("Return")
+    pictures.keep_with_dialog("match")
+    pictures.close("Escape")
+    pictures.display.key("ctrl+Home")
+
+
+def record_macro(pictures):
+    """One that does nothing, for the list of the dialogs."""
+    pictures.open("Record Macro", "alt+m", "r")
+    pictures.display.type("coolant off")
+    pictures.close("Return")
+    pictures.display.key("alt+m", "e")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--examples", required=True)
+    parser.add_argument("--out", required=True)
+    arguments = parser.parse_args()
+    os.makedirs(arguments.out, exist_ok=True)
+    with Display() as display:
+        try:
+            pictures = Pictures(display, arguments)
+            keep_window(pictures)
+            keep_match(pictures)
+            record_macro(pictures)
+            for dialog in DIALOGS:
+                pictures.keep_dialog(*dialog)
+        except Failure as failure:
+            display.picture(os.path.join(arguments.out, "failed.png"))
+            print(f"pictures: {failure}", file=sys.stderr)
+            return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,149 @@
+// The command Compare around its engine: what it refuses, what it tells, and what it leaves behind.
+
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "compare/compare.h"
+#include "dnc/transfer_state.h"
+#include "frame/child.h"
+#include "frame/directories.h"
+#include "platform/posix/file_faults.h"
+#include "platform/scripted/message_queue.h"
+#include "platform/scripted/test_hooks.h"
+#include "support/program_test.h"
+
+namespace hexlane {
+namespace {
+
+namespace fs = std::filesystem;
+using platform::answer_box;
+using platform::answer_file_dialog;
+using platform::shown_boxes;
+using platform::shown_lines;
+
+constexpr int COMPARE = 1006;
+
+class CompareCommandTest : public ProgramTest {
+protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        start_with("A\r\nB\r\nC\r\n");
+        write("right.nc", "A\r\nX\r\nC\r\n");
+    }
+    void TearDown() override {
+        EXPECT_EQ(platform::unused_answers(), 0);
+        ProgramTest::TearDown();
+    }
+
+    bool was_shown(const std::string& line) const {
+        return std::find(shown_lines().begin(), shown_lines().end(), line) != shown_lines().end();
+    }
+};
+
+TEST_F(CompareCommandTest, AFileInUseByATransferIsRefused) {
+    platform::copy_text(transfer_state[1].file_name, PATH_SIZE, path("right.nc").c_str());
+    transfer_state[1].status = RECEIVING;
+    answer_file_dialog(path("right.nc").c_str());
+    answer_box("OK");
+    platform::cancel_file_dialog();
+    command(COMPARE);
+    transfer_state[1].status = PORT_IDLE;
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    EXPECT_EQ(shown_boxes()[0].text, "You cannot compare with an active file");
+    EXPECT_EQ(shown_boxes()[0].title, "Communications Error");
+}
+
+TEST_F(CompareCommandTest, OnlyTheListStaysUntilTheEndOfTheProgram) {
+    set_row(1, "EDITED");
+    answer_file_dialog(path("right.nc").c_str());
+    answer_box("Compare");
+    answer_box("EXIT");
+    command(COMPARE);
+    EXPECT_TRUE(child[0].modified);
+    EXPECT_NE(path("part.nc"), child[0].compare_path);
+    EXPECT_FALSE(fs::exists(child[0].compare_path));
+    const std::string list = std::string(directories.temp_dir) + "/" + directories.temp_prefix + "tmpx.twr";
+    EXPECT_TRUE(fs::exists(list));
+    cleanup_temp_files();
+    EXPECT_FALSE(fs::exists(list));
+}
+
+TEST_F(CompareCommandTest, AFileThatChangesIsToldOnce) {
+    answer_file_dialog(path("right.nc").c_str());
+    platform::act_at_pump(2, [this] { fs::resize_file(path("right.nc"), 2); });
+    answer_box("Compare");
+    answer_box("OK");
+    answer_box("SEARCH FWD");
+    answer_box("SEARCH FWD");
+    answer_box("EXIT");
+    command(COMPARE);
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    EXPECT_NE(shown_boxes()[0].text.find("right.nc has been changed"), std::string::npos);
+    EXPECT_EQ(shown_boxes()[0].title, "Compare");
+}
+
+// Equal as far as they were compared, but no longer what was compared.
+TEST_F(CompareCommandTest, FilesThatChangeAreNotCalledIdentical) {
+    write("right.nc", "A\r\nB\r\nC\r\n");
+    answer_file_dialog(path("right.nc").c_str());
+    platform::act_at_pump(2, [this] { fs::resize_file(path("right.nc"), 1); });
+    answer_box("Compare");
+    answer_box("OK");
+    command(COMPARE);
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    EXPECT_EQ(shown_boxes()[0].text.find("Files are identical"), std::string::npos);
+}
+
+TEST_F(CompareCommandTest, AListThatCannotBeStoredEndsTheCompare) {
+    answer_file_dialog(path("right.nc").c_str());
+    ASSERT_TRUE(platform::arm_file_faults_from_text("fail write 1 ENOSPC tmpx.twr"));
+    answer_box("Compare");
+    answer_box("OK");
+    command(COMPARE);
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    EXPECT_NE(shown_boxes()[0].text.find("no space"), std::string::npos);
+    EXPECT_FALSE(was_shown("view IDD_SCRCOMP \"Compare Results\""));
+}
+
+TEST_F(CompareCommandTest, TheReportIsPrivateAndGoesBehindTheJob) {
+    const std::string folder = home + "/reports";
+    fs::create_directory(folder);
+    setenv("TMP", folder.c_str(), 1);
+    int reports = 0;
+    platform::act_at_pump(6, [&] {
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            struct stat status = {};
+            ASSERT_EQ(stat(entry.path().c_str(), &status), 0);
+            EXPECT_EQ(status.st_mode & 0777U, 0600U);
+            EXPECT_EQ(entry.path().filename().string().substr(0, 2), "DX");
+            reports++;
+        }
+    });
+    answer_file_dialog(path("right.nc").c_str());
+    answer_box("Compare");
+    answer_box("PRINT RESULTS");
+    answer_box("OK");
+    command(COMPARE);
+    unsetenv("TMP");
+    EXPECT_EQ(reports, 1);
+    EXPECT_TRUE(fs::is_empty(folder));
+    EXPECT_TRUE(was_shown("print job \"Compare Results\""));
+    EXPECT_TRUE(was_shown("print end"));
+}
+
+TEST_F(CompareCommandTest, AReportThatCannotBeWrittenIsNotPrinted) {
+    answer_file_dialog(path("right.nc").c_str());
+    answer_box("Compare");
+    answer_box("PRINT RESULTS");
+    answer_box("OK");
+    answer_box("OK");
+    ASSERT_TRUE(platform::arm_file_faults_from_text("fail write 1 ENOSPC DX"));
+    command(COMPARE);
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    EXPECT_EQ(shown_boxes()[0].text, "Cannot print compare results");
+    EXPECT_FALSE(was_shown("print job \"Compare Results\""));
+}
+
+}  // namespace
+}  // namespace hexlane
