@@ -95,11 +95,11 @@ struct TransferState {
     uint8_t xoff_char;                                     // from the machine [lock]
 
     // Of this transfer beyond what the filters need.
-    int16_t prepared;  // the first buffer is filled: the machine's request may be taken [lock]
-    int32_t transfer_number;           // goes with TRANSFER_DONE_MESSAGE [lock]
-    int32_t file_count;                // bytes in the file buffer [lock]
-    int32_t carry_count;               // bytes of carry_buffer that wait for the next fill [lock]
-    int64_t received_length;           // bytes in the file being received [lock]
+    int16_t prepared;         // the first buffer is filled: the machine's request may be taken [lock]
+    int32_t transfer_number;  // goes with TRANSFER_DONE_MESSAGE [lock]
+    int32_t file_count;       // bytes in the file buffer [lock]
+    int32_t carry_count;      // bytes of carry_buffer that wait for the next fill [lock]
+    int64_t received_length;  // bytes in the file being received [lock]
     platform::FileStamp source_stamp;  // what the file was when the send was prepared [lock]
     platform::FileError fault_error;   // why, for CANNOT_READ and CANNOT_WRITE [lock]
     std::atomic<TransferFault> fault;  // [lock]

@@ -147,8 +147,8 @@ void step_receive(int slot) {
     } while (count > 0);
 }
 
-// While a queued send stands by: DC1 is the machine's request, any other byte is dropped. A request that comes ahead
-// of the preparation waits in the queue.
+// While a queued send stands by: DC1 is the machine's request, any other byte is dropped. A request that
+// comes ahead of the preparation waits in the queue.
 void step_standby(int slot) {
     if (!transfer_state[slot].prepared)
         return;

@@ -19,7 +19,7 @@ PAGE_ROWS = 49  # rows of the document on the first page
 def make_changed_copy(editor):
     """A row changed in its third word, one put in, and one taken out. Gives the file and the three places."""
     rows = editor.original.splitlines(keepends=True)
-    rows[12] = rows[12].replace(b"F", b"F9", 1)
+    rows[13] = rows[13].replace(b"F", b"F9", 1)
     rows.insert(30, b"M0 (PUT IN)\r\n")
     del rows[61]
     path = os.path.join(editor.display.scratch, "changed.nc")

@@ -8,15 +8,18 @@ is received. A third file is edited and saved meanwhile. At the end the files ar
 import argparse
 import os
 import shutil
+import signal
 import subprocess
 import sys
+import tty
 
 from display import Display, Failure, check, wait_for
 
 TITLE = "Hexlane NC Editor and DNC Communications"
 ACTIVITY = "Communications Activity Screen"
+PUNCHED_SIZE = 20000  # bytes: at 9600 bits a second 20 seconds, and 15 of silence end the receive
 PARAMETERS = "Communications Parameter Settings"
-COMPLETE = "Communications"  # title of the box at a transfer's end, and of the view Terminate
+COMMUNICATIONS = "Communications"  # the box at a transfer's end, and the view Terminate
 
 
 def read(path):
@@ -24,6 +27,38 @@ def read(path):
         return b""
     with open(path, "rb") as file:
         return file.read()
+
+
+def write(path, data):
+    with open(path, "wb") as file:
+        file.write(data)
+
+
+class Pty:
+    """A machine that this test plays itself: the other end of a pty, with a link to it."""
+
+    def __init__(self, link):
+        self.master, slave = os.openpty()
+        tty.setraw(slave)
+        if os.path.islink(link):
+            os.unlink(link)
+        os.symlink(os.ttyname(slave), link)
+        os.close(slave)
+        os.set_blocking(self.master, False)
+        self.seen = b""
+
+    def write(self, data):
+        os.write(self.master, data)
+
+    def read_so_far(self):
+        try:
+            self.seen += os.read(self.master, 4096)
+        except OSError:  # nothing yet, or nobody has the other end open
+            pass
+        return self.seen
+
+    def close(self):
+        os.close(self.master)
 
 
 class Shop:
@@ -39,8 +74,14 @@ class Shop:
         self.edited_file = self.example("pocket-plate.nc")
         self.ports = [os.path.join(display.scratch, name) for name in ("mill", "lathe")]
         self.environment = {"HEXLANE_HOME": self.home, "HEXLANE_COM1": self.ports[0], "HEXLANE_COM2": self.ports[1]}
-        self.set_machine(1, "name=MILL", "protocol=heidenhain", "baud=19200", "data_bits=8")
-        self.set_machine(2, "name=LATHE", "baud=9600", "data_bits=8", "port=COM2")
+        self.set_machine(1, "name=MILL", "protocol=heidenhain", "baud=9600", "data_bits=8")
+        self.set_machine(2, "name=LATHE", "baud=9600", "data_bits=8", "port=COM2", "receive_timeout_s=15")
+        self.loaded_file = self.scratch("loaded.nc")
+        self.received_file = self.scratch("received.nc")
+        self.punched_file = self.scratch("punched.nc")
+        write(self.punched_file, read(os.path.join(options.examples, "bowl-finish.nc"))[:PUNCHED_SIZE])
+        self.mill = self.control(0, "--receive", self.loaded_file, "--protocol", "heidenhain", "--rate", "9600")
+        self.lathe = self.control(1, "--send", self.punched_file, "--rate", "9600")
         self.program = display.start([options.program, self.edited_file], env=self.environment)
         display.wait_active(TITLE)
 
@@ -60,6 +101,10 @@ class Shop:
                                      stdout=subprocess.DEVNULL)
         wait_for("the pty of the control", lambda: os.path.exists(self.ports[slot]))
         return control
+
+    def hold_mill(self, held):
+        """Stops the mill's process, so that it answers no block: a send lasts as long as this run needs it."""
+        self.mill.send_signal(signal.SIGSTOP if held else signal.SIGCONT)
 
     # ---- Screens ---------------------------------------------------------------------------------------
 
@@ -116,9 +161,9 @@ def choose_a_block(shop):
     shop.open("Select Send Start Point", "alt+s")
     shop.press("Down", "Down", "Next")
     shop.open("Search For", "alt+s")
-    shop.press("alt+r")
-    shop.picture("search-for")
+    shop.press("alt+r", "Tab")
     display.type("40")
+    shop.picture("search-for")
     shop.open("Select Send Start Point", "Return")
     shop.click(0.3, 0.35)
     shop.click(0.3, 0.40, button=3)
@@ -127,7 +172,7 @@ def choose_a_block(shop):
     shop.open("Send Properties", "Return")
 
 
-def start_both(shop):
+def send_from_the_block(shop):
     display = shop.display
     shop.open(ACTIVITY, "alt+d", "a")
     shop.picture("activity")
@@ -138,8 +183,100 @@ def start_both(shop):
     choose_a_block(shop)
     shop.press("alt+n")
     shop.open(ACTIVITY, "Return")
-    shop.press("Tab", "Tab", "Tab")           # from the upper row's Send to the machine of the lower row
-    shop.picture("focus")
+    shop.hold_mill(True)                      # it answers when this run has seen the rest
+
+
+def receive_on_the_other_port(shop):
+    """The lower row gets its machine by mouse, in the list that drops down."""
+    display = shop.display
+    shop.click(0.07, 0.62)
+    display.wait_still("the list of machines", still=2)
+    shop.picture("machine-list")
+    shop.press("Home", "Down", "Return")
+    display.key("alt+c")
+    shop.answer_file_dialog("Select File to Receive", shop.received_file)
+    display.wait_active(ACTIVITY)
+    wait_for("bytes from the lathe", lambda: len(read(shop.received_file)) > 0)
+    shop.hold_mill(False)
+    shop.click(0.5, 0.35, button=0)           # the pointer rests on the upper row
+    display.wait_still("the tip of the upper row", still=8)
+    shop.picture("both-rows")
+    shop.hold_mill(True)
+
+
+def edit_meanwhile(shop):
+    """Return to Editor by mouse, then typing, saving, minimising and coming back, with both ports at work."""
+    display = shop.display
+    shop.click(0.5, 0.85)
+    display.wait_active(TITLE)
+    display.type("(EDITED WHILE TWO PORTS ARE AT WORK)")
+    display.key("Return", "ctrl+s")
+    wait_for("the edited file", lambda: read(shop.edited_file).startswith(b"(EDITED WHILE TWO PORTS ARE AT WORK)\r\n"))
+    shop.picture("editing")
+    display.hand("search", "--onlyvisible", "--name", f"^{TITLE}$", "windowminimize")
+    wait_for("the window to be minimised", lambda: display.count_shown(TITLE) == 0)
+    check("a second start ends well", display.start([shop.options.program], env=shop.environment).wait(60) == 0)
+    display.wait_active(TITLE)
+    check("the send still goes on", shop.mill.poll() is None and not read(shop.loaded_file))
+
+
+def hold_the_end(shop):
+    """The close box while ports are at work: the program stays."""
+    display = shop.display
+    shop.open(COMMUNICATIONS, "alt+F4")
+    shop.picture("terminate")
+    shop.open(TITLE, "Escape")
+
+
+def see_the_ends(shop):
+    """The receive ends by silence, the send by the file's end, in an order of their own."""
+    display = shop.display
+    shop.hold_mill(False)
+    for number in (1, 2):
+        display.wait_active(COMMUNICATIONS)
+        shop.picture(f"complete-{number}")
+        display.key("Return")
+        wait_for("the box to go", lambda: display.active_title().strip() == TITLE)
+    shop.open(ACTIVITY, "alt+d", "a")
+    shop.picture("both-done")
+    check(f"the mill is content: {shop.mill.wait(60)}", shop.mill.returncode == 0)
+    loaded = read(shop.loaded_file)
+    whole = read(shop.sent_file)
+    check("what the mill has loaded is the end of the program", 0 < len(loaded) < len(whole) and whole.endswith(loaded))
+    check("it begins with a row", whole[:-len(loaded)].endswith(b"\r\n"))
+    check("what was received is what the lathe has punched", read(shop.received_file) == read(shop.punched_file))
+    lines = read(os.path.join(shop.home, "transfers.log")).decode().splitlines()
+    check(f"two receipts: {lines}", len(lines) == 2 and all(line.endswith("result complete") for line in lines))
+
+
+def talk_to_the_machine(shop):
+    """The Terminal button, on a pty that this test holds the other end of."""
+    display = shop.display
+    machine = Pty(shop.ports[0])
+    shop.open(f"Hexlane Terminal - MILL", "alt+m")
+    machine.write(b"\x02N10 G0 X1\r\n\x17\x06READY\r\n")
+    display.type("G1 X5")
+    display.key("Return")
+    wait_for("the typed text at the machine", lambda: machine.read_so_far() == b"G1 X5\r\n")
+    shop.picture("terminal")
+    shop.press("alt+h")
+    shop.picture("terminal-hexadecimal")
+    machine.close()
+    shop.picture("terminal-gone")
+    display.key("alt+F4")
+    display.wait_active(ACTIVITY)
+
+
+def end_quietly(shop):
+    shop.open(TITLE, "Escape")
+    shop.display.key("alt+F4")
+    code = shop.program.wait(60)
+    check(f"exit code {code}", code == 0)
+    check("temporary files are gone", os.listdir(os.path.join(shop.home, "ZOLT", "ZOLTTMP")) == [])
+
+
+STEPS = (look_at_parameters, send_from_the_block, receive_on_the_other_port, edit_meanwhile, hold_the_end,
+         see_the_ends, talk_to_the_machine, end_quietly)
 
 
 def main():
@@ -151,9 +288,7 @@ def main():
     with Display() as display:
         try:
             shop = Shop(display, options)
-            shop.control(0, "--receive", shop.scratch("loaded.nc"), "--protocol", "heidenhain", "--rate", "19200")
-            shop.control(1, "--send", shop.scratch("pocket-plate.nc"), "--rate", "9600")
-            for step in (look_at_parameters, start_both):
+            for step in STEPS:
                 step(shop)
                 print(f"{step.__name__}: good", flush=True)
         except Failure as failure:

@@ -86,8 +86,9 @@ void reset_line(Line& line) {
     line.sending = {};
 }
 
-// Output is dropped only while a write runs. Behind its end nothing should wait any more, and where the driver cannot
-// tell (a pty whose other side reads slowly) what still waits belongs to a transfer that counts as complete.
+// Output is dropped only while a write runs. Behind its end nothing should wait any more, and where the
+// driver cannot tell (a pty whose other side reads slowly) what still waits belongs to a transfer that counts
+// as complete.
 void drop_everything(Line& line) {
     const bool writing = line.sending.running;
     stop_write(line);

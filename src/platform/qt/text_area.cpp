@@ -247,6 +247,8 @@ void TextArea::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) {
         button_down = true;
         send_mouse(WM_LBUTTONDOWN, event);
+    } else if (event->button() == Qt::RightButton && target.pane != 0) {
+        send_mouse(WM_RBUTTONDOWN, event);
     }
 }
 
@@ -259,6 +261,8 @@ void TextArea::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && button_down) {
         button_down = false;
         send_mouse(rect().contains(event->position().toPoint()) ? WM_LBUTTONUP : WM_NCLBUTTONUP, event);
+    } else if (event->button() == Qt::RightButton && target.pane != 0) {
+        send_mouse(WM_RBUTTONUP, event);
     }
 }
 

@@ -373,6 +373,17 @@ void name_control(View* view, int index) {
     }
 }
 
+// Tab comes to a group's chosen button alone; arrows and letters lead to the others.
+QButtonGroup* make_radio_group(View* view) {
+    auto* group = new QButtonGroup(view->window);
+    QObject::connect(group, &QButtonGroup::buttonToggled, group, [group](QAbstractButton* chosen, bool on) {
+        for (QAbstractButton* button : on ? group->buttons() : QList<QAbstractButton*>()) {
+            button->setFocusPolicy(button == chosen ? Qt::StrongFocus : Qt::ClickFocus);
+        }
+    });
+    return group;
+}
+
 void group_radio_buttons(View* view) {
     QButtonGroup* group = nullptr;
     for (int i = 0; i < view->spec->control_count; i++) {
@@ -380,7 +391,7 @@ void group_radio_buttons(View* view) {
             continue;
         }
         if (group == nullptr || spec_of(view, i).flags & CONTROL_GROUP) {
-            group = new QButtonGroup(view->window);
+            group = make_radio_group(view);
         }
         group->addButton(static_cast<QRadioButton*>(view->controls[static_cast<std::size_t>(i)]));
     }

@@ -246,13 +246,15 @@ TEST_F(FaultTest, ARowThatCannotBeReadIsNotOverwrittenByAnEmptyOne) {
 }
 
 TEST_F(FaultTest, AJoinThatTookTheRowOutKeepsItsTextWithoutAnEndRow) {
-    start_with("A\r\nB\r\nC\r\n" + repeated('d', 300) + "\r\n");
-    answer_other_boxes("OK");
-    delete_rows(4, 1);  // a row of text is the last one now, and the row in front of it
-    set_row(2, repeated('c', 254));
     bool fired = true;
-    for (int n = 1; fired; n++) {
+    for (int n = 1; fired && n < 200; n++) {
         SCOPED_TRACE(n);
+        TearDown();
+        SetUp();
+        start_with("A\r\nB\r\nC\r\n" + repeated('d', 300) + "\r\n");
+        answer_other_boxes("OK");
+        delete_rows(4, 1);  // a row of text is the last one now
+        set_row(2, repeated('c', 254));
         fail_file_call(FileCall::ANY, n, EIO);
         fetch_row(0);
         join_rows(0);
@@ -262,12 +264,8 @@ TEST_F(FaultTest, AJoinThatTookTheRowOutKeepsItsTextWithoutAnEndRow) {
         edits_allowed();
         const std::vector<std::string> found = rows();
         ASSERT_TRUE(found[0] == "AB" || (found[0] == "A" && found[1] == "B")) << found[0] << " " << found[1];
-        if (found[0] == "AB") {
-            split_row(0, 1);
-            while (child[0].last_file_row > 3)
-                delete_rows(4, 1);
-        }
     }
+    EXPECT_FALSE(fired);
 }
 
 TEST_F(FaultTest, AFailedEditLeavesTheTableAsItWas) {
