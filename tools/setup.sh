@@ -8,13 +8,13 @@ set -euo pipefail
 #   build    compile the programs, tests and benchmarks
 #   desktop  compile and show the window
 #   display  show it where there is no screen: virtual display, small window manager, keys and pictures
-#   test     clang for the fuzzers, the formatter, and a peer for serial lines
+#   test     clang for the fuzzers, the formatter, a peer for serial lines, and a reader of PDF files
 packages() {
     cat <<'LIST'
 build    cmake ninja-build g++ ccache python3 libgtest-dev libbenchmark-dev
 desktop  qt6-base-dev fonts-dejavu-core
 display  xvfb xauth openbox xdotool x11-utils imagemagick
-test     clang libclang-rt-dev clang-format socat
+test     clang libclang-rt-dev clang-format socat poppler-utils
 LIST
 }
 

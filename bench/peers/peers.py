@@ -20,6 +20,8 @@ import subprocess
 import sys
 import time
 
+import line
+
 TOP = pathlib.Path(__file__).resolve().parents[2]
 DATA = TOP / 'build' / 'bench-data'
 SCREEN_ROWS = 26  # rows of text that the default window of 80 by 28 cells shows
@@ -318,6 +320,10 @@ def main():
     measure_utilities(table, program, big)
     measure_search(table, program, big)
     measure_blocks(table, program, big, 4000000 // scale)
+    programs = pathlib.Path(program).parent
+    line_file = make_program(DATA / f'{name}line.nc', size=20000000 // scale)
+    line.measure_line(table, programs / 'hexlane-cli', programs / 'hexlane-bench', line_file,
+                      2000 // scale)
     print(f'Memory: opening {size_text(big)} takes {memory[big] - memory[small]:.1f} MB more than {size_text(small)} '
           '(at most 4).')
 

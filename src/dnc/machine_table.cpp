@@ -24,6 +24,7 @@ void read_records(FileHandle file) {
                                             &machine_table[i], sizeof machine_table[i]);
         if (length <= 0)
             return;
+        machine_table[i].name[MACHINE_NAME_SIZE - 1] = '\0';  // a damaged file may lack it
         uint8_t& xoff = machine_table[i].xoff_char;
         if (xoff != XOFF_DEFAULT && xoff != XOFF_EIA_ALTERNATE)
             xoff = XOFF_DEFAULT;

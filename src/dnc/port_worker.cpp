@@ -18,6 +18,7 @@ using namespace platform;
 namespace {
 
 int eob_delay(int slot) {
+    const LockGuard guard(port_slot[slot].step_lock);
     return machine_setting(machine_of_slot(slot), Field::EOB_DELAY_MS);
 }
 
@@ -97,9 +98,10 @@ bool note_written(int slot) {
 void line_has_gone(int slot) {
     TransferState& t = transfer_state[slot];
     const LockGuard guard(port_slot[slot].step_lock);
+    if (!slot_is_busy(slot))
+        return;  // a transfer that is complete stays so, whoever hangs up behind it
     t.fault = TransferFault::LINE_GONE;
-    if (slot_is_busy(slot))
-        t.status = PORT_IDLE;
+    t.status = PORT_IDLE;
     post_message(child[0].main_window, TRANSFER_FAILED_MESSAGE, slot, t.transfer_number);
 }
 

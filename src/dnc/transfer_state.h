@@ -33,9 +33,9 @@ constexpr uint8_t ETB = 0x17;
 //   SENDING -> SEND_DONE: the file has gone out (transfer_step)
 //   PORT_IDLE -> RECEIVE_STANDBY: a receive is prepared (prepare_receive)
 //   RECEIVE_STANDBY -> RECEIVING: the first byte (the worker)
-//   RECEIVING -> RECEIVE_DONE: silence (check_receive_timeout), or bytes that cannot be written
-//   (transfer_step) SEND_DONE, RECEIVE_DONE -> PORT_IDLE: the port is opened again (port_open) any ->
-//   PORT_IDLE: Stop, or the line has gone
+//   RECEIVING -> RECEIVE_DONE: silence (check_receive_timeout), or a full disk (transfer_step)
+//   SEND_DONE, RECEIVE_DONE -> PORT_IDLE: the port is opened again (port_open)
+//   any -> PORT_IDLE: Stop, or the line has gone
 constexpr int8_t PORT_IDLE = 0;
 constexpr int8_t SEND_DONE = 10;
 constexpr int8_t SENDING = 11;

@@ -10,6 +10,7 @@
 #include "platform/clock.h"
 #include "platform/desktop.h"
 #include "platform/threads.h"
+#include "store/replace_file.h"
 
 #include <cstring>
 
@@ -205,6 +206,8 @@ int prepare_send(int slot) {
         t.file_count = 0;
         t.carry_count = 0;
         t.source_count = 0;
+        t.block_count = 0;
+        t.block_check = 0;
         t.last_buffer = 0;
         t.fill_done = 0;
         t.end_sent = 0;
@@ -249,12 +252,18 @@ void begin_sending(int slot) {
 int prepare_receive(int slot) {
     TransferState& t = transfer_state[slot];
     const LockGuard guard(port_slot[slot].step_lock);
-    // A file of the user's that has this name goes first; a new one is made, so that links are not followed.
-    if (path_kind(t.file_name) != PathKind::NONE && !delete_file(t.file_name))
+    // The new file is made beside the old one and takes its place in one step, so that the old one stays when
+    // no new one can be made.
+    Replacement output;
+    if (!begin_replacement(&output, t.file_name))
         return 0;
-    t.file_handle = file_create(t.file_name, FileCreate::NEW);
-    if (t.file_handle == NO_FILE)
+    if (!file_adopt_mode(output.file, NO_FILE) || !rename_file(output.output, output.target)) {
+        const FileError reason = last_file_error();
+        abandon_replacement(&output);
+        set_last_file_error(reason);
         return 0;
+    }
+    t.file_handle = output.file;
     begin_transfer(t);
     t.received_length = 0;
     port_slot[slot].last_in_queue = 0;

@@ -26,12 +26,13 @@ namespace {
 
 constexpr int16_t MINIMIZE_BUTTON = 1;
 constexpr int16_t CANCEL_BUTTON = 2;
+constexpr uint16_t TEXT_WIDTH = 60;  // characters
 
 constexpr ControlSpec TERMINATE_CONTROLS[] = {
     {101, ControlKind::TEXT,
      "Communications are active. Select Minimize to allow communications to continue in the background. "
      "Select Cancel to return to editor.",
-     0, 0, 1, 2, 0, 0, nullptr},
+     0, 0, 1, 2, TEXT_WIDTH, 0, nullptr},
     {MINIMIZE_BUTTON, ControlKind::BUTTON, "&Minimize", 1, 0, 1, 1, 0, CONTROL_DEFAULT | CONTROL_CENTERED,
      nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 1, 1, 1, 1, 0, CONTROL_CANCEL | CONTROL_CENTERED, nullptr},

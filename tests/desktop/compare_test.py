@@ -38,7 +38,9 @@ def answer_pdf_dialog(editor, name):
     editor.display.type(os.path.join(editor.display.scratch, name))
     editor.display.key("Return")
     editor.display.wait_active(TITLE)
-    return os.path.join(editor.display.scratch, name + ".pdf")
+    pdf = os.path.join(editor.display.scratch, name + ".pdf")
+    wait_for("the PDF file", lambda: os.path.exists(pdf))
+    return pdf
 
 
 def shows_mark(editor):
@@ -128,9 +130,7 @@ def main():
         try:
             editor = Editor(display, arguments.program, arguments.examples)
             changed = make_changed_copy(editor)
-            print("started", flush=True)
             check_identical(editor)
-            print("identical", flush=True)
             check_compare(editor, changed, keep_picture)
             check_report(editor, changed)
             check_print(editor)

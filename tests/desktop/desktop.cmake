@@ -25,4 +25,20 @@ add_test(NAME desktop.dialogs COMMAND ${keep_pictures} ${pictures}/manual)
 add_custom_target(docs_pictures COMMAND ${keep_pictures} ${PROJECT_SOURCE_DIR}/docs/pictures VERBATIM)
 add_dependencies(docs_pictures hexlane)
 
-set_tests_properties(desktop.messages desktop.program desktop.dialogs PROPERTIES TIMEOUT 600)
+# Two ports at work while editing goes on, against two simulated controls; and the terminal, which lies beside the
+# program.
+add_test(NAME desktop.transfers
+         COMMAND Python3::Interpreter ${desktop}/desktop_transfers.py --program $<TARGET_FILE:hexlane>
+                 --cli $<TARGET_FILE:hexlane-cli> --simulator $<TARGET_FILE:control-simulator>
+                 --examples ${PROJECT_SOURCE_DIR}/examples --pictures ${pictures})
+
+set_tests_properties(desktop.messages desktop.program desktop.dialogs desktop.transfers PROPERTIES TIMEOUT 600)
+
+# Compare and Print, into PDF files, and through a print service of the test's own where one can be set up.
+add_test(NAME desktop.compare
+         COMMAND Python3::Interpreter ${desktop}/compare_test.py --program $<TARGET_FILE:hexlane>
+                 --examples ${PROJECT_SOURCE_DIR}/examples --pictures ${pictures})
+add_test(NAME desktop.print
+         COMMAND Python3::Interpreter ${desktop}/print_test.py --program $<TARGET_FILE:hexlane>
+                 --examples ${PROJECT_SOURCE_DIR}/examples --pictures ${pictures})
+set_tests_properties(desktop.compare desktop.print PROPERTIES TIMEOUT 600 SKIP_RETURN_CODE 77)

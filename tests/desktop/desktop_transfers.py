@@ -81,7 +81,8 @@ class Shop:
         self.punched_file = self.scratch("punched.nc")
         write(self.punched_file, read(os.path.join(options.examples, "bowl-finish.nc"))[:PUNCHED_SIZE])
         self.mill = self.control(0, "--receive", self.loaded_file, "--protocol", "heidenhain", "--rate", "9600")
-        self.lathe = self.control(1, "--send", self.punched_file, "--rate", "9600")
+        self.lathe = self.control(1, "--send", self.punched_file, "--rate", "9600", "--start-key", "--idle", "60000",
+                                  stdin=subprocess.PIPE)
         self.program = display.start([options.program, self.edited_file], env=self.environment)
         display.wait_active(TITLE)
 
@@ -95,10 +96,10 @@ class Shop:
         subprocess.run([self.options.cli, "machines", "set", str(number), *settings], check=True,
                        env=dict(os.environ, **self.environment), stdout=subprocess.DEVNULL)
 
-    def control(self, slot, *options):
+    def control(self, slot, *options, **streams):
         """A control on the pty of that slot. Its options as control-simulator takes them."""
         control = self.display.start([self.options.simulator, "--link", self.ports[slot], *options],
-                                     stdout=subprocess.DEVNULL)
+                                     stdout=subprocess.DEVNULL, **streams)
         wait_for("the pty of the control", lambda: os.path.exists(self.ports[slot]))
         return control
 
@@ -196,6 +197,9 @@ def receive_on_the_other_port(shop):
     display.key("alt+c")
     shop.answer_file_dialog("Select File to Receive", shop.received_file)
     display.wait_active(ACTIVITY)
+    wait_for("the file of the receive", lambda: os.path.exists(shop.received_file))
+    shop.lathe.stdin.write(b"\n")             # the operator of the lathe presses its start key
+    shop.lathe.stdin.flush()
     wait_for("bytes from the lathe", lambda: len(read(shop.received_file)) > 0)
     shop.hold_mill(False)
     shop.click(0.5, 0.35, button=0)           # the pointer rests on the upper row
@@ -281,7 +285,7 @@ STEPS = (look_at_parameters, send_from_the_block, receive_on_the_other_port, edi
 
 def main():
     parser = argparse.ArgumentParser()
-    for name in ("program", "cli", "simulator", "terminal", "examples", "pictures"):
+    for name in ("program", "cli", "simulator", "examples", "pictures"):
         parser.add_argument("--" + name, required=True)
     options = parser.parse_args()
     os.makedirs(options.pictures, exist_ok=True)

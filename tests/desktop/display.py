@@ -69,7 +69,9 @@ class Display:
 
     def _start_server(self):
         reading, writing = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", self.size + "x24", "-wr", "-nolisten", "tcp"],
+        # Without -noreset the server starts afresh when its only client goes, and refuses one that comes just then.
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", self.size + "x24", "-wr", "-noreset",
+                    "-nolisten", "tcp"],
                    pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as pipe:

@@ -54,7 +54,7 @@ int run(const Options& options) {
     catch_signals();
     std::printf("line: %s\n", line.name.c_str());
     std::fflush(stdout);
-    Session session{options, line, log};
+    Session session(options, line, log);
     reason = play(&session, line_bytes, program_bytes);
     close_line(&line);
     if (!close_log(&log) && reason.empty())

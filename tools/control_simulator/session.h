@@ -16,15 +16,18 @@ namespace simulator {
 enum class End : uint8_t { NOT_YET, CLOSED, SILENCE, NOTHING_CAME, HUNG_UP, STOPPED, LINE_FAILED };
 
 struct Session {
+    Session(const Options& asked, Line& open_line, Log& open_log)
+        : options(asked), line(open_line), log(open_log) {}
+
     const Options& options;
     Line& line;
     Log& log;
-    Findings findings = {};
+    Findings findings;
     End end = End::NOT_YET;
 
-    std::deque<uint8_t> bytes = {};  // came in and not taken yet
-    std::string out = {};            // control characters that wait to be written
-    std::deque<int64_t> answers_due = {};
+    std::deque<uint8_t> bytes;  // came in and not taken yet
+    std::string out;            // control characters that wait to be written
+    std::deque<int64_t> answers_due;
     int64_t answer_count = 0;  // those left out too
     int64_t answered_at = 0;   // line bytes that had come when the last answer went out
 

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include <QGuiApplication>
+
 #include "platform/qt/main_window.h"
 #include "platform/qt/pointer.h"
 
@@ -34,9 +36,15 @@ ModalScope::ModalScope(QDialog* dialog) : shown(dialog) {
     shown->setWindowModality(Qt::ApplicationModal);
 }
 
+// A window manager may look for the next window to have the keyboard among those that go in the same moment, and
+// then gives it to none.
 ModalScope::~ModalScope() {
+    const bool has_keyboard = QGuiApplication::applicationState() == Qt::ApplicationActive;
     shown->hide();
     std::erase(modals, shown);
+    if (QWidget* behind = modal_parent(); behind != nullptr && has_keyboard) {
+        behind->activateWindow();
+    }
     if (modals.empty()) {
         resume_wait_pointer();
         if (MainWindow* window = main_window()) {

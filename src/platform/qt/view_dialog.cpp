@@ -140,6 +140,7 @@ private:
 
 QWidget* make_label(const ControlSpec& spec) {
     auto* label = new QLabel(QString::fromUtf8(spec.label));
+    label->setWordWrap(spec.width > 0 && label->text().length() > spec.width);
     if (spec.flags & CONTROL_SUNKEN) {
         label->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
     }
@@ -374,13 +375,20 @@ void name_control(View* view, int index) {
 }
 
 // Tab comes to a group's chosen button alone; arrows and letters lead to the others.
+void lead_tab_to(const QAbstractButton* chosen, const QButtonGroup* group) {
+    for (QAbstractButton* button : group->buttons()) {
+        button->setFocusPolicy(button == chosen ? Qt::StrongFocus : Qt::ClickFocus);
+    }
+}
+
 QButtonGroup* make_radio_group(View* view) {
     auto* group = new QButtonGroup(view->window);
-    QObject::connect(group, &QButtonGroup::buttonToggled, group, [group](QAbstractButton* chosen, bool on) {
-        for (QAbstractButton* button : on ? group->buttons() : QList<QAbstractButton*>()) {
-            button->setFocusPolicy(button == chosen ? Qt::StrongFocus : Qt::ClickFocus);
-        }
-    });
+    QObject::connect(group, &QButtonGroup::buttonToggled, group,
+                     [group](QAbstractButton* button, bool chosen) {
+                         if (chosen) {
+                             lead_tab_to(button, group);
+                         }
+                     });
     return group;
 }
 
@@ -394,6 +402,9 @@ void group_radio_buttons(View* view) {
             group = make_radio_group(view);
         }
         group->addButton(static_cast<QRadioButton*>(view->controls[static_cast<std::size_t>(i)]));
+        if (group->checkedButton() != nullptr) {
+            lead_tab_to(group->checkedButton(), group);
+        }
     }
 }
 
@@ -427,7 +438,7 @@ void make_dialog(View* view, QWidget* parent) {
         view->controls[static_cast<std::size_t>(i)]->setHidden(spec_of(view, i).flags & CONTROL_HIDDEN);
         view->controls[static_cast<std::size_t>(i)]->setDisabled(spec_of(view, i).flags & CONTROL_DISABLED);
     }
-    grid->addItem(new QSpacerItem(title_width(view->dialog), 0), 0, 0, 1, grid->columnCount());
+    grid->addItem(new QSpacerItem(title_width(view->dialog), 0), grid->rowCount(), 0, 1, grid->columnCount());
     close_up_frames(view);
     group_radio_buttons(view);
     place_dialog(view, parent);

@@ -51,6 +51,8 @@ TEST_F(MachineTest, AFileIsReadAsFarAsItGoesAndKeptAsItIs) {
     std::string expected = bytes.substr(0, 17728);
     for (int i = 1; i < MACHINE_COUNT; i++)
         expected[static_cast<std::size_t>(i * 1108 + 112)] = '\x13';
+    for (int i = 0; i < MACHINE_COUNT; i++)
+        expected[static_cast<std::size_t>(i * 1108 + 35)] = '\0';  // a name ends in its field
     EXPECT_EQ(read_bytes(file), expected);
 
     set_machine_defaults();

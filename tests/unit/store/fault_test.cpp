@@ -245,18 +245,18 @@ TEST_F(FaultTest, ARowThatCannotBeReadIsNotOverwrittenByAnEmptyOne) {
     EXPECT_EQ(child[0].row_origin, ORIGIN_FILE);
 }
 
-TEST_F(FaultTest, AJoinThatTookTheRowOutKeepsItsTextWithoutAnEndRow) {
+TEST_F(FaultTest, AJoinWhoseEndRowFailsLosesNothing) {
     bool fired = true;
-    for (int n = 1; fired && n < 200; n++) {
+    for (int n = 1; fired; n++) {
         SCOPED_TRACE(n);
         TearDown();
         SetUp();
-        start_with("A\r\nB\r\nC\r\n" + repeated('d', 300) + "\r\n");
+        start_with("A\r\nB\r\nC\r\nD\r\n");
         answer_other_boxes("OK");
         delete_rows(4, 1);  // a row of text is the last one now
-        set_row(2, repeated('c', 254));
+        set_row(2, repeated('c', ROW_FETCH_MAX));
+        ASSERT_TRUE(fetch_row(0));
         fail_file_call(FileCall::ANY, n, EIO);
-        fetch_row(0);
         join_rows(0);
         fired = file_fault_fired();
         reset_file_faults();
@@ -265,7 +265,6 @@ TEST_F(FaultTest, AJoinThatTookTheRowOutKeepsItsTextWithoutAnEndRow) {
         const std::vector<std::string> found = rows();
         ASSERT_TRUE(found[0] == "AB" || (found[0] == "A" && found[1] == "B")) << found[0] << " " << found[1];
     }
-    EXPECT_FALSE(fired);
 }
 
 TEST_F(FaultTest, AFailedEditLeavesTheTableAsItWas) {
