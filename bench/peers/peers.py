@@ -26,7 +26,8 @@ TOP = pathlib.Path(__file__).resolve().parents[2]
 DATA = TOP / 'build' / 'bench-data'
 SCREEN_ROWS = 26  # rows of text that the default window of 80 by 28 cells shows
 REPEATS = 7
-C_LOCALE = {**os.environ, 'LC_ALL': 'C'}
+C_LOCALE = {**os.environ, 'LC_ALL': 'C', 'HEXLANE_HOME': str(DATA / 'home')}
+DIFFER = ('grep', 'diff', 'hexlane-cli')  # exit code 1: nothing found, or files that differ
 
 
 # ---- Inputs ------------------------------------------------------------------------------------------
@@ -112,7 +113,7 @@ def elapsed(*commands):
     begin = time.perf_counter()
     for command in commands:
         code = subprocess.run(command, check=False, env=C_LOCALE, stdout=subprocess.DEVNULL).returncode
-        if code > (1 if command[0] == 'grep' else 0):  # 1 of a grep: nothing found
+        if code > (pathlib.Path(command[0]).name in DIFFER):
             sys.exit(f'{command} ended with {code}')
     return 1000 * (time.perf_counter() - begin)
 
@@ -296,6 +297,52 @@ def measure_blocks(table, program, path, rows):
               peers, 'ms', '', runs[0].memory)
 
 
+def make_changed_copy(path, name, alter):
+    """A copy in which `alter` gives what stands in the place of each row. An existing one is taken as it is."""
+    copy = path.with_name(f'{path.stem}-{name}.nc')
+    if not copy.exists():
+        source = random.Random(2)
+        unfinished = copy.with_suffix('.part')
+        with open(path, 'rb') as rows, open(unfinished, 'wb') as out:
+            out.writelines(alter(source.random(), row) for row in rows)
+        unfinished.rename(copy)
+    return copy
+
+
+def measure_compare(table, program, cli, path):
+    """Against other files: an equal one, one per cent of the rows changed, and one in a thousand put in or taken out."""
+    copies = {
+        'an equal file': make_changed_copy(path, 'equal', lambda chance, row: row),
+        '1 % of rows changed': make_changed_copy(path, 'changed', lambda chance, row: b'(' + row if chance < 0.01 else row),
+        '0.1 % put in and out': make_changed_copy(path, 'moved', lambda chance, row: b'' if chance < 0.0005 else
+                                                  row + b'M8 (PUT IN)\r\n' if chance > 0.9995 else row),
+    }
+    for what, copy in copies.items():
+        warm(path)
+        warm(copy)
+        for spaces, options in (('--keep-spaces', []), (None, ['-w'])):
+            compare = [str(cli), 'compare', *([spaces] if spaces else []), str(path), str(copy)]
+            with open(os.devnull, 'wb') as nowhere:
+                _, memory = run_measured(compare, nowhere, nowhere)
+            peer = ['diff', *options, str(path), str(copy)]
+            table.row(f'compare {size_text(path)}, {what}, beside {" ".join(peer[:-2])}', peer_times([compare]),
+                      peer_times([peer]), 'ms', '1', memory / 1024)
+    page_up = [('page', 'key PageUp')] * 200
+    run = Run(program, [start(path), 'command 1006', f'choose {quoted(copies["1 % of rows changed"])}', 'press "Compare"',
+                        ('end', 'key End')] + page_up + [('search', 'press "SEARCH REV"'), 'key Home', 'press "EXIT"'])
+    table.value('a page of its results, near the end', run.times['end'] + run.times['page'], 'ms', '20', run.memory)
+
+
+def measure_print(table, cli, path, rows):
+    """Into a PDF file, on pages of 51 lines."""
+    pdf = DATA / 'print.pdf'
+    command = [str(cli), 'print', '--rows', f'1-{rows}', '--pdf', str(pdf), str(path)]
+    with open(os.devnull, 'wb') as nowhere:
+        _, memory = run_measured(command, nowhere, nowhere)
+    table.value(f'print {rows} rows into a PDF of {size_text(pdf)}', peer_times([command]), 'ms', '', memory / 1024)
+    pdf.unlink()
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument('--quick', action='store_true', help='small inputs')
@@ -320,6 +367,10 @@ def main():
     measure_utilities(table, program, big)
     measure_search(table, program, big)
     measure_blocks(table, program, big, 4000000 // scale)
+    cli = pathlib.Path(program).parent / 'hexlane-cli'
+    (DATA / 'home').mkdir(exist_ok=True)
+    measure_compare(table, program, cli, big)
+    measure_print(table, cli, big, 100000 // scale)
     programs = pathlib.Path(program).parent
     line_file = make_program(DATA / f'{name}line.nc', size=20000000 // scale)
     line.measure_line(table, programs / 'hexlane-cli', programs / 'hexlane-bench', line_file,

@@ -27,9 +27,9 @@ constexpr ControlSpec CONTROLS[] = {
     {CONTINUOUS_RADIO, ControlKind::RADIO, "&Continuous", 1, 0, 1, 1, 0, 0, nullptr},
     {NOW_RADIO, ControlKind::RADIO, "&Now", 0, 1, 1, 1, 0, CONTROL_GROUP, nullptr},
     {QUEUE_RADIO, ControlKind::RADIO, "&Queue", 1, 1, 1, 1, 0, 0, nullptr},
-    {OK_BUTTON, ControlKind::BUTTON, "OK", 2, 0, 1, 1, 0, CONTROL_DEFAULT | CONTROL_CENTERED, nullptr},
-    {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 2, 1, 1, 1, 0, CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
-    {START_POINT_BUTTON, ControlKind::BUTTON, "&Start Point", 3, 0, 1, 2, 0, CONTROL_CENTERED, nullptr},
+    {OK_BUTTON, ControlKind::BUTTON, "OK", 3, 0, 1, 1, 0, CONTROL_DEFAULT | CONTROL_CENTERED, nullptr},
+    {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 3, 1, 1, 1, 0, CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
+    {START_POINT_BUTTON, ControlKind::BUTTON, "&Start Point", 2, 0, 1, 2, 0, CONTROL_CENTERED, nullptr},
 };
 constexpr ViewSpec SEND_VIEW = {"SEND", "Send Properties", 0, CONTROLS,
                                 static_cast<int16_t>(std::size(CONTROLS))};

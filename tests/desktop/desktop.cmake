@@ -23,7 +23,7 @@ set(keep_pictures Python3::Interpreter ${desktop}/pictures.py --program $<TARGET
     --examples ${PROJECT_SOURCE_DIR}/examples --out)
 add_test(NAME desktop.dialogs COMMAND ${keep_pictures} ${pictures}/manual)
 add_custom_target(docs_pictures COMMAND ${keep_pictures} ${PROJECT_SOURCE_DIR}/docs/pictures VERBATIM)
-add_dependencies(docs_pictures hexlane)
+add_dependencies(docs_pictures hexlane hexlane-terminal)
 
 # Two ports at work while editing goes on, against two simulated controls; and the terminal, which lies beside the
 # program.

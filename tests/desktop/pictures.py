@@ -8,10 +8,14 @@ Fails when a dialog does not come up, does not have the keyboard, or does not go
 
 import argparse
 import os
+import pty
+import shutil
 import subprocess
 import sys
+import threading
+import tty
 
-from display import Display, Failure
+from display import Display, Failure, wait_for
 from editor import TITLE, Editor
 
 COLORS_KEPT = 96
@@ -19,6 +23,7 @@ WINDOW_SIZE = (600, 430)  # pixels of the editor's window
 PAGE_WIDTH = 680  # pixels of a page of the manual; what is wider is made smaller
 MATCH_HEIGHT = 290  # pixels of the window that show the first match
 
+ACTIVITY = "Communications Activity Screen"
 PARAMETERS = ("Communications Parameter Settings", ["alt+d", "p"])
 ADVANCED = ("Advanced Settings", ["alt+d"])
 
@@ -39,7 +44,7 @@ DIALOGS = [
     ("parameters", [PARAMETERS], "", []),
     ("advanced", [PARAMETERS, ADVANCED], "", []),
     ("ascii-chart", [PARAMETERS, ADVANCED, ("ASCII Chart", ["alt+a"])], "", []),
-    ("activity", [("Communications Activity Screen", ["alt+d", "a"])], "", []),
+    ("print", [("Print", ["alt+f", "p"])], "", []),
     ("about", [("About", ["alt+h", "a"])], "", []),
 ]
 
@@ -70,6 +75,9 @@ class Pictures(Editor):
         place = dict(line.split("=") for line in self.display.output("xdotool", "getmouselocation", "--shell").split())
         self.keep(name, "root", "-crop", "{}x{}+{}+{}".format(PAGE_WIDTH - 2, MATCH_HEIGHT, place["X"], place["Y"]), "+repage")
 
+    def keep_active(self, name):
+        self.keep(name, self.display.output("xdotool", "getactivewindow").strip())
+
     def keep_dialog(self, name, way, text, keys):
         for title, way_keys in way:
             self.open(title, *way_keys)
@@ -77,7 +85,7 @@ class Pictures(Editor):
             self.display.type(text)
         if keys:
             self.display.key(*keys)
-        self.keep(name, self.display.output("xdotool", "getactivewindow").strip())
+        self.keep_active(name)
         for title in [title for title, _ in way[-2::-1]] + [TITLE]:
             self.open(title, "Escape")
 
@@ -102,6 +110,76 @@ def keep_match(pictures):
     pictures.display.key("ctrl+Home")
 
 
+def keep_compare(pictures):
+    """The editor's program beside a copy with a row changed and a row put in."""
+    rows = pictures.original.splitlines(keepends=True)
+    rows[9] = rows[9].replace(b"3200", b"2800")
+    rows.insert(17, b"M1 (CHECK THE FACE)\r\n")
+    changed = os.path.join(pictures.display.scratch, "changed.nc")
+    with open(changed, "wb") as file:
+        file.write(b"".join(rows))
+    pictures.open("Open file", "F6")
+    pictures.display.type(changed)
+    pictures.open("COMPARE FILES", "Return")
+    pictures.keep_active("compare-files")
+    pictures.open("Compare Results", "Return")
+    pictures.display.key("Return")
+    pictures.keep_active("compare-results")
+    pictures.close("Escape")
+
+
+class Control:
+    """The machine on COM1: a pty whose other end takes whatever comes, at the speed of the line."""
+
+    def __init__(self, display):
+        self.master, self.line = pty.openpty()
+        tty.setraw(self.line)
+        self.taken = 0
+        display.environment["HEXLANE_COM1"] = os.ttyname(self.line)
+        threading.Thread(target=self.take, daemon=True).start()
+
+    def take(self):
+        while True:
+            self.taken += len(os.read(self.master, 4096))
+
+    def say(self, data):
+        os.write(self.master, data)
+
+
+def keep_terminal(pictures, control):
+    pictures.open("Hexlane Terminal - Machine 1", "alt+m")
+    control.say(b"\x02READY\r\nN10 G0 X1.\r\n\x17\x06")
+    pictures.display.type("M0\n")
+    wait_for("the typed text at the machine", lambda: control.taken == len(b"M0\r\n"))
+    pictures.keep_active("terminal")
+    pictures.open(ACTIVITY, "alt+F4")
+
+
+def keep_transfer(pictures, control, example):
+    """The terminal, and a send on the upper row."""
+    file = shutil.copy(example, pictures.display.scratch)
+    pictures.open(ACTIVITY, "alt+d", "a")
+    keep_terminal(pictures, control)
+    pictures.open("Open File to Send/Receive", "alt+s")
+    pictures.display.type(file)
+    pictures.open("Send Properties", "Return")
+    pictures.keep_active("send-properties")
+    pictures.open("Select Send Start Point", "alt+s")
+    pictures.keep_active("start-point")
+    pictures.open("Search For", "alt+s")
+    pictures.keep_active("search-for")
+    pictures.open("Select Send Start Point", "Escape")
+    pictures.open("Send Properties", "Escape")
+    pictures.display.key("alt+n")
+    pictures.open(ACTIVITY, "Return")
+    wait_for("a part of the program at the machine", lambda: control.taken > 2000)
+    pictures.keep_active("activity")
+    pictures.open("File Conflict", "alt+t")
+    pictures.open("Communications", "y")
+    pictures.open(ACTIVITY, "Return")
+    pictures.close("Escape")
+
+
 def record_macro(pictures):
     """One that does nothing, for the list of the dialogs."""
     pictures.open("Record Macro", "alt+m", "r")
@@ -118,6 +196,8 @@ def main():
     arguments = parser.parse_args()
     os.makedirs(arguments.out, exist_ok=True)
     with Display() as display:
+        control = Control(display)
+        display.environment["CUPS_SERVER"] = os.path.join(display.scratch, "no-cups")  # whatever printers there are
         try:
             pictures = Pictures(display, arguments)
             keep_window(pictures)
@@ -125,6 +205,8 @@ def main():
             record_macro(pictures)
             for dialog in DIALOGS:
                 pictures.keep_dialog(*dialog)
+            keep_compare(pictures)
+            keep_transfer(pictures, control, os.path.join(arguments.examples, "bowl-finish.nc"))
         except Failure as failure:
             display.picture(os.path.join(arguments.out, "failed.png"))
             print(f"pictures: {failure}", file=sys.stderr)

@@ -16,7 +16,7 @@ struct View {
     const ViewSpec* spec = nullptr;
     QWidget* window = nullptr;
     QDialog* dialog = nullptr;       // the same window of a modal view; nullptr for a child view
-    std::vector<QWidget*> controls;  // in the spec's order
+    std::vector<QWidget*> controls;  // in the order of the view's table
     std::vector<bool> changed;       // by control: since it was last drawn at once
     int chosen_field = 0;            // id
     int result = 0;
