@@ -7,14 +7,14 @@ set -euo pipefail
 # The one list of what this project needs beyond a fresh Debian 12: a group, then its packages.
 #   build    compile the programs, tests and benchmarks
 #   desktop  compile and show the window
-#   display  show it where there is no screen: virtual display, small window manager, keys and pictures
-#   test     clang for the fuzzers, the formatter, a peer for serial lines, and a reader of PDF files
+#   display  show it where there is no screen: virtual display, small window manager, keys, pictures and PDF pages
+#   test     clang for the fuzzers, the formatter, and a peer for serial lines
 packages() {
     cat <<'LIST'
 build    cmake ninja-build g++ ccache python3 libgtest-dev libbenchmark-dev
 desktop  qt6-base-dev fonts-dejavu-core
-display  xvfb xauth openbox xdotool x11-utils imagemagick
-test     clang libclang-rt-dev clang-format socat poppler-utils
+display  xvfb xauth openbox xdotool x11-utils imagemagick poppler-utils
+test     clang libclang-rt-dev clang-format socat
 LIST
 }
 

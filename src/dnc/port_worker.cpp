@@ -98,7 +98,7 @@ bool note_written(int slot) {
 void line_has_gone(int slot) {
     TransferState& t = transfer_state[slot];
     const LockGuard guard(port_slot[slot].step_lock);
-    if (!slot_is_busy(slot))
+    if (t.status == SEND_DONE || t.status == RECEIVE_DONE)
         return;  // a transfer that is complete stays so, whoever hangs up behind it
     t.fault = TransferFault::LINE_GONE;
     t.status = PORT_IDLE;

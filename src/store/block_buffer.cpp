@@ -120,6 +120,7 @@ void delete_block_part(char cut[ROW_BUFFER_SIZE]) {
     block_clear();
     place_caret_now();
     show_position();
+    fetch_row(start.row);  // bytes that a fetch did not show may have moved up into it
     repaint_row(start.row, found != 0);
     update_scrollbar(child[0].main_window);
     update_menus(child[0].main_window);

@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Checks the manual's table of commands against the menu of the program itself.
+"""Checks the manual's table of commands against the menu of the program itself, and that its pictures and links exist.
 
     check_manual.py HEXLANE_SCRIPT MANUAL
 
 Menu, entry and key of each row must be what the program has, in the program's order; what an entry does is written
-by hand. The table is the one that begins with HEAD.
+by hand. The table is the one that begins with HEAD. The pictures are those of the folder beside it, no more and no
+less, and a link within the manual leads to a heading.
 """
 
 import difflib
@@ -40,12 +41,28 @@ def manual_rows(manual):
     return [' | '.join(row[:3]) for row in cells], [row[1] for row in cells if not row[3]]
 
 
+def picture_faults(manual):
+    shown = set(re.findall(r'!\[[^\]]+\]\(pictures/([^)]+)\)', manual.read_text()))
+    there = {file.name for file in (manual.parent / 'pictures').iterdir()}
+    return ([f'pictures/{name}: the manual shows it, but it is not there' for name in sorted(shown - there)] +
+            [f'pictures/{name}: the manual does not show it' for name in sorted(there - shown)])
+
+
+def link_faults(manual):
+    """Links as the help window resolves them: small letters, blanks as hyphens, no punctuation."""
+    text = manual.read_text()
+    headings = {re.sub(r'[^\w-]', '', heading.lower().replace(' ', '-')) for heading in re.findall(r'^#+ (.*)$', text, re.M)}
+    return [f'#{link}: no such heading' for link in re.findall(r'\]\(#([^)]+)\)', text) if link not in headings]
+
+
 def main():
     program, manual = sys.argv[1], pathlib.Path(sys.argv[2])
     rows, untold = manual_rows(manual)
     difference = list(difflib.unified_diff(rows, menu_rows(program), str(manual), 'the program', lineterm='', n=0))
-    print('\n'.join(difference + [f'{entry}: the manual does not say what it does' for entry in untold]))
-    return 1 if difference or untold or not rows else 0
+    faults = difference + [f'{entry}: the manual does not say what it does' for entry in untold]
+    faults += picture_faults(manual) + link_faults(manual)
+    print('\n'.join(faults))
+    return 1 if faults or not rows else 0
 
 
 if __name__ == '__main__':

@@ -149,7 +149,8 @@ class Control:
 def keep_terminal(pictures, control):
     pictures.open("Hexlane Terminal - Machine 1", "alt+m")
     control.say(b"\x02READY\r\nN10 G0 X1.\r\n\x17\x06")
-    pictures.display.type("M0\n")
+    pictures.display.type("M0")
+    pictures.display.key("Return")
     wait_for("the typed text at the machine", lambda: control.taken == len(b"M0\r\n"))
     pictures.keep_active("terminal")
     pictures.open(ACTIVITY, "alt+F4")

@@ -6,7 +6,7 @@ add_executable(console_test ${peers}/console_test.cpp)
 target_link_libraries(console_test PRIVATE hexlane_console hexlane_posix hexlane_platform_common GTest::gtest_main)
 gtest_discover_tests(console_test TEST_PREFIX console_test. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 
-foreach(name send receive random tools machines simulator wire_forms readme)
+foreach(name send receive random tools machines simulator wire_forms readme files)
   add_test(NAME peers.${name}
            COMMAND Python3::Interpreter ${peers}/${name}_test.py --cli $<TARGET_FILE:hexlane-cli>
                    --simulator $<TARGET_FILE:control-simulator>)

@@ -16,6 +16,7 @@
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextFrame>
+#include <QTextTable>
 #include <QToolBar>
 
 #include "platform/desktop.h"
@@ -35,7 +36,7 @@ struct ContextPage {
 constexpr ContextPage CONTEXT_PAGES[] = {{54, "Technical support"}};
 
 constexpr int TEXT_WIDTH = 740;  // logical pixels of a new window
-constexpr int CONTENTS_WIDTH = 220;
+constexpr int CONTENTS_WIDTH = 250;
 constexpr int WINDOW_HEIGHT = 620;
 constexpr int DEEPEST_HEADING = 3;  // that the contents list
 
@@ -46,6 +47,7 @@ public:
     void go_to_heading(const QString& heading);
 
 private:
+    void give_tables_room();
     void make_tools();
     void list_headings();
     void add_tool(QToolBar* bar, QStyle::StandardPixmap picture, const QString& text, const QKeySequence& key,
@@ -99,6 +101,7 @@ HelpWindow::HelpWindow() {
     if (manual.open(QIODevice::ReadOnly)) {
         text->setMarkdown(QString::fromUtf8(manual.readAll()));
     }
+    give_tables_room();
     // So that the last page can stand at the top of the window as well.
     QTextFrameFormat page = text->document()->rootFrame()->frameFormat();
     page.setBottomMargin(WINDOW_HEIGHT);
@@ -118,6 +121,19 @@ HelpWindow::HelpWindow() {
             [this](const QListWidgetItem* item) { go_to_position(item->data(Qt::UserRole).toInt()); });
     resize(CONTENTS_WIDTH + TEXT_WIDTH, WINDOW_HEIGHT);
     text->setFocus();
+}
+
+// Markdown gives the cells of a table no distance from each other.
+void HelpWindow::give_tables_room() {
+    for (QTextFrame* frame : text->document()->rootFrame()->childFrames()) {
+        if (auto* table = qobject_cast<QTextTable*>(frame)) {
+            QTextTableFormat format = table->format();
+            format.setCellPadding(3);
+            format.setCellSpacing(0);
+            format.setBorder(0);
+            table->setFormat(format);
+        }
+    }
 }
 
 // Keys here belong to this window alone; the editor's window never sees them.

@@ -36,8 +36,8 @@ ModalScope::ModalScope(QDialog* dialog) : shown(dialog) {
     shown->setWindowModality(Qt::ApplicationModal);
 }
 
-// A window manager may look for the next window to have the keyboard among those that go in the same moment, and
-// then gives it to none.
+// A window manager may look for the next window to have the keyboard among those that go in the same moment,
+// and then gives it to none.
 ModalScope::~ModalScope() {
     const bool has_keyboard = QGuiApplication::applicationState() == Qt::ApplicationActive;
     shown->hide();

@@ -2,6 +2,7 @@
 // A control that lies inside a frame's places goes into that frame, on a grid of the frame's own.
 
 #include <algorithm>
+#include <cstring>
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -182,9 +183,26 @@ bool has_default_button(const ViewSpec* spec) {
                        [](const ControlSpec& control) { return control.flags & CONTROL_DEFAULT; });
 }
 
+// A button that its letter presses at once: Qt's own waits a moment, in which Enter may have closed the view.
+template <typename Button>
+class PromptButton final : public Button {
+public:
+    using Button::Button;
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::Shortcut || static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
+            return Button::event(event);
+        }
+        this->setFocus(Qt::ShortcutFocusReason);
+        this->click();
+        return true;
+    }
+};
+
 QWidget* make_button(View* view, int index) {
     const ControlSpec& spec = spec_of(view, index);
-    auto* button = new QPushButton(QString::fromUtf8(spec.label));
+    auto* button = new PromptButton<QPushButton>(QString::fromUtf8(spec.label));
     button->setDefault(spec.flags & CONTROL_DEFAULT);
     button->setAutoDefault(has_default_button(view->spec));
     QObject::connect(button, &QPushButton::clicked, button, [view, index] { press_control(view, index); });
@@ -194,7 +212,7 @@ QWidget* make_button(View* view, int index) {
 template <typename Button>
 QWidget* make_choice_button(View* view, int index) {
     const ControlSpec& spec = spec_of(view, index);
-    auto* button = new Button(QString::fromUtf8(spec.label));
+    auto* button = new PromptButton<Button>(QString::fromUtf8(spec.label));
     button->setChecked(spec.flags & CONTROL_CHECKED);
     QObject::connect(button, &Button::clicked, button, [view, index] { press_control(view, index); });
     return button;
@@ -324,10 +342,18 @@ Qt::Alignment alignment_of(const ControlSpec& spec) {
     return has_own_width(spec) ? Qt::AlignLeft : Qt::Alignment();
 }
 
+// A text that is longer than its wished width takes further lines.
+bool wraps(const ControlSpec& spec) {
+    return spec.kind == ControlKind::TEXT && spec.width > 0 && std::strlen(spec.label) > spec.width;
+}
+
 // Digits are wider than the average character, and a field of nine shows nine.
 void set_width(QWidget* control, const ControlSpec& spec) {
     const QFontMetrics metrics = control->fontMetrics();
-    if (has_own_width(spec)) {
+    if (wraps(spec)) {
+        static_cast<QLabel*>(control)->setWordWrap(true);
+        control->setFixedWidth(metrics.averageCharWidth() * (spec.width + 2));
+    } else if (has_own_width(spec)) {
         control->setFixedWidth(metrics.horizontalAdvance('0') * (spec.width + 2));
     } else if (spec.width > 0 && spec.kind != ControlKind::PANE) {
         control->setMinimumWidth(metrics.averageCharWidth() * (spec.width + 2));
