@@ -127,13 +127,12 @@ def measure_answers(table, station, folder, blocks):
     def play():
         tail = b''
         while len(latencies) < blocks - 1:
-            tail += os.read(pty.master, 4096)
-            if len(tail) >= 3 and tail[-3] == 0x17 and tail[-1] == 0x02:  # ETB, check, STX of the next block
-                tail = b''
-                asked = time.perf_counter()
-                os.write(pty.master, b'\x06')
+            while tail[-3:-2] != b'\x17' or tail[-1:] != b'\x02':  # ETB, check, STX of the next block
                 tail += os.read(pty.master, 4096)
-                latencies.append(1000 * (time.perf_counter() - asked))
+            asked = time.perf_counter()
+            os.write(pty.master, b'\x06')
+            tail = os.read(pty.master, 4096)
+            latencies.append(1000 * (time.perf_counter() - asked))
         while not tail.endswith(b'\x0c\x03'):
             tail += os.read(pty.master, 4096)
         os.write(pty.master, b'\x06')

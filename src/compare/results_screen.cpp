@@ -49,13 +49,16 @@ constexpr ControlSpec RESULT_CONTROLS[] = {
     {RIGHT_TITLE, ControlKind::TEXT, "File 2", 0, 5, 1, 3, 0, CONTROL_CENTERED, nullptr},
     {LIST_PANE, ControlKind::PANE, "Compared rows", 1, 0, PANE_LINES, 8, PANE_COLUMNS, 0, nullptr},
     {202, ControlKind::TEXT, " Left (current file)", BELOW_LIST, 0, 1, 8, 0, 0, nullptr},
-    {LEFT_PANE, ControlKind::PANE, "Left row", BELOW_LIST + 1, 0, 1, 8, PANE_COLUMNS, 0, nullptr},
+    {LEFT_PANE, ControlKind::PANE, "Left row", BELOW_LIST + 1, 0, 1, 8, PANE_COLUMNS, CONTROL_SUNKEN,
+     nullptr},
     {203, ControlKind::TEXT, "Right (original file)", BELOW_LIST + 2, 0, 1, 8, 0, 0, nullptr},
-    {RIGHT_PANE, ControlKind::PANE, "Right row", BELOW_LIST + 3, 0, 1, 8, PANE_COLUMNS, 0, nullptr},
-    {FORWARD_BUTTON, ControlKind::BUTTON, "SEARCH FWD", BELOW_LIST + 4, 0, 1, 2, 0, CONTROL_DEFAULT, nullptr},
-    {BACKWARD_BUTTON, ControlKind::BUTTON, "SEARCH REV", BELOW_LIST + 4, 2, 1, 2, 0, 0, nullptr},
-    {PRINT_BUTTON, ControlKind::BUTTON, "PRINT RESULTS", BELOW_LIST + 4, 4, 1, 2, 0, 0, nullptr},
-    {EXIT_BUTTON, ControlKind::BUTTON, "EXIT", BELOW_LIST + 4, 6, 1, 2, 0, CONTROL_CANCEL, nullptr},
+    {RIGHT_PANE, ControlKind::PANE, "Right row", BELOW_LIST + 3, 0, 1, 8, PANE_COLUMNS, CONTROL_SUNKEN,
+     nullptr},
+    {FORWARD_BUTTON, ControlKind::BUTTON, "SEARCH &FWD", BELOW_LIST + 4, 0, 1, 2, 0, CONTROL_DEFAULT,
+     nullptr},
+    {BACKWARD_BUTTON, ControlKind::BUTTON, "SEARCH &REV", BELOW_LIST + 4, 2, 1, 2, 0, 0, nullptr},
+    {PRINT_BUTTON, ControlKind::BUTTON, "&PRINT RESULTS", BELOW_LIST + 4, 4, 1, 2, 0, 0, nullptr},
+    {EXIT_BUTTON, ControlKind::BUTTON, "E&XIT", BELOW_LIST + 4, 6, 1, 2, 0, CONTROL_CANCEL, nullptr},
 };
 constexpr ViewSpec RESULT_VIEW = {"IDD_SCRCOMP", "Compare Results", 0, RESULT_CONTROLS,
                                   std::size(RESULT_CONTROLS)};
@@ -68,8 +71,8 @@ constexpr int16_t DIFFERENCES_RADIO = 103;
 constexpr ControlSpec PRINT_CONTROLS[] = {
     {PRINTER_TEXT, ControlKind::TEXT, "Default Printer", 0, 0, 1, 2, 0, 0, nullptr},
     {201, ControlKind::FRAME, "Print Options", 1, 0, 2, 2, 0, 0, nullptr},
-    {102, ControlKind::RADIO, "All", 1, 0, 1, 2, 0, CONTROL_GROUP | CONTROL_CHECKED, nullptr},
-    {DIFFERENCES_RADIO, ControlKind::RADIO, "Differences Only", 2, 0, 1, 2, 0, 0, nullptr},
+    {102, ControlKind::RADIO, "&All", 1, 0, 1, 2, 0, CONTROL_GROUP | CONTROL_CHECKED, nullptr},
+    {DIFFERENCES_RADIO, ControlKind::RADIO, "&Differences Only", 2, 0, 1, 2, 0, 0, nullptr},
     {OK_BUTTON, ControlKind::BUTTON, "OK", 3, 0, 1, 1, 0, CONTROL_DEFAULT | CONTROL_CENTERED, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 3, 1, 1, 1, 0, CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
 };

@@ -33,9 +33,9 @@ constexpr const char* DEFAULT_LOOK_AHEAD_TEXT = "20";
 
 constexpr ControlSpec START_CONTROLS[] = {
     {201, ControlKind::TEXT, "Lines to ", 0, 0, 1, 1, 0, 0, nullptr},
-    {202, ControlKind::TEXT, "Look Ahead :", 1, 0, 1, 1, 0, 0, nullptr},
+    {202, ControlKind::TEXT, "&Look Ahead :", 1, 0, 1, 1, 0, 0, nullptr},
     {LOOK_AHEAD_FIELD, ControlKind::FIELD, "", 1, 1, 1, 1, 4, 0, nullptr},
-    {SPACES_BOX, ControlKind::CHECK, "Ignore Spaces", 2, 0, 1, 2, 0, CONTROL_CHECKED, nullptr},
+    {SPACES_BOX, ControlKind::CHECK, "Ignore &Spaces", 2, 0, 1, 2, 0, CONTROL_CHECKED, nullptr},
     {203, ControlKind::TEXT, "Matches:", 0, 2, 1, 1, 0, 0, nullptr},
     {MATCHES_TEXT, ControlKind::TEXT, "", 0, 3, 1, 1, COUNTER_WIDTH, CONTROL_SUNKEN, nullptr},
     {204, ControlKind::TEXT, "Mods    :", 1, 2, 1, 1, 0, 0, nullptr},
@@ -44,9 +44,9 @@ constexpr ControlSpec START_CONTROLS[] = {
     {INSERTS_TEXT, ControlKind::TEXT, "", 2, 3, 1, 1, COUNTER_WIDTH, CONTROL_SUNKEN, nullptr},
     {206, ControlKind::TEXT, "Deletes :", 3, 2, 1, 1, 0, 0, nullptr},
     {DELETES_TEXT, ControlKind::TEXT, "", 3, 3, 1, 1, COUNTER_WIDTH, CONTROL_SUNKEN, nullptr},
-    {COMPARE_BUTTON, ControlKind::BUTTON, "Compare", 4, 0, 1, 2, 0, CONTROL_DEFAULT | CONTROL_CENTERED,
+    {COMPARE_BUTTON, ControlKind::BUTTON, "&Compare", 4, 0, 1, 2, 0, CONTROL_DEFAULT | CONTROL_CENTERED,
      nullptr},
-    {STOP_BUTTON, ControlKind::BUTTON, "Stop", 4, 2, 1, 2, 0, CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
+    {STOP_BUTTON, ControlKind::BUTTON, "S&top", 4, 2, 1, 2, 0, CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
 };
 
 constexpr ViewSpec START_VIEW = {"IDD_START_COMPARE", "COMPARE FILES", 0, START_CONTROLS,

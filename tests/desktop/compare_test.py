@@ -72,7 +72,7 @@ def check_identical(editor):
 
 def check_report(editor, changed):
     """Differences alone, by Tab and Space."""
-    editor.display.key("Tab", "Tab", "Tab", "Tab", "Tab")
+    editor.display.key("Tab", "Tab", "Tab")
     editor.open("Print Compare Results", "space")
     editor.display.key("Down", "Return")
     pdf = answer_pdf_dialog(editor, "report")
