@@ -5,6 +5,7 @@
 #include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
+#include "dnc/row_index.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
 #include "frame/child.h"
@@ -181,7 +182,7 @@ void give_up_send(int slot) {
     drop_transfer(slot);
 }
 
-// The file's size as it is now, and whether the chosen start point lies in it. 0 after a message.
+// The file's size as it is now, and whether a row still begins at the chosen start point. 0 after a message.
 int measure_file(int slot) {
     TransferState& t = transfer_state[slot];
     const int64_t size = file_size_of(slot);
@@ -190,7 +191,7 @@ int measure_file(int slot) {
         return 0;
     }
     t.total_bytes = static_cast<int32_t>(size);
-    if (t.start_offset <= size)
+    if (row_is_there(t.file_name, t.start_offset))
         return 1;
     show_dnc_box(DncBox::START_POINT_GONE);
     return 0;

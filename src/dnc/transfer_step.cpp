@@ -93,11 +93,18 @@ void end_send(int slot) {
     post_message(child[0].main_window, TRANSFER_DONE_MESSAGE, slot, t.transfer_number);
 }
 
+// The start point screen fills the output buffer row by row, on its own slot; the other one goes on by
+// itself.
+bool is_fed_by_rows(int slot) {
+    return block_mode && port_slot[slot].for_blocks;
+}
+
 void step_send(int slot) {
     TransferState& t = transfer_state[slot];
-    if (!block_mode && t.out_index >= t.out_count)
+    const bool fed = is_fed_by_rows(slot);
+    if (!fed && t.out_index >= t.out_count)
         refill(slot);
-    if (t.out_count == 0 && t.fill_done && !block_mode) {
+    if (t.out_count == 0 && t.fill_done && !fed) {
         const bool faulty = t.fault != TransferFault::NONE;
         reset_transfer(slot);
         if (!t.continuous || faulty || !start_next_pass(slot)) {

@@ -5,6 +5,7 @@
 #include "dnc/machine_table.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
+#include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/commands.h"
 #include "frame/status_line.h"
@@ -36,6 +37,7 @@ void watch_transfers() {
     } else if (!any_slot(SEND_STANDBY, RECEIVE_STANDBY)) {
         stop_ui_timer();
         show_activity_icon(false);
+        update_menus(child[0].main_window);  // Send This works again
     }
 }
 
