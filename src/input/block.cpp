@@ -7,6 +7,7 @@
 #include "store/row_table.h"
 #include "view/text_view.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace hexlane {
@@ -39,8 +40,11 @@ bool block_holds_rows() {
 }
 
 void block_order_ends() {
-    if (block_holds_rows() && block.end.row < block.start.row)
-        block_swap_ends();
+    if (!block_holds_rows() || block.end.row >= block.start.row)
+        return;
+    block_swap_ends();
+    block.start.col =
+        std::max<int16_t>(block.start.col, 0);  // a step up from column 0 ends in front of a row
 }
 
 void block_dismiss() {

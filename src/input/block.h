@@ -36,7 +36,7 @@ void block_swap_ends();
 bool block_holds_rows();
 
 // Puts the ends of whole rows in the order of the document. Every step that moves an end closes with it, so
-// that whoever uses a block finds start.row <= end.row.
+// that whoever uses a block finds start.row <= end.row and start.col >= 0.
 void block_order_ends();
 
 // What a key, a character and a mouse press do to a block on show: takes it off the screen, then block_clear.

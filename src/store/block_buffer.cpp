@@ -81,7 +81,7 @@ void store_changed_row(int32_t row) {
 void delete_block_rows() {
     const Block rows = block;
     delete_rows(rows.start.row, row_count(rows));
-    child[0].caret_col = std::max<int32_t>(rows.start.col, 0);
+    child[0].caret_col = rows.start.col;
     child[0].caret_row = rows.start.screen_row;
     child[0].current_row = rows.start.row;
     hold_caret_in_document();
