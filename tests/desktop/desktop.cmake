@@ -25,6 +25,12 @@ add_test(NAME desktop.dialogs COMMAND ${keep_pictures} ${pictures}/manual)
 add_custom_target(docs_pictures COMMAND ${keep_pictures} ${PROJECT_SOURCE_DIR}/docs/pictures VERBATIM)
 add_dependencies(docs_pictures hexlane hexlane-terminal)
 
+# The tour of ./run, so that it stays as the program is.
+add_test(NAME desktop.tour
+         COMMAND Python3::Interpreter ${desktop}/tour.py --program $<TARGET_FILE:hexlane>
+                 --simulator $<TARGET_FILE:control-simulator> --example ${PROJECT_SOURCE_DIR}/examples/pocket-plate.nc
+                 --out ${pictures}/tour)
+
 # Two ports at work while editing goes on, against two simulated controls; and the terminal, which lies beside the
 # program.
 add_test(NAME desktop.transfers
@@ -32,7 +38,8 @@ add_test(NAME desktop.transfers
                  --cli $<TARGET_FILE:hexlane-cli> --simulator $<TARGET_FILE:control-simulator>
                  --examples ${PROJECT_SOURCE_DIR}/examples --pictures ${pictures})
 
-set_tests_properties(desktop.messages desktop.program desktop.dialogs desktop.transfers PROPERTIES TIMEOUT 600)
+set_tests_properties(desktop.messages desktop.program desktop.dialogs desktop.tour desktop.transfers
+                     PROPERTIES TIMEOUT 600)
 
 # Compare and Print, into PDF files, and through a print service of the test's own where one can be set up.
 add_test(NAME desktop.compare
