@@ -22,6 +22,10 @@ add_test(NAME check.readme
 add_test(NAME check.manual
          COMMAND Python3::Interpreter ${checks}/check_manual.py $<TARGET_FILE:hexlane-script> ${top}/docs/manual.md)
 
+add_test(NAME check.install
+         COMMAND Python3::Interpreter ${checks}/check_install.py ${CMAKE_COMMAND} ${CMAKE_BINARY_DIR}
+                 ${CMAKE_BINARY_DIR}/installed)
+
 # Each header compiles alone, and twice in a row: one source file for each header, part of every build.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${top}/src ${top}/src/*.h)
 set(header_sources)
