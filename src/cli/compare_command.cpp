@@ -89,6 +89,10 @@ std::string read_options(const Words& words, Options* options) {
     }
     if (named < 2)
         return "two files are compared";
+    for (const std::string* path : names) {
+        if (!options->report.empty() && same_path(options->report.c_str(), path->c_str()))
+            return "--report would replace " + *path + ", which is compared";
+    }
     return options->differences_only && options->report.empty() ? "--differences-only goes with --report"
                                                                 : "";
 }
@@ -107,8 +111,8 @@ std::string write_report(const Options& options) {
     const FileHandle old = file_open(options.report.c_str(), FileAccess::READ_WRITE);
     bool written = old != NO_FILE || last_file_error() == FileError::NOT_FOUND;
     if (written && begin_replacement(&output, options.report.c_str())) {
-        written =
-            write_compare_report(output.file, options.differences_only) && finish_replacement(&output, old);
+        written = write_compare_report(output.file, options.differences_only) &&
+                  compare_was_disturbed() == nullptr && finish_replacement(&output, old);
         const FileError reason = last_file_error();
         abandon_replacement(&output);
         set_last_file_error(reason);
@@ -135,17 +139,17 @@ int compare_files(const Options& options) {
         return refuse(TROUBLE, fault_text());
     if (stopped)
         return refuse(TROUBLE, "stopped");
+    const std::string reason = options.report.empty() ? "" : write_report(options);
     if (const char* path = compare_was_disturbed())
         return refuse(TROUBLE, std::string(path) + ": changed meanwhile, or cannot be read");
-    if (!options.report.empty()) {
-        const std::string reason = write_report(options);
-        if (!reason.empty())
-            return refuse(TROUBLE, reason);
-    }
+    if (!reason.empty())
+        return refuse(TROUBLE, reason);
     const bool identical = compare.mods == 0 && compare.inserts == 0 && compare.deletes == 0;
     if (identical)
         std::puts("Files are identical");
     print_counters();
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+        return refuse(TROUBLE, "cannot write to standard output");
     return identical ? FILES_IDENTICAL : FILES_DIFFER;
 }
 

@@ -22,7 +22,7 @@ Use
     hexlane-cli print [OPTION]... --pdf OUTPUT FILE
 
 Options
-    --pdf OUTPUT   the PDF file; an old one is replaced
+    --pdf OUTPUT   the PDF file; an old one is replaced, but no other file
     --rows A-B     rows A to B alone, counted from 1
 
 Exit code
@@ -68,13 +68,16 @@ int64_t take_row(int64_t start) {
     return end + 1;
 }
 
-const char* file_row(int32_t row) {
+RowFound file_row(int32_t row, const char** text) {
     while (!source.ended && !source.failed && source.next_row <= row) {
         source.position = take_row(source.position);
         source.failed = source.position < 0;
         source.next_row++;
     }
-    return source.failed || source.next_row <= row ? nullptr : source.text;
+    if (source.failed)
+        return RowFound::UNREADABLE;
+    *text = source.text;
+    return source.next_row <= row ? RowFound::NO_ROW : RowFound::ROW;
 }
 
 bool read_range(const std::string& text, Options* options) {
@@ -115,12 +118,13 @@ int print_rows(const Options& options) {
     source.stream = stream_open(path);
     if (source.stream == NO_STREAM)
         return refuse(EXIT_CANNOT, options.file + ": " + file_error_text(last_file_error()));
-    const bool printed = print_listing(path, options.pdf.c_str(), static_cast<int32_t>(options.first - 1),
-                                       static_cast<int32_t>(options.last - 1), file_row);
+    const ListingResult result =
+        print_listing(path, options.pdf.c_str(), static_cast<int32_t>(options.first - 1),
+                      static_cast<int32_t>(options.last - 1), file_row);
     stream_close(source.stream);
-    if (source.failed)
+    if (result == ListingResult::UNREADABLE)
         return refuse(EXIT_CANNOT, options.file + ": could not be read to the end");
-    return printed ? EXIT_COMPLETE : EXIT_CANNOT;
+    return result == ListingResult::PRINTED ? EXIT_COMPLETE : EXIT_CANNOT;
 }
 
 }  // namespace

@@ -87,7 +87,8 @@ void stop_compare();
 // kind is 0.
 int load_record(int64_t number, CompareRecord* record);
 
-// Number of the nearest record from `from` on that is no SAME_ROWS, forward or backward; -1 for none.
+// Number of the nearest record from `from` on that is no SAME_ROWS or cannot be read, forward or backward; -1
+// for none.
 int64_t find_difference(int64_t from, bool forward);
 
 // Brings up to `size` bytes of the row at `offset` into `text`: what stands in front of its CR or LF. Gives
@@ -95,8 +96,8 @@ int64_t find_difference(int64_t from, bool forward);
 // none, and from then on compare_was_disturbed says so.
 int32_t read_compared_row(const CompareSide& side, uint32_t offset, char* text, int32_t size, bool* ended);
 
-// Whether a side could not be read, or was changed on the disk since the run began; gives its path, or
-// nullptr.
+// Whether a side or the list of records could not be read, or a side was changed on the disk since the run
+// began; gives the path, or nullptr.
 const char* compare_was_disturbed();
 
 // Closes both files and the list of records.

@@ -64,7 +64,8 @@ int32_t line_length(const char* bytes, int32_t count, int32_t* behind) {
     return length;
 }
 
-void print_lines(FileHandle file, int64_t size) {
+// Gives false when the file could not be read.
+bool print_lines(FileHandle file, int64_t size) {
     int32_t lines = 0;
     int64_t position = 0;
     int64_t buffer_start = 0;
@@ -75,7 +76,7 @@ void print_lines(FileHandle file, int64_t size) {
             held = static_cast<int32_t>(
                 std::max<int64_t>(file_read_at(file, position, buffer, sizeof buffer), 0));
             if (held == 0)
-                return;
+                return false;
         }
         const auto at = static_cast<int32_t>(position - buffer_start);
         int32_t behind = 0;
@@ -86,6 +87,7 @@ void print_lines(FileHandle file, int64_t size) {
         pump_one_message();
         position += behind;
     }
+    return true;
 }
 
 bool print_report_file(FileHandle file) {
@@ -95,8 +97,11 @@ bool print_report_file(FileHandle file) {
     const PrintStart start = start_print_document("Compare Results");
     if (start != PrintStart::STARTED)
         return start != PrintStart::FAILED;
-    print_lines(file, size);
-    end_print_document();
+    if (!print_lines(file, size)) {
+        abandon_print_document();
+        return false;
+    }
+    end_print_document();  // tells itself what went wrong
     return true;
 }
 

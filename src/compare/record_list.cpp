@@ -20,6 +20,7 @@ char path[PATH_SIZE];
 FileHandle file = NO_FILE;
 bool write_failed = false;
 FileError write_error = FileError::NONE;
+bool read_failed = false;
 
 // While the list grows: the last records of the file, not written yet. Afterwards a piece of it.
 char buffer[BUFFER_RECORDS * COMPARE_RECORD_BYTES];
@@ -54,6 +55,7 @@ int open_record_list() {
     close_record_list();
     count = 0;
     write_failed = false;
+    read_failed = false;
     buffer_first = COMPARE_MEMORY_RECORDS;
     buffered = 0;
     for (CompareRecord& record : first_records)
@@ -100,8 +102,10 @@ int load_record(int64_t number, CompareRecord* record) {
     }
     if (number < buffer_first || number >= buffer_first + buffered)
         read_buffer(number);
-    if (number >= buffer_first + buffered)
+    if (number >= buffer_first + buffered) {
+        read_failed = true;
         return 0;
+    }
     *record = take_record(buffer + (number - buffer_first) * COMPARE_RECORD_BYTES);
     return 1;
 }
@@ -109,7 +113,7 @@ int load_record(int64_t number, CompareRecord* record) {
 int64_t find_difference(int64_t from, bool forward) {
     CompareRecord record;
     for (int64_t number = from; number >= 0 && number < count; number += forward ? 1 : -1) {
-        if (load_record(number, &record) && record.kind != SAME_ROWS)
+        if (!load_record(number, &record) || record.kind != SAME_ROWS)
             return number;
     }
     return -1;
@@ -119,6 +123,10 @@ void close_record_list() {
     if (file != NO_FILE)
         file_close(file);
     file = NO_FILE;
+}
+
+bool record_list_is_damaged() {
+    return read_failed;
 }
 
 const char* record_list_path() {

@@ -18,6 +18,9 @@ int finish_record_list();
 // Records so far.
 int64_t record_count();
 
+// Whether a record could not be read back.
+bool record_list_is_damaged();
+
 void close_record_list();
 const char* record_list_path();
 

@@ -148,7 +148,8 @@ int write_compare_report(FileHandle file, bool differences_only) {
     put_head();
     CompareRecord record;
     for (int64_t number = 0; number <= compare.last_record && !output.failed; number++) {
-        load_record(number, &record);
+        if (!load_record(number, &record))
+            return 0;
         if (!differences_only || record.kind != SAME_ROWS)
             put_record(number, record);
     }

@@ -70,7 +70,7 @@ const char* compare_was_disturbed() {
         if (side->file != NO_FILE && has_changed(*side))
             return side->path;
     }
-    return nullptr;
+    return record_list_is_damaged() ? record_list_path() : nullptr;
 }
 
 void close_compare() {

@@ -54,6 +54,7 @@ void show_results() {
     end_wait(pointer);
     if (!printed)
         show_compare_box(CompareBox::CANNOT_PRINT);
+    tell_disturbance();  // rows may have gone while they were printed
 }
 
 }  // namespace

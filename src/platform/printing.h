@@ -33,4 +33,7 @@ void print_end_page();
 // Ends the job. Gives 1, or 0 when a part of it was not taken (full disk, printer gone).
 int print_end();
 
+// Ends the job and drops it: no PDF file comes to be, an old one stays, and a printer gets no more.
+void print_abandon();
+
 }  // namespace hexlane::platform

@@ -30,23 +30,28 @@ void print_head(const char* path) {
 
 }  // namespace
 
-bool print_listing(const char* path, const char* pdf_path, int32_t first, int32_t last, RowSource row_text) {
+ListingResult print_listing(const char* path, const char* pdf_path, int32_t first, int32_t last,
+                            RowSource find_row) {
     const PrintStart start = start_print_document(path, pdf_path);
     if (start != PrintStart::STARTED)
-        return start != PrintStart::FAILED;
+        return start == PrintStart::FAILED ? ListingResult::NOT_STARTED : ListingResult::CANCELLED;
     print_head(path);
     int32_t lines = 2;
     for (int32_t row = first; row <= last; row++) {
-        const char* text = row_text(row);
-        if (text == nullptr)
+        const char* text = nullptr;
+        const RowFound found = find_row(row, &text);
+        if (found == RowFound::UNREADABLE) {
+            abandon_print_document();
+            return ListingResult::UNREADABLE;
+        }
+        if (found == RowFound::NO_ROW)
             break;
         set_print_font(FACE, ROW_POINTS);
         print_whole_line(text);
         count_print_line(&lines);
         pump_one_message();
     }
-    end_print_document();
-    return true;
+    return end_print_document() ? ListingResult::PRINTED : ListingResult::NOT_COMPLETE;
 }
 
 }  // namespace hexlane

@@ -5,12 +5,17 @@
 
 namespace hexlane {
 
-// The text of row `row`, asked for in rising order; nullptr when there is no such row.
-using RowSource = const char* (*)(int32_t row);
+enum class RowFound : uint8_t { ROW, NO_ROW, UNREADABLE };
+
+// Brings the text of row `row`, asked for in rising order.
+using RowSource = RowFound (*)(int32_t row, const char** text);
+
+// UNREADABLE: a row could not be read, and the job was dropped. The other failures have been told.
+enum class ListingResult : uint8_t { PRINTED, CANCELLED, NOT_STARTED, NOT_COMPLETE, UNREADABLE };
 
 // Prints the path, an empty line and rows `first` to `last`, as far as there are such rows, on the default
-// printer or (not nullptr) into a PDF file. Serves a waiting message behind each row. Gives false when the
-// job could not be started, which has been told; true too when the user has cancelled it.
-bool print_listing(const char* path, const char* pdf_path, int32_t first, int32_t last, RowSource row_text);
+// printer or (not nullptr) into a PDF file. Serves a waiting message behind each row.
+ListingResult print_listing(const char* path, const char* pdf_path, int32_t first, int32_t last,
+                            RowSource row_text);
 
 }  // namespace hexlane

@@ -72,10 +72,17 @@ void count_print_line(int32_t* lines) {
     *lines = 0;
 }
 
-void end_print_document() {
+bool end_print_document() {
     print_end_page();
-    if (!print_end())
-        show_print_box(PrintBox::NOT_COMPLETE, print_problem_text());
+    if (print_end())
+        return true;
+    show_print_box(PrintBox::NOT_COMPLETE, print_problem_text());
+    return false;
+}
+
+void abandon_print_document() {
+    print_end_page();
+    print_abandon();
 }
 
 void report_print_error() {

@@ -28,8 +28,11 @@ void begin_next_page();
 // Counts a line, and begins the next page when the count has passed LINES_PER_PAGE.
 void count_print_line(int32_t* lines);
 
-// Ends the last page and the job, and tells if a part of it was not taken.
-void end_print_document();
+// Ends the last page and the job. Gives false when a part of it was not taken, which has been told.
+bool end_print_document();
+
+// Ends the job where it stands; what it was to become stays as it was, as far as the device allows.
+void abandon_print_document();
 
 // The error box of a job that cannot be started, with print_problem_text for the reason.
 void report_print_error();

@@ -62,18 +62,20 @@ int64_t print_proc(WindowHandle view, uint32_t message, int64_t first, int64_t s
 }
 
 // A block inside a row has no rows, and the choice can be made without a block: both name row -1.
-const char* document_row(int32_t row) {
+RowFound document_row(int32_t row, const char** text) {
     if (row < 0 || row > child[0].last_file_row)
-        return nullptr;
-    fetch_row(row);
+        return RowFound::NO_ROW;
+    if (!fetch_row(row))
+        return RowFound::UNREADABLE;
     if (child[0].nc_mode)
         format_nc_row();
-    return child[0].row_text;
+    *text = child[0].row_text;
+    return RowFound::ROW;
 }
 
-bool print_file() {
+ListingResult print_file() {
     if (show_view(&PRINT_VIEW, print_proc) != 1)
-        return true;
+        return ListingResult::CANCELLED;
     const int32_t first = selection_chosen ? block.start.row : 0;
     const int32_t last = selection_chosen ? block.end.row : child[0].last_file_row;
     return print_listing(child[0].file_path, nullptr, first, last, document_row);
@@ -83,7 +85,8 @@ bool print_file() {
 
 void command_print() {
     const PointerShape pointer = begin_wait();
-    if (!print_file())
+    const ListingResult result = print_file();
+    if (result == ListingResult::NOT_STARTED || result == ListingResult::UNREADABLE)
         show_print_box(PrintBox::CANNOT_PRINT);
     end_wait(pointer);
 }

@@ -2,6 +2,7 @@
 """The commands of hexlane-cli that work on files: compare beside the tool of that name, and print."""
 
 import random
+import resource
 import shutil
 import signal
 import subprocess
@@ -60,11 +61,18 @@ class CompareTest(Case):
         for words in (('left.nc',), ('left.nc', 'left.nc', 'left.nc'), ('left.nc', 'missing.nc'), ('left.nc', '.'),
                       ('--look-ahead', 0, 'left.nc', 'left.nc'), ('--look-ahead', 100, 'left.nc', 'left.nc'),
                       ('--differences-only', 'left.nc', 'left.nc'), ('--what', 'left.nc', 'left.nc'),
-                      ('left.nc', 'left.nc', '--report'), ('left.nc', 'left.nc', '--report', 'missing/report')):
+                      ('left.nc', 'left.nc', '--report'), ('left.nc', 'left.nc', '--report', 'missing/report'),
+                      ('left.nc', 'left.nc', '--report', './left.nc')):
             with self.subTest(words=words):
                 done = self.home.run('compare', *words)
                 self.assertEqual((done.returncode, done.stdout), (2, ''))
                 self.assertTrue(done.stderr)
+        self.assertEqual(self.home.path('left.nc').read_bytes(), b'A\r\n')
+        with open('/dev/full', 'wb') as full:
+            done = subprocess.run([station.programs.cli, 'compare', 'left.nc', 'left.nc'], stdout=full,
+                                  stderr=subprocess.PIPE, cwd=self.home.folder, env=self.home.environment(), check=False)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b'standard output', done.stderr)
 
     def test_an_interrupt_ends_it_and_leaves_nothing(self):
         self.home.write('rows.nc', b'\n' * 40000000)
@@ -102,12 +110,27 @@ class PrintTest(Case):
         for code, words in ((2, ()), (2, ('part.nc',)), (2, ('--pdf', 'out.pdf')), (2, ('--pdf', 'o', 'part.nc', 'part.nc')),
                             (2, ('--rows', '4-3', '--pdf', 'o', 'part.nc')), (2, ('--rows', '0-1', '--pdf', 'o', 'part.nc')),
                             (3, ('--pdf', 'o', 'missing.nc')), (3, ('--pdf', 'missing/o', 'part.nc')),
-                            (3, ('--pdf', '.', 'part.nc'))):
+                            (3, ('--pdf', '.', 'part.nc')), (3, ('--pdf', 'part.nc', 'part.nc'))):
             with self.subTest(words=words):
                 done = self.home.run('print', *words)
                 self.assertEqual(done.returncode, code, done.stderr)
                 self.assertTrue(done.stderr)
                 self.assertFalse(self.home.path('o').exists())
+                self.assertEqual(self.home.path('part.nc').read_bytes(), b'M30\r\n')
+
+    def test_a_full_disk_leaves_the_old_pages(self):
+        self.home.write('part.nc', b'M30\r\n' * 2000)
+        self.home.write('out.pdf', b'%PDF-old')
+
+        def allow_little():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096))
+
+        done = self.home.run('print', '--pdf', 'out.pdf', 'part.nc', preexec_fn=allow_little)
+        self.assertEqual(done.returncode, 3)
+        self.assertTrue(done.stderr)
+        self.assertEqual([path.name for path in self.home.folder.glob('out*')], ['out.pdf'])
+        self.assertEqual(self.home.path('out.pdf').read_bytes(), b'%PDF-old')
 
 
 if __name__ == '__main__':

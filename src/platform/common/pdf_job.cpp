@@ -25,6 +25,7 @@ constexpr int MARGIN = 28;  // points on every side
 constexpr int FIRST_PRINTABLE = 0x20;
 constexpr int DELETE_CODE = 0x7F;
 constexpr std::size_t FLUSH_BYTES = 1 << 16;
+constexpr char PDF_MARK[] = "%PDF-";
 
 // Sizes in thousandths of the font's: from the top of the line to the letters' foot, the line, the gap
 // wanted.
@@ -52,7 +53,8 @@ struct Job {
     std::string target;  // the file that the job becomes
     std::string path;    // where it is written meanwhile
     FileHandle file = NO_FILE;
-    int64_t position = 0;  // of the bytes in `waiting`
+    FileHandle old = NO_FILE;  // the target as it was
+    int64_t position = 0;      // of the bytes in `waiting`
     std::string waiting;
     bool failed = false;
     std::vector<int64_t> offsets;  // by object number
@@ -110,6 +112,28 @@ void put_object(int number, const std::string& body) {
     put("\nendobj\n");
 }
 
+// Whether what is there may make room for a PDF file: another one, or an empty file. A wrong name must not
+// cost an NC program.
+bool may_be_replaced(FileHandle old) {
+    char front[sizeof PDF_MARK - 1];
+    const int64_t count = file_read_at(old, 0, front, sizeof front);
+    return count == 0 || (count == sizeof front && std::memcmp(front, PDF_MARK, sizeof front) == 0);
+}
+
+// Opens the file that will be replaced, if there is one, for its mode. Gives false when the job cannot go
+// there.
+bool open_old() {
+    job.old = file_open(job.target.c_str(), FileAccess::READ_WRITE);
+    if (job.old == NO_FILE) {
+        return last_file_error() == FileError::NOT_FOUND;
+    }
+    if (!may_be_replaced(job.old)) {
+        problem = "the file that is there is no PDF file, and stays";
+        return false;
+    }
+    return true;
+}
+
 // A name beside the target that nobody else uses; the target of a link keeps its link.
 bool open_output(const char* path) {
     char target[PATH_SIZE];
@@ -117,17 +141,37 @@ bool open_output(const char* path) {
         set_last_file_error(FileError::NAME_TOO_LONG);
         return false;
     }
-    const PathKind kind = path_kind(target);
-    if (kind != PathKind::NONE && kind != PathKind::FILE) {
-        set_last_file_error(FileError::NOT_REGULAR);
+    job.target = target;
+    if (!open_old()) {
         return false;
     }
     uint32_t random = 0;
     random_bytes(&random, sizeof random);
-    job.target = target;
-    job.path = formatted("%s.%08x", target, random);
+    job.path = job.target + formatted(".%08x", random);
     job.file = file_create(job.path.c_str(), FileCreate::NEW);
     return job.file != NO_FILE;
+}
+
+void close_old() {
+    if (job.old != NO_FILE) {
+        file_close(job.old);
+    }
+}
+
+// Complete and on the medium, with the old one's mode, in its place.
+bool put_in_place() {
+    const bool flushed = (job.old == NO_FILE || file_adopt_mode(job.file, job.old)) && file_flush(job.file);
+    if (!flushed) {
+        note_failure();
+    }
+    if (!file_close(job.file)) {
+        note_failure();
+    }
+    if (!job.failed &&
+        !(rename_file(job.path.c_str(), job.target.c_str()) && flush_folder_of(job.target.c_str()))) {
+        note_failure();
+    }
+    return !job.failed;
 }
 
 // ---- Texts -------------------------------------------------------------------------------------------
@@ -186,7 +230,10 @@ int pdf_begin(const char* title, const char* path) {
     job = Job();
     problem.clear();
     if (!open_output(path)) {
-        problem = file_error_text(last_file_error());
+        if (problem.empty()) {
+            problem = file_error_text(last_file_error());
+        }
+        close_old();
         return 0;
     }
     put("%PDF-1.4\n%\xE2\xE3\xCF\xD3\n");
@@ -247,18 +294,20 @@ void pdf_end_page() {
 
 int pdf_end() {
     put_end();
-    if (!file_close(job.file)) {
-        note_failure();
-    }
-    if (!job.failed && !rename_file(job.path.c_str(), job.target.c_str())) {
-        note_failure();
-    }
-    if (job.failed) {
+    const bool complete = put_in_place();
+    if (!complete) {
         delete_file(job.path.c_str());
     }
-    const bool failed = job.failed;
+    close_old();
     job = Job();
-    return failed ? 0 : 1;
+    return complete ? 1 : 0;
+}
+
+void pdf_abandon() {
+    file_close(job.file);
+    delete_file(job.path.c_str());
+    close_old();
+    job = Job();
 }
 
 const char* pdf_problem_text() {

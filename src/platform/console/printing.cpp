@@ -57,4 +57,8 @@ int print_end() {
     return pdf_end();
 }
 
+void print_abandon() {
+    pdf_abandon();
+}
+
 }  // namespace hexlane::platform

@@ -162,4 +162,14 @@ int print_end() {
     return taken;
 }
 
+void print_abandon() {
+    if (job.in_pdf) {
+        pdf_abandon();
+    } else {
+        job.printer->abort();
+        job.painter->end();
+    }
+    job = Job();
+}
+
 }  // namespace hexlane::platform

@@ -140,7 +140,9 @@ private:
 };
 
 QWidget* make_label(const ControlSpec& spec) {
-    auto* label = new QLabel(QString::fromUtf8(spec.label));
+    auto* label = new QLabel;
+    label->setTextFormat(Qt::PlainText);  // a file's name may look like markup
+    label->setText(QString::fromUtf8(spec.label));
     label->setWordWrap(spec.width > 0 && label->text().length() > spec.width);
     if (spec.flags & CONTROL_SUNKEN) {
         label->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));

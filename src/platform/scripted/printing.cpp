@@ -112,4 +112,10 @@ int print_end() {
     return 1;
 }
 
+void print_abandon() {
+    must_have_job("print_abandon");
+    printer.busy = false;
+    record_line("print abandoned");
+}
+
 }  // namespace hexlane::platform

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <vector>
 
 #include "compare/compare.h"
 #include "dnc/transfer_state.h"
@@ -36,8 +37,19 @@ protected:
         ProgramTest::TearDown();
     }
 
-    bool was_shown(const std::string& line) const {
+    static bool was_shown(const std::string& line) {
         return std::find(shown_lines().begin(), shown_lines().end(), line) != shown_lines().end();
+    }
+};
+
+// More records than memory holds, the last one a difference.
+class LongCompareTest : public CompareCommandTest {
+protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        const std::string rows(2 * COMPARE_MEMORY_RECORDS, '\n');
+        start_with(rows);
+        write("right.nc", rows + "X\n");
     }
 };
 
@@ -130,6 +142,37 @@ TEST_F(CompareCommandTest, TheReportIsPrivateAndGoesBehindTheJob) {
     EXPECT_TRUE(fs::is_empty(folder));
     EXPECT_TRUE(was_shown("print job \"Compare Results\""));
     EXPECT_TRUE(was_shown("print end"));
+}
+
+// Records that are gone are neither equal rows nor the end of the differences.
+TEST_F(LongCompareTest, AListThatIsLostIsTold) {
+    const std::vector<const char*> ways[] = {{"Compare", "SEARCH FWD", "OK", "EXIT"},
+                                             {"Compare", "PRINT RESULTS", "OK", "OK", "OK"}};
+    for (const auto& way : ways) {
+        platform::reset_file_faults();
+        answer_file_dialog(path("right.nc").c_str());
+        for (const char* answer : way)
+            answer_box(answer);
+        ASSERT_TRUE(platform::arm_file_faults_from_text("fail read 1 EIO tmpx.twr"));
+        command(COMPARE);
+        ASSERT_FALSE(shown_boxes().empty());
+        EXPECT_NE(shown_boxes().back().text.find("tmpx.twr has been changed"), std::string::npos);
+        EXPECT_FALSE(was_shown("print job \"Compare Results\""));
+    }
+    platform::reset_file_faults();
+}
+
+TEST_F(CompareCommandTest, AReportThatCannotBeReadIsNoWholeJob) {
+    answer_file_dialog(path("right.nc").c_str());
+    answer_box("Compare");
+    answer_box("PRINT RESULTS");
+    answer_box("OK");
+    answer_box("OK");
+    ASSERT_TRUE(platform::arm_file_faults_from_text("fail read 1 EIO DX"));
+    command(COMPARE);
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    EXPECT_EQ(shown_boxes()[0].text, "Cannot print compare results");
+    EXPECT_TRUE(was_shown("print abandoned"));
 }
 
 TEST_F(CompareCommandTest, AReportThatCannotBeWrittenIsNotPrinted) {

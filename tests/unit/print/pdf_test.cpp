@@ -105,15 +105,15 @@ TEST_F(PdfTest, AReaderFindsTextOrderAndPages) {
 }
 
 TEST_F(PdfTest, AFailedJobLeavesTheOldFile) {
-    write_bytes(path, "old");
-    for (const char* fault :
-         {"fail write 1 ENOSPC", "fail create 1 EACCES", "fail rename 1 EIO", "fail close 1 EIO"}) {
+    write_bytes(path, "%PDF-old");
+    for (const char* fault : {"fail write 1 ENOSPC", "fail create 1 EACCES", "fail rename 1 EIO",
+                              "fail close 1 EIO", "fail flush 1 EIO"}) {
         SCOPED_TRACE(fault);
         reset_file_faults();
         ASSERT_TRUE(arm_file_faults_from_text(fault));
         EXPECT_EQ(write_job(), 0);
         EXPECT_NE(std::string(pdf_problem_text()), "");
-        EXPECT_EQ(read_bytes(path), "old");
+        EXPECT_EQ(read_bytes(path), "%PDF-old");
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
     }
     reset_file_faults();
@@ -124,9 +124,31 @@ TEST_F(PdfTest, AFailedJobLeavesTheOldFile) {
     EXPECT_EQ(pdf_begin("title", (folder + "/missing/out.pdf").c_str()), 0);
 }
 
+// A wrong name, or the program's own, must not cost an NC program.
+TEST_F(PdfTest, OnlyAPdfFileIsReplaced) {
+    for (const char* bytes : {"%\nO1042\n", "%PD", "M30"}) {
+        write_bytes(path, bytes);
+        EXPECT_EQ(pdf_begin("title", path.c_str()), 0);
+        EXPECT_NE(std::string(pdf_problem_text()).find("no PDF file"), std::string::npos);
+        EXPECT_EQ(read_bytes(path), bytes);
+    }
+    write_bytes(path, "");
+    std::filesystem::permissions(path,
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    ASSERT_TRUE(write_job());
+    EXPECT_EQ(std::filesystem::status(path).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    ASSERT_TRUE(pdf_begin("title", path.c_str()));
+    pdf_start_page();
+    pdf_end_page();
+    pdf_abandon();
+    EXPECT_NE(read_bytes(path).find("SECOND PAGE"), std::string::npos);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+}
+
 // The link stays, and the file that it means is replaced.
 TEST_F(PdfTest, ALinkIsFollowed) {
-    write_bytes(folder + "/target.pdf", "old");
+    write_bytes(folder + "/target.pdf", "");
     std::filesystem::create_symlink("target.pdf", path);
     ASSERT_TRUE(write_job());
     EXPECT_TRUE(std::filesystem::is_symlink(path));
