@@ -64,8 +64,8 @@ void delete_at_caret() {
         return;
     const int32_t index = caret_index();
     const int32_t length = row_length();
-    char* at = child[0].row_text + index;
     if (index < length) {
+        char* at = child[0].row_text + index;
         std::memmove(at, at + 1, static_cast<size_t>(length - index));
         paint_edited_row();
     } else if (index == length) {
