@@ -8,6 +8,7 @@
 #include "compare/result_line.h"
 #include "compare/results_walk.h"
 #include "frame/status_line.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/desktop.h"
 #include "platform/printing.h"
@@ -63,8 +64,6 @@ constexpr ControlSpec RESULT_CONTROLS[] = {
 constexpr ViewSpec RESULT_VIEW = {"IDD_SCRCOMP", "Compare Results", 0, RESULT_CONTROLS,
                                   std::size(RESULT_CONTROLS)};
 
-constexpr int16_t OK_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t PRINTER_TEXT = 101;
 constexpr int16_t DIFFERENCES_RADIO = 103;
 
@@ -83,11 +82,6 @@ constexpr std::size_t PRINTER_NAME_SIZE = 51;  // bytes, the NUL included
 
 ResultsWalk walk;
 ResultsAnswer answer;
-
-void write_text(ViewHandle view, int id, const char* text) {
-    view_choose_field(view, id);
-    view_set_text(view, text);
-}
 
 // ---- Drawing -----------------------------------------------------------------------------------------
 
@@ -135,8 +129,8 @@ void draw_list(ViewHandle view) {
 }
 
 void draw_all(ViewHandle view) {
-    write_text(view, LEFT_TITLE, compare.left.title);
-    write_text(view, RIGHT_TITLE, compare.right.title);
+    put_text(view, LEFT_TITLE, compare.left.title);
+    put_text(view, RIGHT_TITLE, compare.right.title);
     set_scroll_range(view_pane(view, LIST_PANE), 0, walk.scroll_max);
     draw_list(view);
     draw_details(view);
@@ -219,8 +213,7 @@ int64_t print_proc(WindowHandle view, uint32_t message, int64_t first, int64_t s
     view_attach(view);
     if (message == WM_INITDIALOG) {
         char name[PRINTER_NAME_SIZE];
-        write_text(view, PRINTER_TEXT,
-                   default_printer(name, sizeof name) ? name : "No printer: to a PDF file");
+        put_text(view, PRINTER_TEXT, default_printer(name, sizeof name) ? name : "No printer: to a PDF file");
         return 1;
     }
     if (message == WM_COMMAND && low_word(first) == OK_BUTTON) {

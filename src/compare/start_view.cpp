@@ -6,6 +6,7 @@
 
 #include "compare/compare.h"
 #include "compare/compare_texts.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
@@ -62,17 +63,12 @@ constexpr Counter COUNTERS[] = {{MATCHES_TEXT, &Compare::matches},
                                 {DELETES_TEXT, &Compare::deletes}};
 int64_t shown_counts[std::size(COUNTERS)];
 
-void write_text(ViewHandle view, int id, const char* text) {
-    view_choose_field(view, id);
-    view_set_text(view, text);
-}
-
 void open_view(ViewHandle view) {
     compare.state = CompareState::READY;
     compare.look_ahead = DEFAULT_LOOK_AHEAD;
     for (int64_t& count : shown_counts)
         count = 0;
-    write_text(view, LOOK_AHEAD_FIELD, DEFAULT_LOOK_AHEAD_TEXT);
+    put_text(view, LOOK_AHEAD_FIELD, DEFAULT_LOOK_AHEAD_TEXT);
     start_timer(view, COUNTER_TIMER, COUNTER_PERIOD_MS);
 }
 
@@ -88,7 +84,7 @@ void take_look_ahead(ViewHandle view, bool may_be_empty) {
     if (rows >= 1 && rows <= LONGEST_LOOK_AHEAD)
         compare.look_ahead = rows;
     else
-        write_text(view, LOOK_AHEAD_FIELD, DEFAULT_LOOK_AHEAD_TEXT);
+        put_text(view, LOOK_AHEAD_FIELD, DEFAULT_LOOK_AHEAD_TEXT);
 }
 
 void show_counters(ViewHandle view) {
@@ -99,7 +95,7 @@ void show_counters(ViewHandle view) {
         shown_counts[i] = count;
         char text[24];
         format_text(text, sizeof text, "%lld", static_cast<long long>(count));
-        write_text(view, COUNTERS[i].text, text);
+        put_text(view, COUNTERS[i].text, text);
     }
 }
 

@@ -7,7 +7,7 @@
 #include "dnc/machine_table.h"
 #include "dnc/parameter_views.h"
 #include "dnc/port_engine.h"
-#include "dnc/view_controls.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 
 #include <iterator>
@@ -43,7 +43,6 @@ constexpr int HIGHEST_DELAY = 9999;   // ms
 constexpr int HIGHEST_TIMEOUT = 100;  // s, of the arrows
 constexpr int HIGHEST_BYTE = 127;     // of a start or end string; more comes from a damaged file
 constexpr int NO_CHARACTER = -1;
-constexpr const char* DIGITS = "0123456789";
 constexpr const char* RULE_TITLE = "Advanced Settings";
 
 constexpr InputRule ASCII_RULE = {

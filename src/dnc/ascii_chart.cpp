@@ -2,7 +2,7 @@
 
 #include "dnc/control_names.h"
 #include "dnc/parameter_views.h"
-#include "dnc/view_controls.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/surface.h"
 #include "platform/text.h"

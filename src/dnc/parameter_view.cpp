@@ -8,9 +8,9 @@
 #include "dnc/parameter_views.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer_state.h"
-#include "dnc/view_controls.h"
 #include "frame/child.h"
 #include "frame/command_state.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/text.h"
 

@@ -5,7 +5,7 @@
 #include "dnc/machine_table.h"
 #include "dnc/start_point.h"
 #include "dnc/transfer_state.h"
-#include "dnc/view_controls.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 
 #include <iterator>

@@ -3,8 +3,8 @@
 #include "dnc/dnc_texts.h"
 #include "dnc/row_index.h"
 #include "dnc/start_point_internal.h"
-#include "dnc/view_controls.h"
 #include "frame/main_window.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
@@ -31,7 +31,7 @@ constexpr int16_t MESSAGE_LINE = 106;
 constexpr std::size_t FIELD_SIZE = 50;
 
 constexpr InputRule TEXT_RULE = {30, nullptr, 0, 0, nullptr, nullptr, nullptr};
-constexpr InputRule NUMBER_RULE = {10, "0123456789", 0, 0, nullptr, "Please enter in a number", "Search For"};
+constexpr InputRule NUMBER_RULE = {10, DIGITS, 0, 0, nullptr, "Please enter in a number", "Search For"};
 
 constexpr ControlSpec CONTROLS[] = {
     {ROW_RADIO, ControlKind::RADIO, "&Row", 0, 0, 1, 2, 0, CONTROL_GROUP, nullptr},

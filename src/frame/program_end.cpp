@@ -11,6 +11,7 @@
 #include "frame/file_guard.h"
 #include "frame/file_questions.h"
 #include "frame/main_window.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/desktop.h"
 #include "platform/views.h"
@@ -25,7 +26,6 @@ using namespace platform;
 namespace {
 
 constexpr int16_t MINIMIZE_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr uint16_t TEXT_WIDTH = 60;  // characters
 
 constexpr ControlSpec TERMINATE_CONTROLS[] = {

@@ -5,6 +5,7 @@
 #include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/main_window.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "input/held_keys.h"
 #include "input/keyboard.h"
@@ -104,11 +105,10 @@ int64_t run_proc(WindowHandle window, uint32_t message, int64_t first, int64_t s
 // ---- Step run ----------------------------------------------------------------------------------------
 
 constexpr int16_t STEP_BUTTON = 1;
-constexpr int16_t STEP_CANCEL_BUTTON = 2;
 
 constexpr ControlSpec STEP_CONTROLS[] = {
     {STEP_BUTTON, ControlKind::BUTTON, "&Step", 0, 0, 1, 1, 12, CONTROL_DEFAULT, nullptr},
-    {STEP_CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 0, 1, 1, 1, 12, CONTROL_CANCEL, nullptr},
+    {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 0, 1, 1, 1, 12, CONTROL_CANCEL, nullptr},
 };
 constexpr ViewSpec STEP_VIEW = {"IDD_STEP_MACRO", "Run Macro", 0, STEP_CONTROLS, 2, 300, 80};
 
@@ -127,7 +127,6 @@ int64_t step_proc(WindowHandle window, uint32_t message, int64_t first, int64_t 
 // ---- Play dialog -------------------------------------------------------------------------------------
 
 constexpr int16_t CONTINUOUS_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t STEP_THROUGH_BUTTON = 3;
 constexpr int16_t DELETE_BUTTON = 4;
 

@@ -5,6 +5,7 @@
 #include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/status_line.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "macros/macro_list.h"
 #include "macros/macro_table.h"
@@ -21,7 +22,6 @@ namespace {
 
 constexpr int16_t NAME_FIELD = 101;
 constexpr int16_t RECORD_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t DELETE_BUTTON = 3;
 
 constexpr InputRule NAME_RULE = {MACRO_NAME_SIZE - 1, nullptr, 0, 0, nullptr, nullptr, nullptr, true};
@@ -42,8 +42,7 @@ void copy_picked_name(ViewHandle view) {
         return;
     char text[MACRO_TEXT_SIZE];
     bytes_to_text(text, sizeof text, macros.table[picked].name);
-    view_choose_field(view, NAME_FIELD);
-    view_set_text(view, text);
+    put_text(view, NAME_FIELD, text);
 }
 
 void start_recording(ViewHandle view, int32_t entry) {

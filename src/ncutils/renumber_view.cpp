@@ -3,11 +3,11 @@
 #include <iterator>
 
 #include "frame/main_window.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "ncutils/nc_commands.h"
 #include "ncutils/ncutils_texts.h"
 #include "ncutils/utilities.h"
-#include "ncutils/view_fields.h"
 
 namespace hexlane {
 
@@ -53,15 +53,15 @@ struct RenumberAnswers {
 } answers;
 
 void show_defaults(ViewHandle view) {
-    fill_field(view, START_FIELD, "1");
-    fill_field(view, INCREMENT_FIELD, "1");
-    fill_field(view, DIGITS_FIELD, "4");
-    fill_field(view, LIMIT_FIELD, "0");
+    put_text(view, START_FIELD, "1");
+    put_text(view, INCREMENT_FIELD, "1");
+    put_text(view, DIGITS_FIELD, "4");
+    put_text(view, LIMIT_FIELD, "0");
 }
 
 void take_answers(ViewHandle view) {
-    answers = {field_number(view, START_FIELD), static_cast<int16_t>(field_number(view, INCREMENT_FIELD)),
-               field_number(view, DIGITS_FIELD), field_number(view, LIMIT_FIELD),
+    answers = {take_number(view, START_FIELD, 0), static_cast<int16_t>(take_number(view, INCREMENT_FIELD, 0)),
+               take_number(view, DIGITS_FIELD, 0), take_number(view, LIMIT_FIELD, 0),
                view_checked(view, UNNUMBERED_BOX)};
 }
 

@@ -7,10 +7,10 @@
 #include "frame/child.h"
 #include "frame/main_window.h"
 #include "frame/status_line.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "ncutils/nc_commands.h"
 #include "ncutils/utilities.h"
-#include "ncutils/view_fields.h"
 
 namespace hexlane {
 
@@ -121,7 +121,7 @@ const WordUtility* shown;  // the utility whose view is up
 WordRun answers;           // what its OK has read
 
 void take_answers(ViewHandle view) {
-    answers = {0, field_number(view, PRECISION_FIELD), shown->arithmetic, 0, {}};
+    answers = {0, take_number(view, PRECISION_FIELD, 0), shown->arithmetic, 0, {}};
     if (shown->has_operand) {
         char operand[12];
         view_get_text(view, OPERAND_FIELD, operand, sizeof operand);
@@ -136,7 +136,7 @@ void take_answers(ViewHandle view) {
 int64_t word_view_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
     view_attach(view);
     if (message == WM_INITDIALOG) {
-        fill_field(view, PRECISION_FIELD, "2");
+        put_text(view, PRECISION_FIELD, "2");
         return 1;
     }
     if (message == WM_COMMAND && low_word(first) == OK_BUTTON) {

@@ -4,6 +4,7 @@
 
 #include "frame/child.h"
 #include "frame/main_window.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "input/block.h"
 #include "platform/desktop.h"
@@ -19,8 +20,6 @@ using namespace platform;
 
 namespace {
 
-constexpr int16_t OK_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t PRINTER_TEXT = 101;
 constexpr int16_t ALL_RADIO = 102;
 constexpr int16_t SELECTION_RADIO = 103;
@@ -42,8 +41,8 @@ bool selection_chosen = false;
 
 void open_view(ViewHandle view) {
     char name[PRINTER_NAME_SIZE];
-    view_choose_field(view, PRINTER_TEXT);
-    view_set_text(view, default_printer(name, sizeof name) ? name : "none, so a PDF file is written");
+    put_text(view, PRINTER_TEXT,
+             default_printer(name, sizeof name) ? name : "none, so a PDF file is written");
     view_check(view, child[0].block_active ? SELECTION_RADIO : ALL_RADIO, true);
 }
 

@@ -3,6 +3,7 @@
 #include "frame/child.h"
 #include "frame/main_window.h"
 #include "frame/status_line.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "search/search.h"
 #include "search/search_internal.h"
@@ -19,7 +20,6 @@ namespace {
 // ---- The dialogs -------------------------------------------------------------------------------------
 
 constexpr int16_t FIND_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t UP_RADIO = 111;
 constexpr int16_t DOWN_RADIO = 112;
 
@@ -48,8 +48,7 @@ void fill_find_dialog(ViewHandle view) {
     if (!search_texts.find_opened)
         search_texts.find_text[0] = '\0';
     search_texts.find_opened = true;
-    view_choose_field(view, FIND_FIELD);
-    view_set_text(view, search_texts.find_text);
+    put_text(view, FIND_FIELD, search_texts.find_text);
     view_check(view, DOWN_RADIO, true);
 }
 

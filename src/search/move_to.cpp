@@ -3,6 +3,7 @@
 
 #include "frame/child.h"
 #include "frame/main_window.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
@@ -25,12 +26,10 @@ namespace {
 
 // ---- The dialogs -------------------------------------------------------------------------------------
 
-constexpr int16_t OK_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t NUMBER_FIELD = 101;
 constexpr int NUMBER_LIMIT = 9;  // digits of a number that is typed
 
-constexpr InputRule NUMBER_RULE = {NUMBER_LIMIT, "0123456789", 0, 0, nullptr, nullptr, nullptr};
+constexpr InputRule NUMBER_RULE = {NUMBER_LIMIT, DIGITS, 0, 0, nullptr, nullptr, nullptr};
 
 constexpr ControlSpec ROW_CONTROLS[] = {
     {100, ControlKind::TEXT, "&ROW NO:", 0, 0, 1, 1, 0, 0, nullptr},

@@ -4,6 +4,7 @@
 #include "frame/child.h"
 #include "frame/main_window.h"
 #include "frame/status_line.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/text.h"
 #include "search/search.h"
@@ -24,7 +25,6 @@ namespace {
 // ---- The dialogs -------------------------------------------------------------------------------------
 
 constexpr int16_t FIND_NEXT_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t REPLACE_ALL_BUTTON = 3;
 
 constexpr ControlSpec REPLACE_CONTROLS[] = {
@@ -54,10 +54,8 @@ void fill_replace_dialog(ViewHandle view) {
         search_texts.replace_text[0] = '\0';
     }
     search_texts.replace_opened = true;
-    view_choose_field(view, FIND_FIELD);
-    view_set_text(view, search_texts.find_text);
-    view_choose_field(view, REPLACE_FIELD);
-    view_set_text(view, search_texts.replace_text);
+    put_text(view, FIND_FIELD, search_texts.find_text);
+    put_text(view, REPLACE_FIELD, search_texts.replace_text);
 }
 
 int64_t replace_proc(WindowHandle window, uint32_t message, int64_t first, int64_t second) {

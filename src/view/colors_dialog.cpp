@@ -6,6 +6,7 @@
 
 #include "frame/boxes.h"
 #include "frame/child.h"
+#include "frame/view_controls.h"
 #include "frame/views.h"
 #include "platform/surface.h"
 #include "platform/views.h"
@@ -38,8 +39,6 @@ constexpr int PALETTE_SIZE = static_cast<int>(std::size(PALETTE));
 
 // ---- The view ----------------------------------------------------------------------------------------
 
-constexpr int16_t OK_BUTTON = 1;
-constexpr int16_t CANCEL_BUTTON = 2;
 constexpr int16_t SLOT_LIST = 100;
 constexpr int16_t INCLUDE_BOX = 101;
 constexpr int16_t SAMPLE_PANE = 102;

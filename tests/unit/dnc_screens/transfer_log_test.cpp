@@ -7,7 +7,7 @@
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
-#include "dnc/view_controls.h"
+#include "frame/view_controls.h"
 #include "platform/scripted/line_hooks.h"
 #include "platform/scripted/test_hooks.h"
 #include "support/program_test.h"

@@ -1,5 +1,5 @@
-// view_controls.h: what the communication views share: groups of radio buttons, and texts and numbers in
-// controls. Main thread only.
+// view_controls.h: what the views share: the ids of their buttons, groups of radio buttons, and texts and
+// numbers in controls. Main thread only.
 #pragma once
 
 #include "platform/views.h"
@@ -10,6 +10,8 @@ namespace hexlane {
 
 constexpr int16_t OK_BUTTON = 1;
 constexpr int16_t CANCEL_BUTTON = 2;
+
+constexpr const char* DIGITS = "0123456789";
 
 // Writes the text of a control.
 void put_text(platform::ViewHandle view, int id, const char* text);

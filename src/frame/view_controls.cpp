@@ -1,4 +1,4 @@
-#include "dnc/view_controls.h"
+#include "frame/view_controls.h"
 
 #include "platform/text.h"
 
