@@ -13,7 +13,7 @@
 #include "platform/desktop.h"
 #include "platform/text.h"
 
-#include <iterator>
+#include <array>
 
 namespace hexlane {
 
@@ -45,37 +45,45 @@ constexpr int16_t id_of(int slot, int16_t control) {
 constexpr std::size_t NAME_SHOWN_WHOLE = 19;  // characters
 constexpr std::size_t NAME_END_SHOWN = 17;
 
-constexpr ControlSpec CONTROLS[] = {
+constexpr auto HEADINGS = std::to_array<ControlSpec>({
     {301, ControlKind::TEXT, "Machine Name", 0, 0, 1, 1, 0, 0, nullptr},
     {302, ControlKind::TEXT, "Port", 0, 1, 1, 1, 0, 0, nullptr},
     {303, ControlKind::TEXT, "   File Name", 0, 2, 1, 2, 0, 0, nullptr},
     {304, ControlKind::TEXT, "Status", 0, 4, 1, 1, 0, 0, nullptr},
+});
 
-    {id_of(0, MACHINE_LIST), ControlKind::CHOICE, "", 1, 0, 1, 1, 20, 0, nullptr},
-    {id_of(0, PORT_TEXT), ControlKind::TEXT, "", 1, 1, 1, 1, 3, CONTROL_SUNKEN, nullptr},
-    {id_of(0, FILE_TEXT), ControlKind::TEXT, "", 1, 2, 1, 1, 20, CONTROL_SUNKEN, nullptr},
-    {id_of(0, FILE_BUTTON), ControlKind::BUTTON, "...", 1, 3, 1, 1, 0, 0, nullptr},
-    {id_of(0, STATUS_TEXT), ControlKind::TEXT, "Inactive ...", 1, 4, 1, 1, 30, CONTROL_SUNKEN, nullptr},
-    {id_of(0, SEND_BUTTON), ControlKind::BUTTON, "&Send", 1, 5, 1, 1, 0, 0, nullptr},
-    {id_of(0, RECEIVE_BUTTON), ControlKind::BUTTON, "&Receive", 1, 6, 1, 1, 0, 0, nullptr},
-    {id_of(0, STOP_BUTTON), ControlKind::BUTTON, "S&top", 1, 7, 1, 1, 0, 0, nullptr},
-    {id_of(0, TERMINAL_BUTTON), ControlKind::BUTTON, "Ter&minal", 1, 8, 1, 1, 0, 0, nullptr},
+// A letter leads to one row's button.
+struct RowLabels {
+    const char *file, *send, *receive, *stop, *terminal;
+};
+constexpr RowLabels UPPER_ROW = {"...", "&Send", "&Receive", "S&top", "Ter&minal"};
+constexpr RowLabels LOWER_ROW = {"...", "S&end", "Re&ceive", "St&op", "Term&inal"};
 
-    {id_of(1, MACHINE_LIST), ControlKind::CHOICE, "", 2, 0, 1, 1, 20, 0, nullptr},
-    {id_of(1, PORT_TEXT), ControlKind::TEXT, "", 2, 1, 1, 1, 3, CONTROL_SUNKEN, nullptr},
-    {id_of(1, FILE_TEXT), ControlKind::TEXT, "", 2, 2, 1, 1, 20, CONTROL_SUNKEN, nullptr},
-    {id_of(1, FILE_BUTTON), ControlKind::BUTTON, "...", 2, 3, 1, 1, 0, 0, nullptr},
-    {id_of(1, STATUS_TEXT), ControlKind::TEXT, "Inactive ...", 2, 4, 1, 1, 30, CONTROL_SUNKEN, nullptr},
-    {id_of(1, SEND_BUTTON), ControlKind::BUTTON, "S&end", 2, 5, 1, 1, 0, 0, nullptr},
-    {id_of(1, RECEIVE_BUTTON), ControlKind::BUTTON, "Re&ceive", 2, 6, 1, 1, 0, 0, nullptr},
-    {id_of(1, STOP_BUTTON), ControlKind::BUTTON, "St&op", 2, 7, 1, 1, 0, 0, nullptr},
-    {id_of(1, TERMINAL_BUTTON), ControlKind::BUTTON, "Term&inal", 2, 8, 1, 1, 0, 0, nullptr},
+constexpr auto row_controls(int slot, const RowLabels& label) {
+    const auto row = static_cast<uint8_t>(slot + 1);
+    return std::to_array<ControlSpec>({
+        {id_of(slot, MACHINE_LIST), ControlKind::CHOICE, "", row, 0, 1, 1, 20, 0, nullptr},
+        {id_of(slot, PORT_TEXT), ControlKind::TEXT, "", row, 1, 1, 1, 3, CONTROL_SUNKEN, nullptr},
+        {id_of(slot, FILE_TEXT), ControlKind::TEXT, "", row, 2, 1, 1, 20, CONTROL_SUNKEN, nullptr},
+        {id_of(slot, FILE_BUTTON), ControlKind::BUTTON, label.file, row, 3, 1, 1, 0, 0, nullptr},
+        {id_of(slot, STATUS_TEXT), ControlKind::TEXT, "Inactive ...", row, 4, 1, 1, 30, CONTROL_SUNKEN,
+         nullptr},
+        {id_of(slot, SEND_BUTTON), ControlKind::BUTTON, label.send, row, 5, 1, 1, 0, 0, nullptr},
+        {id_of(slot, RECEIVE_BUTTON), ControlKind::BUTTON, label.receive, row, 6, 1, 1, 0, 0, nullptr},
+        {id_of(slot, STOP_BUTTON), ControlKind::BUTTON, label.stop, row, 7, 1, 1, 0, 0, nullptr},
+        {id_of(slot, TERMINAL_BUTTON), ControlKind::BUTTON, label.terminal, row, 8, 1, 1, 0, 0, nullptr},
+    });
+}
 
+constexpr auto BACK_BUTTON = std::to_array<ControlSpec>({
     {CANCEL_BUTTON, ControlKind::BUTTON, "Return to E&ditor", 3, 0, 1, 9, 0,
      CONTROL_CANCEL | CONTROL_CENTERED, nullptr},
-};
-constexpr ViewSpec ACTIVITY_VIEW = {"COMMDLG", "Communications Activity Screen", 0, CONTROLS,
-                                    static_cast<int16_t>(std::size(CONTROLS))};
+});
+
+constexpr auto CONTROLS =
+    join_controls(HEADINGS, row_controls(0, UPPER_ROW), row_controls(1, LOWER_ROW), BACK_BUTTON);
+constexpr ViewSpec ACTIVITY_VIEW = {"COMMDLG", "Communications Activity Screen", 0, CONTROLS.data(),
+                                    CONTROLS.size()};
 
 int activity_row = 0;        // the row that the next tick serves
 bool activity_busy = false;  // a tick is being served

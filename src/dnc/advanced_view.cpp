@@ -6,10 +6,12 @@
 #include "dnc/machine_presets.h"
 #include "dnc/machine_table.h"
 #include "dnc/parameter_views.h"
+#include "dnc/parameter_views_internal.h"
 #include "dnc/port_engine.h"
 #include "frame/view_controls.h"
 #include "frame/views.h"
 
+#include <array>
 #include <iterator>
 
 namespace hexlane {
@@ -55,20 +57,19 @@ constexpr InputRule BYTE_RULE = {
 constexpr InputRule DELAY_RULE = {4, DIGITS, 0, 0, nullptr, nullptr, nullptr};
 constexpr InputRule TIMEOUT_RULE = {3, DIGITS, 0, 0, nullptr, nullptr, nullptr};
 
-constexpr ControlSpec byte_field(int first_id, int index, int row) {
-    return {static_cast<int16_t>(first_id + index),
-            ControlKind::FIELD,
-            "",
-            static_cast<uint8_t>(row),
-            static_cast<uint8_t>(2 + index),
-            1,
-            1,
-            3,
-            0,
-            &BYTE_RULE};
+// The fields of a start or end string, side by side.
+constexpr auto byte_fields(int first_id, uint8_t row) {
+    std::array<ControlSpec, MACHINE_STRING_SIZE> fields = {};
+    for (int i = 0; i < MACHINE_STRING_SIZE; i++) {
+        ControlSpec& field = fields[static_cast<std::size_t>(i)];
+        field = {0, ControlKind::FIELD, "", row, 0, 1, 1, 3, 0, &BYTE_RULE};
+        field.id = static_cast<int16_t>(first_id + i);
+        field.column = static_cast<uint8_t>(2 + i);
+    }
+    return fields;
 }
 
-constexpr ControlSpec CONTROLS[] = {
+constexpr auto UPPER_CONTROLS = std::to_array<ControlSpec>({
     {301, ControlKind::FRAME, "Compression Options", 0, 0, 6, 2, 0, 0, nullptr},
     {101, ControlKind::CHECK, "&Compress Comments", 0, 0, 1, 2, 0, 0, nullptr},
     {102, ControlKind::CHECK, "Compress &Spaces", 1, 0, 1, 2, 0, 0, nullptr},
@@ -86,9 +87,10 @@ constexpr ControlSpec CONTROLS[] = {
     {TIMEOUT_FIELD, ControlKind::FIELD, "", 1, 6, 1, 2, 4, 0, &TIMEOUT_RULE},
     {TIMEOUT_UP, ControlKind::BUTTON, "Up", 1, 8, 1, 1, 0, 0, nullptr},
     {TIMEOUT_DOWN, ControlKind::BUTTON, "Down", 1, 9, 1, 1, 0, 0, nullptr},
-    {304, ControlKind::FRAME, "EIA XOFF Char", 2, 2, 4, 8, 0, 0, nullptr},
-    {140, ControlKind::RADIO, "19", 2, 2, 1, 4, 0, CONTROL_GROUP, nullptr},
-    {141, ControlKind::RADIO, "147", 3, 2, 1, 4, 0, 0, nullptr},
+});
+
+// Ends with the label of the start string.
+constexpr auto LOWER_CONTROLS = std::to_array<ControlSpec>({
     {303, ControlKind::FRAME, "Start/End String", 6, 0, 6, 10, 0, 0, nullptr},
     {404, ControlKind::TEXT, "Start Char (ASCII value)", 6, 0, 1, 2, 0, 0, nullptr},
     {START_CHAR_FIELD, ControlKind::FIELD, "", 6, 2, 1, 2, 4, 0, &ASCII_RULE},
@@ -99,43 +101,30 @@ constexpr ControlSpec CONTROLS[] = {
     {407, ControlKind::TEXT, "End Char Occurence", 9, 0, 1, 2, 0, 0, nullptr},
     {END_COUNT_FIELD, ControlKind::FIELD, "", 9, 2, 1, 2, 4, 0, &COUNT_RULE},
     {408, ControlKind::TEXT, "Start String (ASCII value)", 10, 0, 1, 2, 0, 0, nullptr},
-    byte_field(START_STRING_FIELDS, 0, 10),
-    byte_field(START_STRING_FIELDS, 1, 10),
-    byte_field(START_STRING_FIELDS, 2, 10),
-    byte_field(START_STRING_FIELDS, 3, 10),
-    byte_field(START_STRING_FIELDS, 4, 10),
-    byte_field(START_STRING_FIELDS, 5, 10),
-    byte_field(START_STRING_FIELDS, 6, 10),
-    byte_field(START_STRING_FIELDS, 7, 10),
+});
+
+constexpr auto END_STRING_LABEL = std::to_array<ControlSpec>({
     {409, ControlKind::TEXT, "End String (ASCII value)", 11, 0, 1, 2, 0, 0, nullptr},
-    byte_field(END_STRING_FIELDS, 0, 11),
-    byte_field(END_STRING_FIELDS, 1, 11),
-    byte_field(END_STRING_FIELDS, 2, 11),
-    byte_field(END_STRING_FIELDS, 3, 11),
-    byte_field(END_STRING_FIELDS, 4, 11),
-    byte_field(END_STRING_FIELDS, 5, 11),
-    byte_field(END_STRING_FIELDS, 6, 11),
-    byte_field(END_STRING_FIELDS, 7, 11),
+});
+
+constexpr auto BUTTONS = std::to_array<ControlSpec>({
     {OK_BUTTON, ControlKind::BUTTON, "OK", 12, 0, 1, 2, 0, CONTROL_DEFAULT | CONTROL_CENTERED, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 12, 2, 1, 4, 0, CONTROL_CANCEL | CONTROL_CENTERED,
      nullptr},
     {CHART_BUTTON, ControlKind::BUTTON, "&ASCII Chart", 12, 6, 1, 4, 0, CONTROL_CENTERED, nullptr},
-};
+});
 
-constexpr ViewSpec ADVANCED_VIEW = {"ADVANCED", "Advanced Settings", 0, CONTROLS,
-                                    static_cast<int16_t>(std::size(CONTROLS))};
+constexpr auto CONTROLS =
+    join_controls(UPPER_CONTROLS,
+                  radio_frame({304, ControlKind::FRAME, "EIA XOFF Char", 2, 2, 4, 8, 0, 0, nullptr},
+                              XOFF_RADIOS, {"19", "147"}),
+                  LOWER_CONTROLS, byte_fields(START_STRING_FIELDS, 10), END_STRING_LABEL,
+                  byte_fields(END_STRING_FIELDS, 11), BUTTONS);
 
-MachineParams& edited() {
-    return machine_table[edit_machine];
-}
-
-void store(Field field, int value) {
-    const BothSlotsGuard guard;
-    set_field(&edited(), field, value);
-}
+constexpr ViewSpec ADVANCED_VIEW = {"ADVANCED", "Advanced Settings", 0, CONTROLS.data(), CONTROLS.size()};
 
 int setting(Field field) {
-    return machine_setting(edited(), field);
+    return machine_setting(edited_machine(), field);
 }
 
 void put_bytes(ViewHandle view, int first_id, const uint8_t* bytes) {
@@ -159,18 +148,18 @@ void show_settings(ViewHandle view) {
     put_number(view, START_COUNT_FIELD, setting(Field::START_CHAR_COUNT), NO_CHARACTER);
     put_number(view, END_CHAR_FIELD, setting(Field::END_CHAR), NO_CHARACTER);
     put_number(view, END_COUNT_FIELD, setting(Field::END_CHAR_COUNT), NO_CHARACTER);
-    put_bytes(view, START_STRING_FIELDS, edited().start_string);
-    put_bytes(view, END_STRING_FIELDS, edited().end_string);
+    put_bytes(view, START_STRING_FIELDS, edited_machine().start_string);
+    put_bytes(view, END_STRING_FIELDS, edited_machine().end_string);
 
     const bool eia = setting(Field::DATA_TYPE) == DATA_EIA;
     if (!eia)
-        store(Field::XOFF_CHAR, XOFF_DEFAULT);
+        store_setting(Field::XOFF_CHAR, XOFF_DEFAULT);
     tick_radio(view, XOFF_RADIOS, setting(Field::XOFF_CHAR) == XOFF_DEFAULT ? 0 : 1);
     enable_controls(view, XOFF_RADIOS, 2, eia);
 
     const bool may_delay = setting(Field::EOB_CONVERSION) != EOB_NO_CONVERSION;
     if (!may_delay)
-        store(Field::EOB_DELAY_MS, 0);
+        store_setting(Field::EOB_DELAY_MS, 0);
     enable_controls(view, DELAY_FIELD, 3, may_delay);
     put_number(view, DELAY_FIELD, setting(Field::EOB_DELAY_MS), NO_CHARACTER);
     put_number(view, TIMEOUT_FIELD, setting(Field::RECEIVE_TIMEOUT_S), NO_CHARACTER);
@@ -182,7 +171,7 @@ bool set_delay_back(ViewHandle view) {
         take_number(view, DELAY_FIELD, 0) > 0 && setting(Field::EOB_CONVERSION) == EOB_NO_CONVERSION;
     if (!wrong)
         return false;
-    store(Field::EOB_DELAY_MS, 0);
+    store_setting(Field::EOB_DELAY_MS, 0);
     put_number(view, DELAY_FIELD, 0, NO_CHARACTER);
     show_dnc_box(DncBox::DELAY_DROPPED);
     return true;
@@ -197,7 +186,7 @@ void step_delay(ViewHandle view, int step) {
     if (delay < 0)
         delay = HIGHEST_DELAY;
     put_number(view, DELAY_FIELD, delay, NO_CHARACTER);
-    store(Field::EOB_DELAY_MS, delay);
+    store_setting(Field::EOB_DELAY_MS, delay);
 }
 
 void step_timeout(ViewHandle view, int step) {
@@ -209,26 +198,27 @@ void step_timeout(ViewHandle view, int step) {
     if (step > 0)
         seconds = seconds >= HIGHEST_TIMEOUT ? 1 : seconds + 1;
     put_number(view, TIMEOUT_FIELD, seconds, NO_CHARACTER);
-    store(Field::RECEIVE_TIMEOUT_S, seconds);
+    store_setting(Field::RECEIVE_TIMEOUT_S, seconds);
 }
 
 void store_all(ViewHandle view) {
     for (std::size_t i = 0; i < std::size(COMPRESSIONS); i++)
-        store(COMPRESSIONS[i], view_checked(view, COMPRESSION_BOXES + static_cast<int>(i)) ? 1 : 0);
-    store(Field::XOFF_CHAR, ticked_radio(view, XOFF_RADIOS, 2) == 0 ? XOFF_DEFAULT : XOFF_EIA_ALTERNATE);
-    store(Field::COMPRESS_CHARACTER, take_number(view, COMPRESS_FIELD, NO_CHARACTER));
+        store_setting(COMPRESSIONS[i], view_checked(view, COMPRESSION_BOXES + static_cast<int>(i)) ? 1 : 0);
+    store_setting(Field::XOFF_CHAR,
+                  ticked_radio(view, XOFF_RADIOS, 2) == 0 ? XOFF_DEFAULT : XOFF_EIA_ALTERNATE);
+    store_setting(Field::COMPRESS_CHARACTER, take_number(view, COMPRESS_FIELD, NO_CHARACTER));
     const int seconds = take_number(view, TIMEOUT_FIELD, 0);
-    store(Field::RECEIVE_TIMEOUT_S, seconds == 0 ? 1 : seconds);
+    store_setting(Field::RECEIVE_TIMEOUT_S, seconds == 0 ? 1 : seconds);
     if (seconds == 0)
         put_number(view, TIMEOUT_FIELD, 1, NO_CHARACTER);
     if (!set_delay_back(view))
-        store(Field::EOB_DELAY_MS, take_number(view, DELAY_FIELD, 0));
-    store(Field::START_CHAR, take_number(view, START_CHAR_FIELD, NO_CHARACTER));
-    store(Field::START_CHAR_COUNT, take_number(view, START_COUNT_FIELD, 0));
-    store(Field::END_CHAR, take_number(view, END_CHAR_FIELD, NO_CHARACTER));
-    store(Field::END_CHAR_COUNT, take_number(view, END_COUNT_FIELD, 0));
-    take_bytes(view, START_STRING_FIELDS, edited().start_string);
-    take_bytes(view, END_STRING_FIELDS, edited().end_string);
+        store_setting(Field::EOB_DELAY_MS, take_number(view, DELAY_FIELD, 0));
+    store_setting(Field::START_CHAR, take_number(view, START_CHAR_FIELD, NO_CHARACTER));
+    store_setting(Field::START_CHAR_COUNT, take_number(view, START_COUNT_FIELD, 0));
+    store_setting(Field::END_CHAR, take_number(view, END_CHAR_FIELD, NO_CHARACTER));
+    store_setting(Field::END_CHAR_COUNT, take_number(view, END_COUNT_FIELD, 0));
+    take_bytes(view, START_STRING_FIELDS, edited_machine().start_string);
+    take_bytes(view, END_STRING_FIELDS, edited_machine().end_string);
 }
 
 int64_t advanced_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {

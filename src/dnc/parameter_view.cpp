@@ -6,6 +6,7 @@
 #include "dnc/machine_presets.h"
 #include "dnc/machine_table.h"
 #include "dnc/parameter_views.h"
+#include "dnc/parameter_views_internal.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer_state.h"
 #include "frame/child.h"
@@ -14,6 +15,7 @@
 #include "frame/views.h"
 #include "platform/text.h"
 
+#include <array>
 #include <iterator>
 
 namespace hexlane {
@@ -42,7 +44,7 @@ constexpr int EOB_COUNT = static_cast<int>(std::size(EOB_TEXTS));
 
 constexpr InputRule NAME_RULE = {MACHINE_NAME_SIZE - 1, nullptr, 0, 0, nullptr, nullptr, nullptr};
 
-constexpr ControlSpec CONTROLS[] = {
+constexpr auto TOP_CONTROLS = std::to_array<ControlSpec>({
     {201, ControlKind::TEXT, "&Machine ", 0, 0, 1, 2, 0, 0, nullptr},
     {MACHINE_BOX, ControlKind::CHOICE, "", 0, 2, 1, 4, 36, CONTROL_EDITABLE, &NAME_RULE},
     {202, ControlKind::TEXT, "Specific &Protocol ", 1, 0, 1, 2, 0, 0, nullptr},
@@ -53,62 +55,47 @@ constexpr ControlSpec CONTROLS[] = {
     {BAUD_DOWN, ControlKind::BUTTON, "Do&wn", 2, 5, 1, 1, 0, 0, nullptr},
     {204, ControlKind::TEXT, "&End of Block Conversion", 3, 0, 1, 2, 0, 0, nullptr},
     {EOB_LIST, ControlKind::CHOICE, "", 3, 2, 1, 4, 22, 0, nullptr},
+});
 
-    {301, ControlKind::FRAME, "Data Type", 4, 0, 4, 2, 0, 0, nullptr},
-    {110, ControlKind::RADIO, "&ISO", 4, 0, 1, 2, 0, CONTROL_GROUP, nullptr},
-    {111, ControlKind::RADIO, "EI&A", 5, 0, 1, 2, 0, 0, nullptr},
-    {112, ControlKind::RADIO, "AS&CII", 6, 0, 1, 2, 0, 0, nullptr},
-    {113, ControlKind::RADIO, "&BINARY", 7, 0, 1, 2, 0, 0, nullptr},
-    {302, ControlKind::FRAME, "Parity", 4, 2, 4, 2, 0, 0, nullptr},
-    {114, ControlKind::RADIO, "&NONE", 4, 2, 1, 2, 0, CONTROL_GROUP, nullptr},
-    {115, ControlKind::RADIO, "E&VEN", 5, 2, 1, 2, 0, 0, nullptr},
-    {116, ControlKind::RADIO, "&ODD", 6, 2, 1, 2, 0, 0, nullptr},
-    {303, ControlKind::FRAME, "Handshake", 4, 4, 2, 2, 0, 0, nullptr},
-    {117, ControlKind::RADIO, "So&ftware", 4, 4, 1, 2, 0, CONTROL_GROUP, nullptr},
-    {118, ControlKind::RADIO, "&Hardware", 5, 4, 1, 2, 0, 0, nullptr},
-    {304, ControlKind::FRAME, "Data Bits", 8, 0, 2, 2, 0, 0, nullptr},
-    {119, ControlKind::RADIO, "&7", 8, 0, 1, 2, 0, CONTROL_GROUP, nullptr},
-    {120, ControlKind::RADIO, "&8", 9, 0, 1, 2, 0, 0, nullptr},
-    {305, ControlKind::FRAME, "Stop Bits", 8, 2, 2, 2, 0, 0, nullptr},
-    {121, ControlKind::RADIO, "1", 8, 2, 1, 2, 0, CONTROL_GROUP, nullptr},
-    {122, ControlKind::RADIO, "2", 9, 2, 1, 2, 0, 0, nullptr},
-    {306, ControlKind::FRAME, "Port", 6, 4, 4, 2, 0, 0, nullptr},
-    {123, ControlKind::RADIO, "1", 6, 4, 1, 2, 0, CONTROL_GROUP, nullptr},
-    {124, ControlKind::RADIO, "2", 7, 4, 1, 2, 0, 0, nullptr},
-    {125, ControlKind::RADIO, "3", 8, 4, 1, 2, 0, 0, nullptr},
-    {126, ControlKind::RADIO, "4", 9, 4, 1, 2, 0, 0, nullptr},
-
+constexpr auto BUTTONS = std::to_array<ControlSpec>({
     {OK_BUTTON, ControlKind::BUTTON, "&Save", 10, 0, 1, 2, 0, CONTROL_DEFAULT | CONTROL_CENTERED, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 10, 2, 1, 2, 0, CONTROL_CANCEL | CONTROL_CENTERED,
      nullptr},
     {ADVANCED_BUTTON, ControlKind::BUTTON, "Advance&d", 10, 4, 1, 2, 0, CONTROL_CENTERED, nullptr},
-};
+});
 
-constexpr ViewSpec SETTINGS_VIEW = {"COMMSETTINGS", "Communications Parameter Settings", 0, CONTROLS,
-                                    static_cast<int16_t>(std::size(CONTROLS))};
+constexpr auto CONTROLS =
+    join_controls(TOP_CONTROLS,
+                  radio_frame({301, ControlKind::FRAME, "Data Type", 4, 0, 4, 2, 0, 0, nullptr},
+                              DATA_TYPE_RADIOS, {"&ISO", "EI&A", "AS&CII", "&BINARY"}),
+                  radio_frame({302, ControlKind::FRAME, "Parity", 4, 2, 4, 2, 0, 0, nullptr}, PARITY_RADIOS,
+                              {"&NONE", "E&VEN", "&ODD"}),
+                  radio_frame({303, ControlKind::FRAME, "Handshake", 4, 4, 2, 2, 0, 0, nullptr},
+                              HANDSHAKE_RADIOS, {"So&ftware", "&Hardware"}),
+                  radio_frame({304, ControlKind::FRAME, "Data Bits", 8, 0, 2, 2, 0, 0, nullptr},
+                              DATA_BITS_RADIOS, {"&7", "&8"}),
+                  radio_frame({305, ControlKind::FRAME, "Stop Bits", 8, 2, 2, 2, 0, 0, nullptr},
+                              STOP_BITS_RADIOS, {"1", "2"}),
+                  radio_frame({306, ControlKind::FRAME, "Port", 6, 4, 4, 2, 0, 0, nullptr}, PORT_RADIOS,
+                              {"1", "2", "3", "4"}),
+                  BUTTONS);
 
-MachineParams& edited() {
-    return machine_table[edit_machine];
-}
-
-void store(Field field, int value) {
-    const BothSlotsGuard guard;
-    set_field(&edited(), field, value);
-}
+constexpr ViewSpec SETTINGS_VIEW = {"COMMSETTINGS", "Communications Parameter Settings", 0, CONTROLS.data(),
+                                    CONTROLS.size()};
 
 // A name is edited in place: what the box holds is the name of the record on show.
 void take_name(ViewHandle view) {
     char name[MACHINE_NAME_SIZE];
     view_get_text(view, MACHINE_BOX, name, sizeof name);
     const BothSlotsGuard guard;
-    copy_text(edited().name, MACHINE_NAME_SIZE, name);
+    copy_text(edited_machine().name, MACHINE_NAME_SIZE, name);
 }
 
 void drop_delay() {
     bool dropped = false;
     {
         const BothSlotsGuard guard;
-        dropped = drop_delay_without_conversion(&edited());
+        dropped = drop_delay_without_conversion(&edited_machine());
     }
     if (dropped)
         show_dnc_box(DncBox::DELAY_DROPPED);
@@ -133,7 +120,7 @@ void fill_machines(ViewHandle view) {
 }
 
 void show_machine(ViewHandle view) {
-    const MachineParams& machine = edited();
+    const MachineParams& machine = edited_machine();
     fill_machines(view);
     fill_list(view, PROTOCOL_LIST, PROTOCOL_TEXTS, machine_setting(machine, Field::PROTOCOL));
     put_text(view, BAUD_TEXT, BAUD_TEXTS[machine_setting(machine, Field::BAUD_INDEX)]);
@@ -141,7 +128,7 @@ void show_machine(ViewHandle view) {
     tick_radio(view, DATA_TYPE_RADIOS, data_type);
     {
         const BothSlotsGuard guard;
-        apply_data_type(&edited());
+        apply_data_type(&edited_machine());
     }
     const DataTypeRule& rule = data_type_rule(data_type);
     view_enable_control(view, EOB_LIST, rule.conversion_free);
@@ -160,13 +147,13 @@ void show_machine(ViewHandle view) {
 void collect_machine(ViewHandle view) {
     const int conversion = view_selection(view, EOB_LIST);
     if (conversion >= 0 && conversion < EOB_COUNT)
-        store(Field::EOB_CONVERSION, conversion);
+        store_setting(Field::EOB_CONVERSION, conversion);
     drop_delay();
-    store(Field::PARITY_INDEX, ticked_radio(view, PARITY_RADIOS, 3));
-    store(Field::DATA_BITS_INDEX, ticked_radio(view, DATA_BITS_RADIOS, 2));
-    store(Field::STOP_BITS_INDEX, ticked_radio(view, STOP_BITS_RADIOS, 2));
-    store(Field::HANDSHAKE, ticked_radio(view, HANDSHAKE_RADIOS, 2));
-    store(Field::PORT_INDEX, ticked_radio(view, PORT_RADIOS, 4));
+    store_setting(Field::PARITY_INDEX, ticked_radio(view, PARITY_RADIOS, 3));
+    store_setting(Field::DATA_BITS_INDEX, ticked_radio(view, DATA_BITS_RADIOS, 2));
+    store_setting(Field::STOP_BITS_INDEX, ticked_radio(view, STOP_BITS_RADIOS, 2));
+    store_setting(Field::HANDSHAKE, ticked_radio(view, HANDSHAKE_RADIOS, 2));
+    store_setting(Field::PORT_INDEX, ticked_radio(view, PORT_RADIOS, 4));
 }
 
 // Another row of the list was picked, or the name is being typed over.
@@ -184,7 +171,7 @@ void on_machine_box(ViewHandle view) {
 
 void on_data_type(ViewHandle view) {
     collect_machine(view);
-    store(Field::DATA_TYPE, ticked_radio(view, DATA_TYPE_RADIOS, 4));
+    store_setting(Field::DATA_TYPE, ticked_radio(view, DATA_TYPE_RADIOS, 4));
     show_machine(view);
 }
 
@@ -195,16 +182,16 @@ void on_protocol(ViewHandle view) {
         return;
     {
         const BothSlotsGuard guard;
-        apply_protocol_preset(&edited(), protocol);
+        apply_protocol_preset(&edited_machine(), protocol);
     }
     show_machine(view);
 }
 
 void step_baud(ViewHandle view, int step) {
-    const int index = machine_setting(edited(), Field::BAUD_INDEX) + step;
+    const int index = machine_setting(edited_machine(), Field::BAUD_INDEX) + step;
     if (index < 0 || index >= BAUD_COUNT)
         return;
-    store(Field::BAUD_INDEX, index);
+    store_setting(Field::BAUD_INDEX, index);
     put_text(view, BAUD_TEXT, BAUD_TEXTS[index]);
 }
 
@@ -275,6 +262,15 @@ int64_t settings_proc(WindowHandle view, uint32_t message, int64_t first, int64_
 }
 
 }  // namespace
+
+MachineParams& edited_machine() {
+    return machine_table[edit_machine];
+}
+
+void store_setting(Field field, int value) {
+    const BothSlotsGuard guard;
+    set_field(&edited_machine(), field, value);
+}
 
 void show_parameters() {
     for (int slot = 0; slot < SLOT_COUNT; slot++) {

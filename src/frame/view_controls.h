@@ -1,9 +1,11 @@
-// view_controls.h: what the views share: the ids of their buttons, groups of radio buttons, and texts and
-// numbers in controls. Main thread only.
+// view_controls.h: what the views share: the ids of their buttons, pieces of their control tables, groups of
+// radio buttons, and texts and numbers in controls. Main thread only.
 #pragma once
 
 #include "platform/views.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 
 namespace hexlane {
@@ -12,6 +14,32 @@ constexpr int16_t OK_BUTTON = 1;
 constexpr int16_t CANCEL_BUTTON = 2;
 
 constexpr const char* DIGITS = "0123456789";
+
+// Control tables one behind the other, for a view that computes a part of its controls.
+template <std::size_t... COUNTS>
+constexpr auto join_controls(const std::array<platform::ControlSpec, COUNTS>&... parts) {
+    std::array<platform::ControlSpec, (COUNTS + ...)> all = {};
+    auto next = all.begin();
+    ((next = std::copy(parts.begin(), parts.end(), next)), ...);
+    return all;
+}
+
+// `frame` and in it, from its first row down, a group of radio buttons with ids from `first_id`.
+template <std::size_t COUNT>
+constexpr auto radio_frame(const platform::ControlSpec& frame, int16_t first_id,
+                           const char* const (&labels)[COUNT]) {
+    std::array<platform::ControlSpec, COUNT + 1> controls = {frame};
+    for (std::size_t i = 0; i < COUNT; i++) {
+        controls[i + 1] = frame;
+        controls[i + 1].id = static_cast<int16_t>(first_id + static_cast<int>(i));
+        controls[i + 1].kind = platform::ControlKind::RADIO;
+        controls[i + 1].label = labels[i];
+        controls[i + 1].row = static_cast<uint8_t>(frame.row + i);
+        controls[i + 1].rows = 1;
+        controls[i + 1].flags = i == 0 ? platform::CONTROL_GROUP : 0;
+    }
+    return controls;
+}
 
 // Writes the text of a control.
 void put_text(platform::ViewHandle view, int id, const char* text);

@@ -50,26 +50,22 @@ constexpr uint16_t SAMPLE_CELLS = 14;
 constexpr char SAMPLE_BLANKS[] = "              ";
 static_assert(sizeof SAMPLE_BLANKS == SAMPLE_CELLS + 1);
 
-constexpr ControlSpec FRONT_CONTROLS[] = {
+constexpr auto FRONT_CONTROLS = std::to_array<ControlSpec>({
     {LABELS, ControlKind::TEXT, "&Variable:", 0, 0, 1, 1, 0, 0, nullptr},
     {SLOT_LIST, ControlKind::LIST, "", 1, 0, 8, 1, 14, 0, nullptr},
-};
-constexpr ControlSpec BACK_CONTROLS[] = {
+});
+constexpr auto BACK_CONTROLS = std::to_array<ControlSpec>({
     {INCLUDE_BOX, ControlKind::CHECK, "&Include Numbers", 9, 1, 1, 4, 0, 0, nullptr},
     {LABELS + 1, ControlKind::TEXT, "Sample Display:", 10, 1, 1, 2, 0, 0, nullptr},
     {SAMPLE_PANE, ControlKind::PANE, "", 10, 3, 1, 2, SAMPLE_CELLS, CONTROL_SUNKEN, nullptr},
     {OK_BUTTON, ControlKind::BUTTON, "OK", 11, 1, 1, 2, 0, CONTROL_DEFAULT, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 11, 3, 1, 2, 0, CONTROL_CANCEL, nullptr},
-};
-constexpr int CONTROL_COUNT = static_cast<int>(std::size(FRONT_CONTROLS)) + 2 * PALETTE_SIZE +
-                              static_cast<int>(std::size(BACK_CONTROLS));
+});
 
-// Between the two the palette: each color and its button, two to a row.
-constexpr std::array<ControlSpec, CONTROL_COUNT> CONTROLS = [] {
-    std::array<ControlSpec, CONTROL_COUNT> controls = {};
+// Each color and its button, two to a row.
+constexpr auto palette_controls() {
+    std::array<ControlSpec, 2 * PALETTE_SIZE> controls = {};
     auto* next = controls.data();
-    for (const ControlSpec& control : FRONT_CONTROLS)
-        *next++ = control;
     for (int16_t i = 0; i < PALETTE_SIZE; i++) {
         const auto row = static_cast<uint8_t>(1 + i / 2);
         const auto column = static_cast<uint8_t>(1 + i % 2 * 2);
@@ -94,12 +90,11 @@ constexpr std::array<ControlSpec, CONTROL_COUNT> CONTROLS = [] {
                    0,
                    nullptr};
     }
-    for (const ControlSpec& control : BACK_CONTROLS)
-        *next++ = control;
     return controls;
-}();
+}
 
-constexpr ViewSpec COLORS_VIEW = {"IDD_COLORS", "Choose Variable Color", 0, CONTROLS.data(), CONTROL_COUNT};
+constexpr auto CONTROLS = join_controls(FRONT_CONTROLS, palette_controls(), BACK_CONTROLS);
+constexpr ViewSpec COLORS_VIEW = {"IDD_COLORS", "Choose Variable Color", 0, CONTROLS.data(), CONTROLS.size()};
 
 // ---- What it shows -----------------------------------------------------------------------------------
 
