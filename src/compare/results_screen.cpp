@@ -209,19 +209,17 @@ void search(ViewHandle view, bool forward) {
 
 // ---- Printing ----------------------------------------------------------------------------------------
 
+void show_printer(ViewHandle view) {
+    char name[PRINTER_NAME_SIZE];
+    put_text(view, PRINTER_TEXT, default_printer(name, sizeof name) ? name : "No printer: to a PDF file");
+}
+
+void take_print_options(ViewHandle view) {
+    answer.differences_only = view_checked(view, DIFFERENCES_RADIO);
+}
+
 int64_t print_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
-    view_attach(view);
-    if (message == WM_INITDIALOG) {
-        char name[PRINTER_NAME_SIZE];
-        put_text(view, PRINTER_TEXT, default_printer(name, sizeof name) ? name : "No printer: to a PDF file");
-        return 1;
-    }
-    if (message == WM_COMMAND && low_word(first) == OK_BUTTON) {
-        answer.differences_only = view_checked(view, DIFFERENCES_RADIO);
-        view_end(view, 1);
-        return 1;
-    }
-    return view_default(view, message, first, second);
+    return serve_answers(view, message, first, second, show_printer, take_print_options);
 }
 
 void ask_print(ViewHandle view) {

@@ -18,6 +18,21 @@ bool begins_character(char byte) {
 
 }  // namespace
 
+int64_t serve_answers(WindowHandle view, uint32_t message, int64_t first, int64_t second,
+                      void (*fill)(ViewHandle), void (*take)(ViewHandle)) {
+    view_attach(view);
+    if (message == WM_INITDIALOG) {
+        fill(view);
+        return 1;
+    }
+    if (message == WM_COMMAND && low_word(first) == OK_BUTTON) {
+        take(view);
+        view_end(view, 1);
+        return 1;
+    }
+    return view_default(view, message, first, second);
+}
+
 void put_text(ViewHandle view, int id, const char* text) {
     view_choose_field(view, id);
     view_set_text(view, text);

@@ -41,6 +41,11 @@ constexpr auto radio_frame(const platform::ControlSpec& frame, int16_t first_id,
     return controls;
 }
 
+// The procedure of a view that `fill` makes ready when it opens; its OK lets `take` read it, and ends it
+// with 1.
+int64_t serve_answers(platform::WindowHandle view, uint32_t message, int64_t first, int64_t second,
+                      void (*fill)(platform::ViewHandle), void (*take)(platform::ViewHandle));
+
 // Writes the text of a control.
 void put_text(platform::ViewHandle view, int id, const char* text);
 

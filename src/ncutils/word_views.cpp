@@ -133,18 +133,12 @@ void take_answers(ViewHandle view) {
     }
 }
 
+void show_defaults(ViewHandle view) {
+    put_text(view, PRECISION_FIELD, "2");
+}
+
 int64_t word_view_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
-    view_attach(view);
-    if (message == WM_INITDIALOG) {
-        put_text(view, PRECISION_FIELD, "2");
-        return 1;
-    }
-    if (message == WM_COMMAND && low_word(first) == OK_BUTTON) {
-        take_answers(view);
-        view_end(view, 1);
-        return 1;
-    }
-    return view_default(view, message, first, second);
+    return serve_answers(view, message, first, second, show_defaults, take_answers);
 }
 
 void ask_and_run(const WordUtility* utility) {

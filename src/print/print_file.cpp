@@ -46,18 +46,12 @@ void open_view(ViewHandle view) {
     view_check(view, child[0].block_active ? SELECTION_RADIO : ALL_RADIO, true);
 }
 
+void take_answer(ViewHandle view) {
+    selection_chosen = view_checked(view, SELECTION_RADIO);
+}
+
 int64_t print_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
-    view_attach(view);
-    if (message == WM_INITDIALOG) {
-        open_view(view);
-        return 1;
-    }
-    if (message == WM_COMMAND && low_word(first) == OK_BUTTON) {
-        selection_chosen = view_checked(view, SELECTION_RADIO);
-        view_end(view, 1);
-        return 1;
-    }
-    return view_default(view, message, first, second);
+    return serve_answers(view, message, first, second, open_view, take_answer);
 }
 
 // A block inside a row has no rows, and the choice can be made without a block: both name row -1.

@@ -19,7 +19,6 @@ namespace {
 
 // ---- The dialogs -------------------------------------------------------------------------------------
 
-constexpr int16_t FIND_BUTTON = 1;
 constexpr int16_t UP_RADIO = 111;
 constexpr int16_t DOWN_RADIO = 112;
 
@@ -29,7 +28,7 @@ constexpr ControlSpec FIND_CONTROLS[] = {
     {110, ControlKind::FRAME, "Search Direction", 1, 1, 2, 2, 0, 0, nullptr},
     {UP_RADIO, ControlKind::RADIO, "&Up", 1, 1, 1, 1, 0, CONTROL_GROUP, nullptr},
     {DOWN_RADIO, ControlKind::RADIO, "&Down", 1, 2, 1, 1, 0, 0, nullptr},
-    {FIND_BUTTON, ControlKind::BUTTON, "&Find", 0, 3, 1, 1, 0, CONTROL_DEFAULT, nullptr},
+    {OK_BUTTON, ControlKind::BUTTON, "&Find", 0, 3, 1, 1, 0, CONTROL_DEFAULT, nullptr},
     {CANCEL_BUTTON, ControlKind::BUTTON, "Cancel", 1, 3, 1, 1, 0, CONTROL_CANCEL, nullptr},
 };
 constexpr ViewSpec FIND_VIEW = {"IDD_FIND", "Find", 0, FIND_CONTROLS, 7};
@@ -40,9 +39,7 @@ constexpr ControlSpec NEXT_CONTROLS[] = {
 };
 constexpr ViewSpec NEXT_VIEW = {"IDD_NEXT_FIND", "Find", 0, NEXT_CONTROLS, 2, 300, 80};
 
-// What the dialog asks for.
-bool find_go;
-bool find_goes_down;
+bool find_goes_down;  // the dialog's answer
 
 void fill_find_dialog(ViewHandle view) {
     if (!search_texts.find_opened)
@@ -52,20 +49,13 @@ void fill_find_dialog(ViewHandle view) {
     view_check(view, DOWN_RADIO, true);
 }
 
-int64_t find_proc(WindowHandle window, uint32_t message, int64_t first, int64_t second) {
-    view_attach(window);
-    if (message == WM_INITDIALOG) {
-        fill_find_dialog(window);
-        return 1;
-    }
-    if (message == WM_COMMAND && low_word(first) == FIND_BUTTON) {
-        view_get_text(window, FIND_FIELD, search_texts.find_text, sizeof search_texts.find_text);
-        find_goes_down = view_checked(window, DOWN_RADIO);
-        find_go = true;
-        view_end(window, 1);
-        return 0;
-    }
-    return view_default(window, message, first, second);
+void take_find_dialog(ViewHandle view) {
+    view_get_text(view, FIND_FIELD, search_texts.find_text, sizeof search_texts.find_text);
+    find_goes_down = view_checked(view, DOWN_RADIO);
+}
+
+int64_t find_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
+    return serve_answers(view, message, first, second, fill_find_dialog, take_find_dialog);
 }
 
 // ---- The walk ----------------------------------------------------------------------------------------
@@ -150,11 +140,10 @@ void run_find(const char* text, bool down) {
 }  // namespace
 
 void command_find() {
-    find_go = false;
     child[0].replace_reply = REPLY_NONE;
-    show_view(&FIND_VIEW, find_proc);
+    const bool wanted = show_view(&FIND_VIEW, find_proc) == 1;
     set_caret_visible(false);
-    if (find_go)
+    if (wanted)
         run_find(search_texts.find_text, find_goes_down);
 }
 
