@@ -46,18 +46,18 @@ constexpr std::size_t NAME_SHOWN_WHOLE = 19;  // characters
 constexpr std::size_t NAME_END_SHOWN = 17;
 
 constexpr auto HEADINGS = std::to_array<ControlSpec>({
-    {301, ControlKind::TEXT, "Machine Name", 0, 0, 1, 1, 0, 0, nullptr},
     {302, ControlKind::TEXT, "Port", 0, 1, 1, 1, 0, 0, nullptr},
     {303, ControlKind::TEXT, "   File Name", 0, 2, 1, 2, 0, 0, nullptr},
     {304, ControlKind::TEXT, "Status", 0, 4, 1, 1, 0, 0, nullptr},
+    {301, ControlKind::TEXT, "Machine &Name", 0, 0, 1, 1, 0, 0, nullptr},  // leads to the upper row's list
 });
 
 // A letter leads to one row's button.
 struct RowLabels {
     const char *file, *send, *receive, *stop, *terminal;
 };
-constexpr RowLabels UPPER_ROW = {"...", "&Send", "&Receive", "S&top", "Ter&minal"};
-constexpr RowLabels LOWER_ROW = {"...", "S&end", "Re&ceive", "St&op", "Term&inal"};
+constexpr RowLabels UPPER_ROW = {"&File...", "&Send", "&Receive", "S&top", "Ter&minal"};
+constexpr RowLabels LOWER_ROW = {"Fi&le...", "S&end", "Re&ceive", "St&op", "Term&inal"};
 
 constexpr auto row_controls(int slot, const RowLabels& label) {
     const auto row = static_cast<uint8_t>(slot + 1);

@@ -71,7 +71,7 @@ constexpr auto byte_fields(int first_id, uint8_t row) {
 
 constexpr auto UPPER_CONTROLS = std::to_array<ControlSpec>({
     {301, ControlKind::FRAME, "Compression Options", 0, 0, 6, 2, 0, 0, nullptr},
-    {101, ControlKind::CHECK, "&Compress Comments", 0, 0, 1, 2, 0, 0, nullptr},
+    {101, ControlKind::CHECK, "Compress Co&mments", 0, 0, 1, 2, 0, 0, nullptr},
     {102, ControlKind::CHECK, "Compress &Spaces", 1, 0, 1, 2, 0, 0, nullptr},
     {103, ControlKind::CHECK, "Compress &Line Nums", 2, 0, 1, 2, 0, 0, nullptr},
     {104, ControlKind::CHECK, "Compress &Tabs", 3, 0, 1, 2, 0, 0, nullptr},
@@ -79,32 +79,32 @@ constexpr auto UPPER_CONTROLS = std::to_array<ControlSpec>({
     {401, ControlKind::TEXT, "(ASCII &Value)", 5, 0, 1, 1, 0, 0, nullptr},
     {COMPRESS_FIELD, ControlKind::FIELD, "", 5, 1, 1, 1, 3, 0, &ASCII_RULE},
     {302, ControlKind::FRAME, "Delay", 0, 2, 2, 8, 0, 0, nullptr},
-    {402, ControlKind::TEXT, "EOB &Delay (ms)", 0, 2, 1, 4, 0, 0, nullptr},
+    {402, ControlKind::TEXT, "EO&B Delay (ms)", 0, 2, 1, 4, 0, 0, nullptr},
     {DELAY_FIELD, ControlKind::FIELD, "", 0, 6, 1, 2, 4, 0, &DELAY_RULE},
-    {DELAY_UP, ControlKind::BUTTON, "Up", 0, 8, 1, 1, 0, 0, nullptr},
-    {DELAY_DOWN, ControlKind::BUTTON, "Down", 0, 9, 1, 1, 0, 0, nullptr},
+    {DELAY_UP, ControlKind::BUTTON, "&Up", 0, 8, 1, 1, 0, 0, nullptr},
+    {DELAY_DOWN, ControlKind::BUTTON, "&Down", 0, 9, 1, 1, 0, 0, nullptr},
     {403, ControlKind::TEXT, "&Receive Timeout (s)", 1, 2, 1, 4, 0, 0, nullptr},
     {TIMEOUT_FIELD, ControlKind::FIELD, "", 1, 6, 1, 2, 4, 0, &TIMEOUT_RULE},
-    {TIMEOUT_UP, ControlKind::BUTTON, "Up", 1, 8, 1, 1, 0, 0, nullptr},
-    {TIMEOUT_DOWN, ControlKind::BUTTON, "Down", 1, 9, 1, 1, 0, 0, nullptr},
+    {TIMEOUT_UP, ControlKind::BUTTON, "U&p", 1, 8, 1, 1, 0, 0, nullptr},
+    {TIMEOUT_DOWN, ControlKind::BUTTON, "Do&wn", 1, 9, 1, 1, 0, 0, nullptr},
 });
 
 // Ends with the label of the start string.
 constexpr auto LOWER_CONTROLS = std::to_array<ControlSpec>({
     {303, ControlKind::FRAME, "Start/End String", 6, 0, 6, 10, 0, 0, nullptr},
-    {404, ControlKind::TEXT, "Start Char (ASCII value)", 6, 0, 1, 2, 0, 0, nullptr},
+    {404, ControlKind::TEXT, "Start &Char (ASCII value)", 6, 0, 1, 2, 0, 0, nullptr},
     {START_CHAR_FIELD, ControlKind::FIELD, "", 6, 2, 1, 2, 4, 0, &ASCII_RULE},
-    {405, ControlKind::TEXT, "Start Char Occurence", 7, 0, 1, 2, 0, 0, nullptr},
+    {405, ControlKind::TEXT, "Start Char &Occurence", 7, 0, 1, 2, 0, 0, nullptr},
     {START_COUNT_FIELD, ControlKind::FIELD, "", 7, 2, 1, 2, 4, 0, &COUNT_RULE},
-    {406, ControlKind::TEXT, "End Char (ASCII value)", 8, 0, 1, 2, 0, 0, nullptr},
+    {406, ControlKind::TEXT, "&End Char (ASCII value)", 8, 0, 1, 2, 0, 0, nullptr},
     {END_CHAR_FIELD, ControlKind::FIELD, "", 8, 2, 1, 2, 4, 0, &ASCII_RULE},
-    {407, ControlKind::TEXT, "End Char Occurence", 9, 0, 1, 2, 0, 0, nullptr},
+    {407, ControlKind::TEXT, "End Char Occure&nce", 9, 0, 1, 2, 0, 0, nullptr},
     {END_COUNT_FIELD, ControlKind::FIELD, "", 9, 2, 1, 2, 4, 0, &COUNT_RULE},
-    {408, ControlKind::TEXT, "Start String (ASCII value)", 10, 0, 1, 2, 0, 0, nullptr},
+    {408, ControlKind::TEXT, "Start Strin&g (ASCII value)", 10, 0, 1, 2, 0, 0, nullptr},
 });
 
 constexpr auto END_STRING_LABEL = std::to_array<ControlSpec>({
-    {409, ControlKind::TEXT, "End String (ASCII value)", 11, 0, 1, 2, 0, 0, nullptr},
+    {409, ControlKind::TEXT, "End Str&ing (ASCII value)", 11, 0, 1, 2, 0, 0, nullptr},
 });
 
 constexpr auto BUTTONS = std::to_array<ControlSpec>({
@@ -117,7 +117,7 @@ constexpr auto BUTTONS = std::to_array<ControlSpec>({
 constexpr auto CONTROLS =
     join_controls(UPPER_CONTROLS,
                   radio_frame({304, ControlKind::FRAME, "EIA XOFF Char", 2, 2, 4, 8, 0, 0, nullptr},
-                              XOFF_RADIOS, {"19", "147"}),
+                              XOFF_RADIOS, {"&19", "1&47"}),
                   LOWER_CONTROLS, byte_fields(START_STRING_FIELDS, 10), END_STRING_LABEL,
                   byte_fields(END_STRING_FIELDS, 11), BUTTONS);
 

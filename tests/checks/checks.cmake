@@ -26,6 +26,8 @@ add_test(NAME check.install
          COMMAND Python3::Interpreter ${checks}/check_install.py ${CMAKE_COMMAND} ${CMAKE_BINARY_DIR}
                  ${CMAKE_BINARY_DIR}/installed)
 
+add_test(NAME check.letters COMMAND Python3::Interpreter ${checks}/check_letters.py ${top}/tests/scripted)
+
 # Each header compiles alone, and twice in a row: one source file for each header, part of every build.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${top}/src ${top}/src/*.h)
 set(header_sources)
