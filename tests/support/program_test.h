@@ -15,6 +15,12 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
+    // As in front of another test.
+    void begin_anew() {
+        TearDown();
+        SetUp();
+    }
+
     // Starts the program, with a file of the work folder on its command line if `name` is not empty.
     void start(const std::string& name = "");
 

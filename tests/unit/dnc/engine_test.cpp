@@ -135,8 +135,7 @@ TEST_F(EngineTest, BlockProtocolsWaitForEachAnswer) {
     for (const Case& c : {Case{PROTOCOL_BRIDGEPORT, 0}, Case{PROTOCOL_BRIDGEPORT, 50000},
                           Case{PROTOCOL_HEIDENHAIN, 0}, Case{PROTOCOL_HEIDENHAIN, 50000}}) {
         SCOPED_TRACE(std::to_string(c.protocol) + " " + std::to_string(c.delay_us));
-        TearDown();
-        SetUp();
+        begin_anew();
         write("part.nc", file);
         machine().protocol = c.protocol;
         answer_blocks(c.protocol == PROTOCOL_BRIDGEPORT ? 0 : 2, c.delay_us);
@@ -189,8 +188,7 @@ TEST_F(EngineTest, AnAnswerAheadOfTheWritesEndDrivesTheNextBlockOnce) {
 TEST_F(EngineTest, AQueuedSendWaitsForTheMachinesRequest) {
     for (const int protocol : {PROTOCOL_GENERAL, PROTOCOL_HEIDENHAIN}) {
         SCOPED_TRACE(protocol);
-        TearDown();
-        SetUp();
+        begin_anew();
         write("part.nc", "N1\r\n");
         machine().protocol = protocol;
         begin_send("part.nc", false);
@@ -304,8 +302,7 @@ TEST_F(EngineTest, AnUnpluggedLineEndsTheTransferAndFreesTheSlot) {
 TEST_F(EngineTest, AFileThatChangesUnderTheSendIsNotMixed) {
     const std::string file = program(2000);
     for (const bool removed : {false, true}) {
-        TearDown();
-        SetUp();
+        begin_anew();
         write("part.nc", file);
         machine().protocol = PROTOCOL_PHILLIPS;
         begin_send("part.nc", true);

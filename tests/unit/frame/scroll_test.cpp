@@ -58,6 +58,9 @@ TEST_F(ScrollBarTest, TheBarFollowsDocumentAndWindow) {
     set_window_size(40, 13);  // pages of 10 rows
     start_with(text);
     EXPECT_EQ(scroll_range_high(), 9);
+    child[0].current_row = 35;
+    send_message(child[0].main_window, WM_PAINT, 0, 0);
+    EXPECT_EQ(scroll_position_now(), 3);
     press_key("Ctrl+End");
     EXPECT_EQ(scroll_position_now(), 9);
     press_key("Enter");

@@ -68,8 +68,7 @@ TEST_F(WindowTest, TypingReplacesABlockAndKeysThatMoveDoNot) {
                           {"Right", "ABCD"}, {"Esc", "ABCD"},  {"End", "ABCD"},     {"F9", "ABCD"}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.key);
-        TearDown();
-        SetUp();
+        begin_anew();
         start_with("ABCD\r\n");
         mark_block(0, 2);
         press_key(c.key);
@@ -131,20 +130,6 @@ TEST_F(WindowTest, OneTimerServesTwoUsesOneAtATime) {
     EXPECT_EQ(timer_period(UI_TIMER), 1000);
     advance_clock(1000);
     EXPECT_FALSE(timer_running(UI_TIMER));
-}
-
-TEST_F(WindowTest, ARepaintSetsTheScrollBar) {
-    std::string file;
-    for (int row = 0; row < 200; row++)
-        file += "\r\n";
-    start_with(file);
-    EXPECT_EQ(scroll_range_high(), 200 / 25);
-    child[0].current_row = 130;
-    send(WM_PAINT);
-    EXPECT_EQ(scroll_position_now(), 130 / 25);
-    command(1035);
-    EXPECT_EQ(scroll_range_high(), 0);
-    EXPECT_EQ(scroll_position_now(), 0);
 }
 
 TEST_F(WindowTest, AResizeMeasuresTheTextAreaAndKeepsTheCaretsRowInIt) {

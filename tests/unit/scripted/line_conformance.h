@@ -120,6 +120,7 @@ TEST_F(LineConformance, FullRingKeepsTheOldestBytesAndTheEvent) {
     start_worker();
     station->feed(std::string(RECEIVE_RING, 'x') + "lost\x06");
     EXPECT_TRUE(sees(EV_RXFLAG));
+    EXPECT_EQ(line_queue_length(line), RECEIVE_RING);
     EXPECT_EQ(read_all(), std::string(RECEIVE_RING, 'x'));
 }
 

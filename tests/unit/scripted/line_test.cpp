@@ -1,5 +1,6 @@
 // line_test.cpp: the scripted serial line on its clock: when bytes leave and come, what the machine's stops
-// do, which events the worker hears of, and how opens fail.
+// do, which events the worker hears of, and how opens fail. What it shares with a real line is in
+// line_conformance.h.
 
 #include "platform/scripted/line_hooks.h"
 #include "platform/scripted/test_hooks.h"
@@ -154,16 +155,6 @@ TEST_F(LineTest, BytesComeAtTheRateOrAtOnceAndTheEventCharacterIsNoted) {
     close();
 }
 
-TEST_F(LineTest, FullRingDropsBytesButNotTheEvent) {
-    open();
-    feed_line_at_once(PORT, std::string(RECEIVE_RING, 'x') + "lost\x06");
-    advance_clock(1);
-    EXPECT_EQ(line_queue_length(line), RECEIVE_RING);
-    EXPECT_EQ(taken(), "0:3");
-    EXPECT_EQ(read(), std::string(RECEIVE_RING, 'x'));
-    close();
-}
-
 // The driver obeys XOFF and XON and keeps them from the program, but for the bytes that are in its FIFO.
 TEST_F(LineTest, MachineStopsTheLineByXoff) {
     open();
@@ -224,22 +215,6 @@ TEST_F(LineTest, ClearToSendStopsAndIsToldWhileAWriteRuns) {
     close();
 }
 
-TEST_F(LineTest, PurgeDropsTheWriteAndWhatWaits) {
-    open();
-    feed_line_at_once(PORT, "abc");
-    line_write(line, "ABCDEF", 6);
-    advance_clock(2);
-    taken();
-    line_purge(line);
-    advance_clock(100);
-    EXPECT_EQ(take_sent(PORT), "AB");
-    EXPECT_EQ(taken(), "");
-    EXPECT_EQ(line_queue_length(line), 0);
-    EXPECT_EQ(line_write(line, "G", 1), 1);  // the line is free again
-    close();
-    EXPECT_FALSE(line_facts(PORT).open);
-}
-
 TEST_F(LineTest, DelayHoldsTheWorkerWhileTheLineGoesOn) {
     open();
     delay_behind_empty = 40;
@@ -278,8 +253,6 @@ TEST_F(LineTest, UnpluggedLineIsToldOnceAndOpensNoMore) {
 
 TEST_F(LineTest, OpensFailForReasonsThatAreTold) {
     open();
-    EXPECT_EQ(line_open(PORT), NO_LINE);
-    EXPECT_EQ(last_line_problem(), LineProblem::IN_USE);
     line_set_device(2, "/dev/machine1");
     EXPECT_EQ(line_open(2), NO_LINE);  // the same device under another number
     EXPECT_EQ(last_line_problem(), LineProblem::IN_USE);
@@ -306,6 +279,7 @@ TEST_F(LineTest, BytesForAClosedPortAreLostAndDtrFollowsTheProgram) {
     EXPECT_EQ(taken(), "");
     close();
     EXPECT_FALSE(line_facts(PORT).dtr);
+    EXPECT_FALSE(line_facts(PORT).open);
 }
 
 }  // namespace

@@ -38,8 +38,7 @@ TEST_F(CutFileTest, APasteThatFailsAnywhereIsDoneInWholeOrNotAtAll) {
     bool fired = true;
     for (int n = 1; fired; n++) {
         SCOPED_TRACE("call " + std::to_string(n));
-        TearDown();
-        SetUp();
+        begin_anew();
         ASSERT_TRUE(copy_rows_to_cut_file(2, 15));
         const std::string origins_before = origins();
         fail_file_call(FileCall::ANY, n, EIO, directories.temp_dir);

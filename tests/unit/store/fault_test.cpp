@@ -249,8 +249,7 @@ TEST_F(FaultTest, AJoinWhoseEndRowFailsLosesNothing) {
     bool fired = true;
     for (int n = 1; fired; n++) {
         SCOPED_TRACE(n);
-        TearDown();
-        SetUp();
+        begin_anew();
         start_with("A\r\nB\r\nC\r\nD\r\n");
         answer_other_boxes("OK");
         delete_rows(4, 1);  // a row of text is the last one now

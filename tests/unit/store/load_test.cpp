@@ -51,8 +51,7 @@ TEST_F(LoadTest, EveryFormOfFileGivesItsRowsAndAnEndRow) {
     int number = 0;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.label);
-        TearDown();
-        SetUp();
+        begin_anew();
         start_with(c.bytes, "form" + std::to_string(number++));
         EXPECT_EQ(rows(), c.rows);
         EXPECT_EQ(origins(), c.origins);
@@ -69,8 +68,7 @@ TEST_F(LoadTest, RowsAtTheBoundariesOfBlocksAndSegmentsAreFound) {
         std::string text;
         for (int row = 0; row < count; row++)
             text += "N" + std::to_string(row) + (row % 3 == 0 ? "\r\n" : "\n");
-        TearDown();
-        SetUp();
+        begin_anew();
         start_with(text);
         ASSERT_EQ(child[0].last_file_row, count);
         EXPECT_EQ(child[0].segment_count, (count + 1) / ROWS_PER_SEGMENT + 1);
@@ -104,8 +102,7 @@ TEST_F(LoadTest, SixNullsAskAndFiveDoNot) {
     const Case cases[] = {{"Cancel", six, false, 0}, {"No", six, true, 7}, {"Yes", "ABCDEF\r\n", true, 1}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.answer);
-        TearDown();
-        SetUp();
+        begin_anew();
         write("nulls.nc", six);
         answer_box(c.answer);
         start("nulls.nc");
@@ -160,8 +157,7 @@ TEST_F(LoadTest, TooManyRowsAndTooManyBytesAreToldAndNothingIsOpen) {
     if (MAX_ROWS < 1000) {  // with the small limits, on both sides of the limit
         start_with(repeated('\n', MAX_ROWS - 1));
         EXPECT_EQ(child[0].last_file_row, MAX_ROWS - 1);
-        TearDown();
-        SetUp();
+        begin_anew();
         const std::string text = repeated('\n', MAX_ROWS);
         write("rows.nc", text);
         answer_box("OK");

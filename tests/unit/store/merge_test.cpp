@@ -43,8 +43,7 @@ TEST_F(MergeTest, TheTextLandsInFrontOfTheCaretsRow) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.label);
-        TearDown();
-        SetUp();
+        begin_anew();
         write("other.nc", "X\r\nY\r\n");
         start_with(c.file);
         merge_at(c.row);

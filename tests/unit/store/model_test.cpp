@@ -365,8 +365,7 @@ TEST_F(ModelTest, RandomEditsSavesAndReloadsKeepEveryByte) {
     const unsigned seeds = getenv("HEXLANE_TEST_FULL") != nullptr ? 400 : 40;
     for (unsigned seed = 1; seed <= seeds; seed++) {
         ASSERT_NO_FATAL_FAILURE(run(seed, 60));
-        TearDown();
-        SetUp();
+        begin_anew();
     }
 }
 

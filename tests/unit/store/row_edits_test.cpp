@@ -27,8 +27,7 @@ TEST_F(RowEditsTest, BlankRowsGoInFrontButBehindAnEmptyLastRow) {
     EXPECT_EQ(origins(), "OBBOO");
     insert_blank_rows(4, 1);  // the end row
     EXPECT_EQ(origins(), "OBBOOB");
-    TearDown();
-    SetUp();
+    begin_anew();
     start_with_rows(3);
     delete_rows(3, 1);  // the end row goes, and the text row is the last one now
     EXPECT_EQ(origins(), "OOC");
@@ -69,15 +68,13 @@ TEST_F(RowEditsTest, AJoinStopsAtTheRowLimitAndBeforeUnseenBytes) {
     EXPECT_EQ(rows()[0], repeated('a', 100) + repeated('b', 150));
     EXPECT_EQ(child[0].last_file_row, 2);
 
-    TearDown();
-    SetUp();
+    begin_anew();
     start_with("A\x1A"
                "unseen\nB\x1A"
                "too\nC\n");
     fetch_row(0);
     EXPECT_FALSE(join_rows(0));
-    TearDown();
-    SetUp();
+    begin_anew();
     start_with("A\nB\x1A"
                "too\nC\n");
     fetch_row(0);
@@ -143,8 +140,7 @@ TEST_F(RowEditsTest, DeletionsAcrossSegmentsKeepTheTableWhole) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.label);
-        TearDown();
-        SetUp();
+        begin_anew();
         const int last_row = 4 * n + 2;  // five segments
         start_with_rows(last_row);
         ASSERT_EQ(child[0].segment_count, 5);

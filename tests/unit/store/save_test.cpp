@@ -50,8 +50,7 @@ TEST_F(SaveTest, OnlyTouchedRowsGetNewLineEnds) {
     int number = 0;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.label);
-        TearDown();
-        SetUp();
+        begin_anew();
         const std::string name = "case" + std::to_string(number++);
         start_with(c.file, name);
         pend(c.row, c.text);
@@ -70,8 +69,7 @@ TEST_F(SaveTest, ALastRowWithoutLineEndIsParted) {
     set_row(2, "x");
     command(1002);
     EXPECT_EQ(bytes(), "A\r\nB\r\nx\r\n\r\n");
-    TearDown();
-    SetUp();
+    begin_anew();
     start_with("A\r\n");
     split_row(1, 0);  // Enter on the empty end row
     command(1002);
@@ -82,8 +80,7 @@ TEST_F(SaveTest, RunsAroundTheFlushLengthAreCopiedWhole) {
     for (const int length :
          {RUN_FLUSH_LENGTH - 3, RUN_FLUSH_LENGTH - 2, RUN_FLUSH_LENGTH - 1, RUN_FLUSH_LENGTH + 5}) {
         SCOPED_TRACE(length);
-        TearDown();
-        SetUp();
+        begin_anew();
         const std::string file = repeated('r', length - 1) + "\n" + repeated('s', 40) + "\nEND\n";
         start_with(file);
         set_row(2, "end");
