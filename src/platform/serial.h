@@ -73,7 +73,7 @@ const char* line_problem_text();
 // Opens COM `port` (1 to PORT_COUNT) for this program alone, raw, with nothing waiting. NO_LINE on failure.
 LineHandle line_open(int port);
 
-// The device that COM `port` means, into name[size].
+// The device that COM `port` means, into name[size]; empty for another number or a device that does not fit.
 void line_device(int port, char* name, std::size_t size);
 
 // Lets COM `port` mean `device` for the rest of the run; empty: what it means by itself.

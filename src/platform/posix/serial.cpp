@@ -5,7 +5,6 @@
 #include "platform/serial.h"
 
 #include "platform/posix/serial_line.h"
-#include "platform/posix/serial_ports.h"
 #include "platform/posix/serial_problem.h"
 #include "platform/posix/serial_tty.h"
 #include "platform/process.h"
@@ -99,26 +98,10 @@ void drop_everything(Line& line) {
 
 }  // namespace
 
-LineProblem last_line_problem() {
-    return noted_line_problem();
-}
-
-const char* line_problem_text() {
-    return noted_line_problem_text();
-}
-
-void line_device(int port, char* name, std::size_t size) {
-    port_device(port, name, size);
-}
-
-void line_set_device(int port, const char* device) {
-    set_port_device(port, device);
-}
-
 LineHandle line_open(int port) {
     clear_line_problem();
     char device[PATH_SIZE];
-    port_device(port, device, sizeof device);
+    line_device(port, device, sizeof device);
     const int tty = open_tty(device);
     if (tty < 0) {
         return NO_LINE;

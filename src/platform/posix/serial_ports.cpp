@@ -1,9 +1,10 @@
-// serial_ports.cpp: COM1 to COM4 as devices.
+// serial_ports.cpp: COM1 to COM4 as devices, for the real lines and the scripted ones: the device of this
+// run, else HEXLANE_COM1 to HEXLANE_COM4, else the line in the launch directory's file `ports`, else
+// /dev/ttyS0 to /dev/ttyS3.
 
-#include "platform/posix/serial_ports.h"
+#include "platform/serial.h"
 
 #include "platform/process.h"
-#include "platform/serial.h"
 #include "platform/text.h"
 
 #include <cstdio>
@@ -62,7 +63,7 @@ int device_from_file(int port, char* name, std::size_t size) {
 
 }  // namespace
 
-void port_device(int port, char* name, std::size_t size) {
+void line_device(int port, char* name, std::size_t size) {
     name[0] = '\0';
     if (port < 1 || port > PORT_COUNT) {
         return;
@@ -84,7 +85,7 @@ void port_device(int port, char* name, std::size_t size) {
     }
 }
 
-void set_port_device(int port, const char* device) {
+void line_set_device(int port, const char* device) {
     if (port < 1 || port > PORT_COUNT) {
         return;
     }

@@ -104,11 +104,11 @@ int note_device_in_use(const char* device) {
     return note_line_problem(LineProblem::IN_USE, text);
 }
 
-LineProblem noted_line_problem() {
+LineProblem last_line_problem() {
     return last_problem;
 }
 
-const char* noted_line_problem_text() {
+const char* line_problem_text() {
     return last_text;
 }
 

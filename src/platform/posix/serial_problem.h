@@ -1,4 +1,5 @@
 // serial_problem.h: why the last open or configure of this thread failed, in words for a box.
+// last_line_problem and line_problem_text of serial.h tell it, for the scripted lines too.
 #pragma once
 
 #include "platform/serial.h"
@@ -16,8 +17,5 @@ int note_device_error(const char* device, int error);
 
 // Notes that somebody else has `device`, with the process when the system shows it. Gives 0.
 int note_device_in_use(const char* device);
-
-LineProblem noted_line_problem();
-const char* noted_line_problem_text();
 
 }  // namespace hexlane::platform

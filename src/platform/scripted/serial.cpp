@@ -3,7 +3,6 @@
 
 #include "platform/serial.h"
 
-#include "platform/posix/serial_ports.h"
 #include "platform/posix/serial_problem.h"
 #include "platform/scripted/line_model.h"
 #include "platform/scripted/record.h"
@@ -59,26 +58,10 @@ void must_be_worker(const char* call) {
 
 }  // namespace
 
-LineProblem last_line_problem() {
-    return noted_line_problem();
-}
-
-const char* line_problem_text() {
-    return noted_line_problem_text();
-}
-
-void line_device(int port, char* name, std::size_t size) {
-    port_device(port, name, size);
-}
-
-void line_set_device(int port, const char* device) {
-    set_port_device(port, device);
-}
-
 LineHandle line_open(int port) {
     clear_line_problem();
     char device[PATH_SIZE];
-    port_device(port, device, sizeof device);
+    line_device(port, device, sizeof device);
     if (device[0] == '\0') {
         note_device_error(device, ENOENT);
         return NO_LINE;
