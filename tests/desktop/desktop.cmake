@@ -22,7 +22,8 @@ add_test(NAME desktop.program
 set(keep_pictures Python3::Interpreter ${desktop}/pictures.py --program $<TARGET_FILE:hexlane>
     --examples ${PROJECT_SOURCE_DIR}/examples --out)
 add_test(NAME desktop.dialogs COMMAND ${keep_pictures} ${pictures}/manual)
-add_custom_target(docs_pictures COMMAND ${keep_pictures} ${PROJECT_SOURCE_DIR}/docs/pictures VERBATIM)
+add_custom_target(docs_pictures
+                  COMMAND ${keep_pictures} ${PROJECT_SOURCE_DIR}/docs/pictures --folder /tmp/hexlane-shop VERBATIM)
 add_dependencies(docs_pictures hexlane hexlane-terminal)
 
 # The tour of ./run, so that it stays as the program is.

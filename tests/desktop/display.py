@@ -39,12 +39,14 @@ def check(what, condition):
 class Display:
     """Xvfb on a free display number and openbox on it; a context manager that ends everything it started."""
 
-    def __init__(self, size="1280x1024"):
+    def __init__(self, size="1280x1024", folder=None):
+        """`folder` is where the files of this run lie and is gone at its end; it must not exist. Without one, any."""
         self.size = size
+        self.folder = folder
         self.processes = []
 
     def __enter__(self):
-        self.scratch = tempfile.mkdtemp(prefix="hexlane-display-")
+        self.scratch = self._make_folder()
         self.environment = dict(os.environ, HOME=self.scratch, XDG_RUNTIME_DIR=self.scratch, LC_ALL="C.UTF-8")
         for name in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "QT_SCALE_FACTOR", "XAUTHORITY"):
             self.environment.pop(name, None)
@@ -66,6 +68,15 @@ class Display:
                     process.kill()
                     process.wait()
         shutil.rmtree(self.scratch, ignore_errors=True)
+
+    def _make_folder(self):
+        if not self.folder:
+            return tempfile.mkdtemp(prefix="hexlane-display-")
+        try:
+            os.mkdir(self.folder, 0o700)
+        except FileExistsError:
+            raise Failure(f"{self.folder} exists: another run has it, or has left it behind") from None
+        return self.folder
 
     def _start_server(self):
         reading, writing = os.pipe()

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Opens every dialog of the real program by its menu letters, keeps its picture for the manual, and closes it with Esc.
 
-    pictures.py --program hexlane --examples DIR --out DIR
+    pictures.py --program hexlane --examples DIR --out DIR [--folder DIR]
 
-Fails when a dialog does not come up, does not have the keyboard, or does not go away. Small files: few colors are kept.
+Some pictures show where the programs lie: --folder gives that place a name, so that the next run makes the same
+pictures. Fails when a dialog does not come up, does not have the keyboard, or does not go away. Small files: few colors are kept.
 """
 
 import argparse
@@ -22,6 +23,9 @@ COLORS_KEPT = 96
 WINDOW_SIZE = (600, 430)  # pixels of the editor's window
 PAGE_WIDTH = 680  # pixels of a page of the manual; what is wider is made smaller
 MATCH_HEIGHT = 290  # pixels of the window that show the first match
+
+XOFF = b"\x13"
+HELD_AT = 2150  # bytes: the picture of the send shows the same per cent each time
 
 ACTIVITY = "Communications Activity Screen"
 PARAMETERS = ("Communications Parameter Settings", ["alt+d", "p"])
@@ -129,18 +133,23 @@ def keep_compare(pictures):
 
 
 class Control:
-    """The machine on COM1: a pty whose other end takes whatever comes, at the speed of the line."""
+    """The machine on COM1: a pty whose other end takes what comes, at the speed of the line, and holds it at HELD_AT."""
 
     def __init__(self, display):
         self.master, self.line = pty.openpty()
         tty.setraw(self.line)
         self.taken = 0
-        display.environment["HEXLANE_COM1"] = os.ttyname(self.line)
+        port = os.path.join(display.scratch, "ttyUSB0")  # the terminal shows it: not a number that changes
+        os.symlink(os.ttyname(self.line), port)
+        display.environment["HEXLANE_COM1"] = port
         threading.Thread(target=self.take, daemon=True).start()
 
     def take(self):
         while True:
+            before = self.taken
             self.taken += len(os.read(self.master, 4096))
+            if before < HELD_AT <= self.taken:
+                self.say(XOFF)
 
     def say(self, data):
         os.write(self.master, data)
@@ -173,7 +182,7 @@ def keep_transfer(pictures, control, example):
     pictures.open("Send Properties", "Escape")
     pictures.display.key("alt+n")
     pictures.open(ACTIVITY, "Return")
-    wait_for("a part of the program at the machine", lambda: control.taken > 2000)
+    wait_for("a part of the program at the machine", lambda: control.taken >= HELD_AT)
     pictures.keep_active("activity")
     pictures.open("File Conflict", "alt+t")
     pictures.open("Communications", "y")
@@ -194,9 +203,10 @@ def main():
     parser.add_argument("--program", required=True)
     parser.add_argument("--examples", required=True)
     parser.add_argument("--out", required=True)
+    parser.add_argument("--folder")
     arguments = parser.parse_args()
     os.makedirs(arguments.out, exist_ok=True)
-    with Display() as display:
+    with Display(folder=arguments.folder) as display:
         control = Control(display)
         display.environment["CUPS_SERVER"] = os.path.join(display.scratch, "no-cups")  # whatever printers there are
         try:
