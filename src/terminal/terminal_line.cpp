@@ -37,17 +37,29 @@ bool TerminalLine::open(int port, const LineSettings& settings) {
     return true;
 }
 
-void TerminalLine::close() {
+int64_t TerminalLine::close() {
     if (!is_open())
-        return;
+        return 0;
     line_set_mask(line, 0);
     worker.join();
+    take_in();
+    const int64_t dropped = drop_outgoing();
     line_purge(line);
     line_set_dtr(line, false);
     line_close(line);
     line = NO_LINE;
+    return dropped;
+}
+
+// A write that was cut off has left as far as the driver has it.
+int64_t TerminalLine::drop_outgoing() {
+    const std::lock_guard guard(lock);
+    const int64_t handed = writing.empty() ? 0 : line_written(line);
+    const auto waiting = static_cast<int64_t>(outgoing.size() + writing.size());
+    sent += handed;
     outgoing.clear();
     writing.clear();
+    return waiting - handed;
 }
 
 bool TerminalLine::has_gone() {
@@ -90,8 +102,10 @@ void TerminalLine::write_next() {
         return;
     writing = outgoing.substr(0, WRITE_MAX);
     outgoing.erase(0, writing.size());
-    if (!line_write(line, writing.data(), static_cast<int>(writing.size())))
-        writing.clear();  // the line has failed: its wait tells
+    if (!line_write(line, writing.data(), static_cast<int>(writing.size()))) {
+        outgoing.insert(0, writing);  // the line has failed: its wait tells, and close counts what is lost
+        writing.clear();
+    }
 }
 
 void TerminalLine::take_in() {

@@ -25,15 +25,15 @@ public:
     // Opens COM `port`. False on failure: platform::line_problem_text says why.
     bool open(int port, const platform::LineSettings& settings);
 
-    // What has not gone out is dropped.
-    void close();
+    // Drops what has not gone out, and gives how many bytes that were. What has come in stays to be taken.
+    int64_t close();
 
     bool is_open() const { return line != platform::NO_LINE; }
     bool has_gone();
     platform::LineSettings settings() const;  // with the rate that the driver has set
 
     void send(std::string_view bytes);
-    int64_t bytes_sent();     // that have left
+    int64_t bytes_sent();     // that have left, on this line and those that were opened before
     int64_t bytes_waiting();  // still to go out
     bool is_held() const { return is_open() && platform::line_held(line); }
     bool errors(platform::LineErrors* counts) const {
@@ -46,7 +46,8 @@ public:
 private:
     void run();
     void take_in();
-    void write_next();  // with the lock held
+    void write_next();        // with the lock held
+    int64_t drop_outgoing();  // while no worker runs
 
     platform::LineHandle line = platform::NO_LINE;
     std::thread worker;

@@ -3,9 +3,11 @@
 #include "dnc/control_names.h"
 #include "dnc/machine_table.h"
 #include "platform/text.h"
+#include "terminal/line_counters.h"
 #include "terminal/machine_line.h"
 
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFontDatabase>
@@ -16,6 +18,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QStringList>
 #include <QVBoxLayout>
 
 namespace hexlane {
@@ -27,6 +30,7 @@ namespace {
 constexpr std::size_t HISTORY_SIZE = 256 * 1024;  // bytes
 constexpr int VIEW_ROWS = 20000;                  // the oldest go
 constexpr int COUNTER_PERIOD_MS = 250;
+constexpr int LAST_CONTROL = 31;
 constexpr int DELETE = 127;
 constexpr int WIDTH = 760;
 constexpr int HEIGHT = 520;
@@ -65,9 +69,16 @@ TerminalWindow::TerminalWindow(int chosen)
 void TerminalWindow::make_controls() {
     port_label = new QLabel;
     message_label = new QLabel;
+    message_label->setTextFormat(Qt::PlainText);
     message_label->setWordWrap(true);
     message_label->hide();
     counter_label = new QLabel;
+    capture_label = new QLabel;
+    for (QLabel* label : {port_label, capture_label, counter_label}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);  // a long device or file name must not widen the window
+    }
+    capture_label->hide();
     view = new QPlainTextEdit;
     view->setReadOnly(true);
     view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
@@ -79,7 +90,9 @@ void TerminalWindow::make_controls() {
     column->addWidget(message_label);
     column->addWidget(view, 1);
     column->addWidget(make_send_row());
+    column->addWidget(make_control_row());
     column->addWidget(make_tool_row());
+    column->addWidget(capture_label);
     column->addWidget(counter_label);
 }
 
@@ -87,27 +100,41 @@ QWidget* TerminalWindow::make_send_row() {
     auto* row = new QWidget;
     auto* cells = new QHBoxLayout(row);
     cells->setContentsMargins(0, 0, 0, 0);
+    auto* label = new QLabel(QStringLiteral("&Text to send:"));
     text_field = new QLineEdit;
-    text_field->setPlaceholderText(QStringLiteral("Text to send"));
+    label->setBuddy(text_field);
     end_of_block_box = new QCheckBox(QStringLiteral("with end of &block"));
     end_of_block_box->setChecked(true);
     send_button = new QPushButton(QStringLiteral("&Send"));
-    control_list = new QComboBox;
-    for (int control = 0; control <= DELETE; control = control == 31 ? DELETE : control + 1) {
-        const char* name = control == DELETE ? "DEL" : CONTROL_NAMES[control];
-        if (control_byte(code, control) >= 0) {
-            control_list->addItem(QStringLiteral("%1  %2").arg(control, 3).arg(QLatin1String(name)), control);
-        }
-    }
-    control_button = new QPushButton(QStringLiteral("Send c&ontrol"));
     connect(text_field, &QLineEdit::returnPressed, this, [this] { send_text(); });
     connect(send_button, &QPushButton::clicked, this, [this] { send_text(); });
-    connect(control_button, &QPushButton::clicked, this, [this] { send_control(); });
+    cells->addWidget(label);
     cells->addWidget(text_field, 1);
     cells->addWidget(end_of_block_box);
     cells->addWidget(send_button);
+    return row;
+}
+
+// The names come first, so that typing one in the list finds it.
+QWidget* TerminalWindow::make_control_row() {
+    auto* row = new QWidget;
+    auto* cells = new QHBoxLayout(row);
+    cells->setContentsMargins(0, 0, 0, 0);
+    auto* label = new QLabel(QStringLiteral("Control cha&racter:"));
+    control_list = new QComboBox;
+    label->setBuddy(control_list);
+    for (int control = 0; control <= DELETE; control = control == LAST_CONTROL ? DELETE : control + 1) {
+        const char* name = control == DELETE ? "DEL" : CONTROL_NAMES[control];
+        if (control_byte(code, control) >= 0) {
+            control_list->addItem(QStringLiteral("%1 (%2)").arg(QLatin1String(name)).arg(control), control);
+        }
+    }
+    control_button = new QPushButton(QStringLiteral("Send c&ontrol"));
+    connect(control_button, &QPushButton::clicked, this, [this] { send_control(); });
+    cells->addWidget(label);
     cells->addWidget(control_list);
     cells->addWidget(control_button);
+    cells->addStretch(1);
     return row;
 }
 
@@ -145,18 +172,32 @@ QWidget* TerminalWindow::make_tool_row() {
 void TerminalWindow::open_line() {
     const MachineParams& settings = machine_table[machine];
     gone_told = false;
-    if (line.open(port_of(settings), line_settings_of(settings))) {
-        tell(QString());
-    } else {
-        tell(QStringLiteral("%1 cannot be opened. %2")
-                 .arg(port_name(port_of(settings)), QString::fromUtf8(line_problem_text())));
-    }
+    const bool open = line.open(port_of(settings), line_settings_of(settings));
+    tell(About::SENDING, QString());
+    tell(About::PORT, open ? QString()
+                           : QStringLiteral("COM%1 can't be opened. %2")
+                                 .arg(port_of(settings))
+                                 .arg(QString::fromUtf8(line_problem_text())));
     show_port();
 }
 
 void TerminalWindow::close_line() {
-    line.close();
+    const int64_t dropped = line.close();
+    take_bytes();
+    tell(About::SENDING,
+         dropped == 0
+             ? QString()
+             : QStringLiteral("The last %1 bytes were not sent: the port was closed before.").arg(dropped));
     show_port();
+}
+
+void TerminalWindow::closeEvent(QCloseEvent* event) {
+    const bool capturing = capture.isOpen();
+    close_line();
+    if (capture.isOpen()) {
+        end_capture();
+    }
+    event->setAccepted(!capturing || !capture_failed);
 }
 
 void TerminalWindow::show_port() {
@@ -168,40 +209,45 @@ void TerminalWindow::show_port() {
                                  open ? QStringLiteral("open") : QStringLiteral("closed"),
                                  QString::fromStdString(settings_text(settings, rate))));
     port_button->setText(open ? QStringLiteral("Close &port") : QStringLiteral("Open &port"));
-    for (QWidget* control : {static_cast<QWidget*>(send_button), static_cast<QWidget*>(control_button)}) {
-        control->setEnabled(open);
-    }
+    send_button->setEnabled(open);
+    control_button->setEnabled(open);
     show_counters();
 }
 
-void TerminalWindow::tell(const QString& what) {
-    message_label->setText(what);
-    message_label->setVisible(!what.isEmpty());
+void TerminalWindow::tell(About about, const QString& what) {
+    messages[static_cast<int>(about)] = what;
+    QStringList lines;
+    for (const QString& message : messages) {
+        if (!message.isEmpty()) {
+            lines.append(message);
+        }
+    }
+    message_label->setText(lines.join(QLatin1Char('\n')));
+    message_label->setVisible(!lines.isEmpty());
 }
 
 // ---- Receiving ---------------------------------------------------------------------------------------
 
 void TerminalWindow::take_received() {
+    take_bytes();
+    if (line.has_gone() && !gone_told) {
+        gone_told = true;
+        close_line();
+        tell(About::PORT,
+             QStringLiteral("%1 has gone: the adapter was unplugged or the line was hung up. Open port "
+                            "tries again.")
+                 .arg(port_name(port_of(machine_table[machine]))));
+    }
+}
+
+void TerminalWindow::take_bytes() {
     const std::string bytes = line.take_received();
     received_bytes += static_cast<int64_t>(bytes.size());
-    if (capture.isOpen() && !bytes.empty()) {
-        const auto size = static_cast<qint64>(bytes.size());
-        if (capture.write(bytes.data(), size) != size || !capture.flush()) {
-            const QString reason = capture.errorString();
-            end_capture();
-            tell(QStringLiteral("The capture has ended: %1.").arg(reason));
-        }
-    }
+    capture_bytes(bytes);
     history += bytes;
     show_bytes(bytes);
     if (history.size() > HISTORY_SIZE) {
         history.erase(0, history.size() - HISTORY_SIZE);
-    }
-    if (line.has_gone() && !gone_told) {
-        gone_told = true;
-        close_line();
-        tell(QStringLiteral("%1 has gone: the adapter was unplugged or the line was hung up.")
-                 .arg(port_name(port_of(machine_table[machine]))));
     }
 }
 
@@ -228,31 +274,21 @@ void TerminalWindow::show_all_again() {
 }
 
 void TerminalWindow::show_counters() {
-    LineErrors counts = {};
-    const QString errors = !line.is_open() ? QStringLiteral("line closed")
-                           : line.errors(&counts)
-                               ? QStringLiteral("errors: %1 parity, %2 framing, %3 overrun")
-                                     .arg(counts.parity)
-                                     .arg(counts.framing)
-                                     .arg(counts.overrun)
-                               : QStringLiteral("errors: not counted by this line");
-    const int64_t waiting = line.bytes_waiting();
-    const QString state = waiting == 0     ? QString()
-                          : line.is_held() ? QStringLiteral(", %1 held by the machine").arg(waiting)
-                                           : QStringLiteral(", %1 waiting").arg(waiting);
-    const QString captured =
-        capture.isOpen() ? QStringLiteral("   captured to %1: %2").arg(capture.fileName()).arg(capture.size())
-                         : QString();
-    counter_label->setText(QStringLiteral("received: %1   sent: %2%3   %4%5")
-                               .arg(received_bytes)
-                               .arg(line.bytes_sent())
-                               .arg(state, errors, captured));
+    LineCounters counters = {};
+    counters.received = received_bytes;
+    counters.sent = line.bytes_sent();
+    counters.waiting = line.bytes_waiting();
+    counters.held = line.is_held();
+    counters.open = line.is_open();
+    counters.counts_errors = line.errors(&counters.errors);
+    counter_label->setText(QString::fromStdString(counters_text(counters)));
 }
 
 // ---- Sending -----------------------------------------------------------------------------------------
 
 void TerminalWindow::send_text() {
     if (!line.is_open()) {
+        tell(About::SENDING, QStringLiteral("Nothing was sent: the port is closed."));
         return;
     }
     int lost = 0;
@@ -276,7 +312,8 @@ void TerminalWindow::send_control() {
 
 void TerminalWindow::send_bytes(const std::string& bytes, int lost) {
     line.send(bytes);
-    tell(lost == 0 ? QString()
+    tell(About::SENDING,
+         lost == 0 ? QString()
                    : QStringLiteral("Some characters have no code for this machine and were left out."));
     show_counters();
 }
@@ -298,18 +335,53 @@ void TerminalWindow::start_capture() {
         return;
     }
     capture.setFileName(path);
-    if (!capture.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        tell(QStringLiteral("%1 cannot be written: %2.").arg(path, capture.errorString()));
-        return;
-    }
-    capture_button->setText(QStringLiteral("End &capture"));
-    show_counters();
+    captured_bytes = 0;
+    capture_failed = !capture.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
+    tell(About::CAPTURE, capture_failed
+                             ? QStringLiteral("%1 can't be written: %2.").arg(path, capture.errorString())
+                             : QString());
+    show_capture();
 }
 
-void TerminalWindow::end_capture() {
+void TerminalWindow::capture_bytes(const std::string& bytes) {
+    if (!capture.isOpen() || bytes.empty()) {
+        return;
+    }
+    const auto size = static_cast<qint64>(bytes.size());
+    for (qint64 done = 0; done < size;) {
+        const qint64 written = capture.write(bytes.data() + done, size - done);
+        if (written <= 0) {
+            end_capture(capture.errorString());
+            return;
+        }
+        done += written;
+        captured_bytes += written;
+    }
+    show_capture();
+}
+
+// `reason` says what ends it before the person does.
+void TerminalWindow::end_capture(QString reason) {
     capture.close();
-    capture_button->setText(QStringLiteral("&Capture to a file..."));
-    show_counters();
+    if (reason.isEmpty() && capture.error() != QFileDevice::NoError) {
+        reason = capture.errorString();
+    }
+    capture_failed = !reason.isEmpty();
+    if (capture_failed) {
+        tell(About::CAPTURE,
+             QStringLiteral("The capture to %1 has ended: %2. It holds the first %3 bytes; what came "
+                            "in behind them is only in this window.")
+                 .arg(capture.fileName(), reason)
+                 .arg(captured_bytes));
+    }
+    show_capture();
+}
+
+void TerminalWindow::show_capture() {
+    const bool on = capture.isOpen();
+    capture_button->setText(on ? QStringLiteral("End &capture") : QStringLiteral("&Capture to a file..."));
+    capture_label->setText(QStringLiteral("captured to %1: %2").arg(capture.fileName()).arg(captured_bytes));
+    capture_label->setVisible(on);
 }
 
 }  // namespace hexlane

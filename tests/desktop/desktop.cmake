@@ -13,6 +13,15 @@ add_test(NAME desktop.messages
          COMMAND Python3::Interpreter ${desktop}/messages_test.py --probe $<TARGET_FILE:message_probe>
                  --pictures ${pictures})
 
+# The terminal's window in one process with its machine, on no display: its texts, its files, its counters.
+add_executable(terminal_window_test ${desktop}/terminal_window_test.cpp
+                                    ${PROJECT_SOURCE_DIR}/src/terminal/terminal_window.cpp)
+target_include_directories(terminal_window_test PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(terminal_window_test PRIVATE hexlane_terminal_line hexlane_core hexlane_qt hexlane_posix
+                                                   hexlane_platform_common GTest::gtest)
+add_test(NAME desktop.terminal COMMAND terminal_window_test)
+set_tests_properties(desktop.terminal PROPERTIES TIMEOUT 300 ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+
 # The program itself: typing, saving, blocks, search, renumbering, macros, colors, second start, file dialogs, end.
 add_test(NAME desktop.program
          COMMAND Python3::Interpreter ${desktop}/desktop_test.py --program $<TARGET_FILE:hexlane>

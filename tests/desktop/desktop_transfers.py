@@ -6,6 +6,7 @@ is received. A third file is edited and saved meanwhile. At the end the files ar
 """
 
 import argparse
+import fcntl
 import os
 import shutil
 import signal
@@ -19,6 +20,7 @@ TITLE = "Hexlane NC Editor and DNC Communications"
 ACTIVITY = "Communications Activity Screen"
 PUNCHED_SIZE = 20000  # bytes: at 9600 bits a second 20 seconds, and 15 of silence end the receive
 PARAMETERS = "Communications Parameter Settings"
+TERMINAL = "Hexlane Terminal - MILL"
 COMMUNICATIONS = "Communications"  # the box at a transfer's end, and the view Terminate
 
 
@@ -257,18 +259,64 @@ def talk_to_the_machine(shop):
     """The Terminal button, on a pty that this test holds the other end of."""
     display = shop.display
     machine = Pty(shop.ports[0])
-    shop.open(f"Hexlane Terminal - MILL", "alt+m")
+    shop.open(TERMINAL, "alt+m")
     machine.write(b"\x02N10 G0 X1\r\n\x17\x06READY\r\n")
     display.type("G1 X5")
     display.key("Return")
     wait_for("the typed text at the machine", lambda: machine.read_so_far() == b"G1 X5\r\n")
     shop.picture("terminal")
+    shop.press("alt+r")                       # the list of control characters, which finds what is typed
+    display.type("DC1")
+    shop.press("alt+o")
+    wait_for("the control character at the machine", lambda: machine.read_so_far() == b"G1 X5\r\n\x11")
+    capture_what_comes(shop, machine)
+    close_and_open_the_port(shop, machine)
     shop.press("alt+h")
     shop.picture("terminal-hexadecimal")
     machine.close()
     shop.picture("terminal-gone")
+    shop.press("alt+p")                       # the machine's end is not there
+    shop.picture("terminal-no-port")
+    machine = Pty(shop.ports[0])
+    shop.press("alt+p")
+    speak_until(shop, machine, b"M2\r\n")
     display.key("alt+F4")
     display.wait_active(ACTIVITY)
+    machine.close()
+
+
+def speak_until(shop, machine, wanted):
+    """Types into the field of the terminal, and Enter."""
+    shop.press("alt+t")
+    shop.display.type(wanted.decode().rstrip())
+    shop.display.key("Return")
+    wait_for(f"{wanted} at the machine", lambda: machine.read_so_far().endswith(wanted))
+
+
+def capture_what_comes(shop, machine):
+    captured = shop.scratch("captured.nc")
+    shop.display.key("alt+c")
+    shop.answer_file_dialog("Capture to a file", captured)
+    shop.display.wait_active(TERMINAL)
+    wait_for("the file of the capture", lambda: os.path.exists(captured))
+    machine.write(b"N20 M30\r\n")
+    wait_for("the captured bytes", lambda: read(captured) == b"N20 M30\r\n")
+    shop.picture("terminal-capture")
+    shop.press("alt+c")
+    machine.write(b"BEHIND THE CAPTURE\r\n")
+    shop.display.wait_still("the bytes behind the capture", still=2)
+    check("the capture has an end", read(captured) == b"N20 M30\r\n")
+
+
+def close_and_open_the_port(shop, machine):
+    """A closed port is free for others, and sends nothing."""
+    shop.press("alt+p")
+    shop.picture("terminal-closed")
+    other = os.open(shop.ports[0], os.O_RDWR | os.O_NOCTTY)
+    fcntl.flock(other, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    os.close(other)
+    shop.press("alt+p")
+    speak_until(shop, machine, b"M1\r\n")
 
 
 def end_quietly(shop):

@@ -79,7 +79,7 @@ void reset_line(Line& line) {
     line.gone = false;
     line.break_count = tty_break_count(line.tty);
     line.errors_before = {};
-    tty_error_counts(line.tty, &line.errors_before);
+    line.driver.error_counts(line.tty, &line.errors_before);
     line.ring_first = 0;
     line.ring_used = 0;
     line.sending = {};
@@ -247,7 +247,7 @@ bool line_held(LineHandle handle) {
 int line_errors(LineHandle handle, LineErrors* errors) {
     const OpenLine open(handle);
     LineErrors now{};
-    if (open.line == nullptr || !tty_error_counts(open.line->tty, &now)) {
+    if (open.line == nullptr || !open.line->driver.error_counts(open.line->tty, &now)) {
         return 0;
     }
     const LineErrors& before = open.line->errors_before;

@@ -1,6 +1,9 @@
-// serial_driver.h: what a running write asks of a tty driver. A table, so that a test can stand in for a
-// driver that tells its queue and its shift register and has modem lines, none of which a pty has.
+// serial_driver.h: what a running write asks of a tty driver, and its error counters. A table, so that a test
+// can stand in for a driver that tells its queue, its shift register and its errors and has modem lines, none
+// of which a pty has.
 #pragma once
+
+#include "platform/serial.h"
 
 #include <cstddef>
 #include <sys/types.h>
@@ -12,6 +15,8 @@ struct LineDriver {
     int (*queued)(int tty);  // bytes accepted and not yet sent; 0 also when the driver doesn't tell
     bool (*transmitter_empty)(int tty);  // true also when the driver doesn't tell
     int (*clear_to_send)(int tty);       // 1 or 0; -1 when there are no modem lines
+    int (*error_counts)(int tty,
+                        LineErrors* errors);  // since the driver's start; 1, or 0 when it counts none
 };
 
 extern const LineDriver TTY_DRIVER;

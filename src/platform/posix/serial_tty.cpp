@@ -121,9 +121,19 @@ int tty_clear_to_send(int tty) {
     return (lines & TIOCM_CTS) != 0 ? 1 : 0;
 }
 
+int tty_error_counts(int tty, LineErrors* errors) {
+    serial_icounter_struct counts{};
+    if (ioctl(tty, TIOCGICOUNT, &counts) != 0) {
+        return 0;
+    }
+    *errors = {static_cast<uint32_t>(counts.parity), static_cast<uint32_t>(counts.frame),
+               static_cast<uint32_t>(counts.overrun) + static_cast<uint32_t>(counts.buf_overrun)};
+    return 1;
+}
+
 }  // namespace
 
-const LineDriver TTY_DRIVER = {write, tty_queued, tty_transmitter_empty, tty_clear_to_send};
+const LineDriver TTY_DRIVER = {write, tty_queued, tty_transmitter_empty, tty_clear_to_send, tty_error_counts};
 LineDriver line_driver = TTY_DRIVER;
 
 int open_tty(const char* device) {
@@ -188,16 +198,6 @@ void flush_tty(int tty, bool output_too) {
 void set_tty_dtr(int tty, bool on) {
     const int lines = TIOCM_DTR;
     ioctl(tty, on ? TIOCMBIS : TIOCMBIC, &lines);
-}
-
-int tty_error_counts(int tty, LineErrors* errors) {
-    serial_icounter_struct counts{};
-    if (ioctl(tty, TIOCGICOUNT, &counts) != 0) {
-        return 0;
-    }
-    *errors = {static_cast<uint32_t>(counts.parity), static_cast<uint32_t>(counts.frame),
-               static_cast<uint32_t>(counts.overrun) + static_cast<uint32_t>(counts.buf_overrun)};
-    return 1;
 }
 
 uint32_t tty_break_count(int tty) {

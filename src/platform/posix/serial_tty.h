@@ -25,9 +25,6 @@ void flush_tty(int tty, bool output_too);
 
 void set_tty_dtr(int tty, bool on);
 
-// Errors that the driver has counted since it was loaded. 1, or 0 when it doesn't count.
-int tty_error_counts(int tty, LineErrors* errors);
-
 // Breaks that the driver has counted since it was loaded; 0 when it doesn't count.
 uint32_t tty_break_count(int tty);
 

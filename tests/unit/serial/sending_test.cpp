@@ -189,7 +189,8 @@ protected:
                        [](int) {
                            cts_looks++;
                            return cts_line.load();
-                       }};
+                       },
+                       TTY_DRIVER.error_counts};
         line = open_line(machine, 9600);
     }
     ~ToldQueue() override {
