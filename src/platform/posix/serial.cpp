@@ -41,9 +41,12 @@ struct OpenLine {
     std::unique_lock<std::mutex> guard;
 };
 
+// A worker that is awake looks at the line before it sleeps again; most writes are its own.
 void wake_worker(const Line& line) {
-    const uint64_t one = 1;
-    static_cast<void>(!write(line.wake, &one, sizeof one));
+    if (line.asleep) {
+        const uint64_t one = 1;
+        static_cast<void>(!write(line.wake, &one, sizeof one));
+    }
 }
 
 bool pacing_is_on() {
@@ -70,9 +73,11 @@ void close_wakers(int wake, int edges) {
 }
 
 void reset_line(Line& line) {
+    line.asleep = false;
     line.driver = line_driver;
     line.settings = {};
     line.has_modem_lines = true;
+    line.tells_register = true;
     line.paced = pacing_is_on();
     line.mask = 0;
     line.pending = 0;

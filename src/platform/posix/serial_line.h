@@ -60,11 +60,13 @@ struct Line {
     std::mutex lock;              // guards everything here; not held while the worker sleeps
     int tty = -1;                 // -1: not open
     int wake = -1;                // eventfd: something for the sleeping worker to see
+    bool asleep = false;          // the worker is in its sleep; awake, it sees by itself what there is
     int edges = -1;               // epoll over the tty, edge triggered: room in the driver
     char device[PATH_SIZE] = "";  // its name, for messages
     LineDriver driver{};
     LineSettings settings{};
     bool has_modem_lines = true;  // until the driver says otherwise
+    bool tells_register = true;   // the same, of the shift register
     int64_t char_time = 0;        // of one character with its start, parity and stop bits
     bool paced = true;
     int in_flight_limit = IN_FLIGHT_MIN;  // bytes

@@ -43,6 +43,9 @@ void consume_edges(const Line& line) {
 
 void look_at_queue(Line& line, int64_t now) {
     Sending& sending = line.sending;
+    if (sending.handed == 0) {
+        return;  // what the queue holds, if anything, is not of this write
+    }
     sending.queued = std::clamp(line.driver.queued(line.tty), 0, sending.handed);
     const int left = sending.handed - sending.queued;
     if (left > sending.left) {
@@ -91,10 +94,19 @@ bool nothing_moves(const Line& line, int64_t now) {
     return now - std::max(sending.moved_at, sending.busy_until) > HELD_CHARACTERS * line.char_time;
 }
 
-bool all_has_left(const Line& line, int64_t now) {
+// A driver that doesn't tell is asked once.
+bool register_is_empty(Line& line) {
+    if (!line.tells_register) {
+        return true;
+    }
+    const int empty = line.driver.transmitter_empty(line.tty);
+    line.tells_register = empty >= 0;
+    return empty != 0;
+}
+
+bool all_has_left(Line& line, int64_t now) {
     const Sending& sending = line.sending;
-    return all_handed(sending) && sending.queued == 0 && sending.busy_until <= now &&
-           line.driver.transmitter_empty(line.tty);
+    return all_handed(sending) && sending.queued == 0 && sending.busy_until <= now && register_is_empty(line);
 }
 
 void plan_next_look(Line& line, int64_t now) {

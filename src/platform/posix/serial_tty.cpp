@@ -108,9 +108,12 @@ int tty_queued(int tty) {
     return ioctl(tty, TIOCOUTQ, &count) == 0 ? count : 0;
 }
 
-bool tty_transmitter_empty(int tty) {
+int tty_transmitter_empty(int tty) {
     int state = 0;
-    return ioctl(tty, TIOCSERGETLSR, &state) != 0 || (state & TIOCSER_TEMT) != 0;
+    if (ioctl(tty, TIOCSERGETLSR, &state) != 0) {
+        return -1;
+    }
+    return (state & TIOCSER_TEMT) != 0 ? 1 : 0;
 }
 
 int tty_clear_to_send(int tty) {

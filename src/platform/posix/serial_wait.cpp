@@ -87,10 +87,12 @@ void sleep_on_line(Line& line, std::unique_lock<std::mutex>& guard, int64_t unti
     pollfd files[] = {{line.gone ? -1 : line.tty, POLLIN, 0},
                       {line.wake, POLLIN, 0},
                       {line.sending.watch_edges ? line.edges : -1, POLLIN, 0}};
+    line.asleep = true;
     guard.unlock();
     timespec left;
     const int ready = ppoll(files, 3, time_left(until, &left), nullptr);
     guard.lock();
+    line.asleep = false;
     if (ready <= 0) {
         return;
     }

@@ -166,7 +166,8 @@ TEST(Sending, APurgeDropsTheWriteAndTheLineGoesOn) {
 
 std::atomic<int> driver_queue{0};
 std::atomic<int> most_queued{0};
-std::atomic<bool> register_empty{true};
+std::atomic<int> register_empty{1};
+std::atomic<int> register_looks{0};
 std::atomic<int> cts_line{1};
 std::atomic<int> cts_looks{0};
 
@@ -181,11 +182,15 @@ protected:
     ToldQueue() {
         driver_queue = 0;
         most_queued = 0;
-        register_empty = true;
+        register_empty = 1;
+        register_looks = 0;
         cts_line = 1;
         cts_looks = 0;
         line_driver = {queue_write, [](int) { return driver_queue.load(); },
-                       [](int) { return register_empty.load(); },
+                       [](int) {
+                           register_looks++;
+                           return register_empty.load();
+                       },
                        [](int) {
                            cts_looks++;
                            return cts_line.load();
@@ -212,7 +217,7 @@ protected:
 
 TEST_F(ToldQueue, EmptyWaitsForTheQueueAndTheShiftRegister) {
     Worker worker(line);
-    register_empty = false;
+    register_empty = 0;
     ASSERT_EQ(line_write(line, bytes.data(), 10), 1);
     ASSERT_TRUE(wait_for([] { return driver_queue == 10; }));
     ASSERT_TRUE(wait_for([&] { return line_held(line); }));
@@ -222,8 +227,21 @@ TEST_F(ToldQueue, EmptyWaitsForTheQueueAndTheShiftRegister) {
     ASSERT_TRUE(wait_for([&] { return !line_held(line); }));
     std::this_thread::sleep_for(30ms);  // long behind the rate: only the register is still busy
     EXPECT_FALSE(worker.saw(EV_TXEMPTY));
-    register_empty = true;
+    register_empty = 1;
     EXPECT_TRUE(worker.waits_for(EV_TXEMPTY));
+}
+
+TEST_F(ToldQueue, ADriverThatDoesNotTellItsRegisterIsAskedOnce) {
+    register_empty = -1;
+    Worker worker(line);
+    for (int i = 0; i < 3; i++) {
+        worker.seen = 0;
+        ASSERT_EQ(line_write(line, bytes.data(), 1), 1);
+        ASSERT_TRUE(wait_for([] { return driver_queue == 1; }));
+        driver_queue = 0;
+        EXPECT_TRUE(worker.waits_for(EV_TXEMPTY));
+    }
+    EXPECT_EQ(register_looks, 1);
 }
 
 TEST_F(ToldQueue, AHeldQueueIsNotFilledUpAndCostsNothing) {
