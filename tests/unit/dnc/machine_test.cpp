@@ -93,5 +93,20 @@ TEST(Crc32, IsThePublishedOne) {
     EXPECT_EQ(crc32(crc32(0, "12345", 5), "6789", 4), 0xCBF43926U);
 }
 
+TEST(Crc32, IsTheSameInPiecesOfAnySize) {
+    uint8_t bytes[300];
+    uint32_t by_bits = ~0U;
+    for (int i = 0; i < 300; i++) {
+        bytes[i] = static_cast<uint8_t>(i * i + 3 * i);
+        by_bits ^= bytes[i];
+        for (int bit = 0; bit < 8; bit++)
+            by_bits = (by_bits & 1) != 0 ? by_bits >> 1 ^ 0xEDB88320 : by_bits >> 1;
+    }
+    for (std::size_t first = 0; first <= sizeof bytes; first++) {
+        const uint32_t before = crc32(0, bytes, first);
+        EXPECT_EQ(crc32(before, bytes + first, sizeof bytes - first), ~by_bits) << first;
+    }
+}
+
 }  // namespace
 }  // namespace hexlane
