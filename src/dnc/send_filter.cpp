@@ -14,6 +14,7 @@ namespace {
 constexpr uint8_t LOWEST_CHECK = 0x20;  // a HEIDENHAIN block check is never a control character
 constexpr int HIGHEST_SEQUENCE_CHAR = 128;
 constexpr int PER_BYTE_MAX = 16;  // line bytes that one file byte can bring, generously
+constexpr int OUTPUT_FILL_LIMIT = OUTPUT_BUFFER_SIZE - PER_BYTE_MAX;  // beyond it no further byte is taken
 
 // What one fill works with: the machine's settings and the slot's buffers, looked up once.
 struct Filter {
@@ -28,6 +29,7 @@ struct Filter {
     bool compress_tabs;
     bool compress_any;  // of the four above
     int dropped;        // the character to leave out, -1 for none
+    bool plain;         // no option, code or framing looks at bytes between line ends, but for `dropped`
 };
 
 Filter make_filter(int slot) {
@@ -36,17 +38,22 @@ Filter make_filter(int slot) {
     const bool numbers = m.compress_line_numbers != 0;
     const bool spaces = m.compress_spaces != 0;
     const bool tabs = m.compress_tabs != 0;
+    const bool any = comments || numbers || spaces || tabs;
+    const int protocol = machine_setting(m, Field::PROTOCOL);
+    const bool eia = machine_setting(m, Field::DATA_TYPE) == DATA_EIA;
+    const bool framed = protocol == PROTOCOL_HEIDENHAIN || protocol == PROTOCOL_BRIDGEPORT;
     return {transfer_state[slot],
             transfer_buffers[slot],
             m,
-            machine_setting(m, Field::PROTOCOL),
-            machine_setting(m, Field::DATA_TYPE) == DATA_EIA,
+            protocol,
+            eia,
             comments,
             numbers,
             spaces,
             tabs,
-            comments || numbers || spaces || tabs,
-            m.compress_character_on != 0 ? machine_setting(m, Field::COMPRESS_CHARACTER) : -1};
+            any,
+            m.compress_character_on != 0 ? machine_setting(m, Field::COMPRESS_CHARACTER) : -1,
+            !any && !eia && !framed};
 }
 
 // The last stage: one byte into the output buffer, or behind it into the carry.
@@ -227,20 +234,43 @@ void take_carry(Filter& f) {
     f.t.carry_count = 0;
 }
 
+// Takes the bytes of the file buffer that go out as they are, at most `limit`, in one run, as long as there
+// is room for one more. Gives their number.
+int take_plain(Filter& f, int limit) {
+    if (f.t.need_start)
+        return 0;
+    const uint8_t* from = f.buffers.file_buffer + f.t.in_index;
+    uint8_t* to = f.buffers.output_buffer + f.t.out_count;
+    const int most = std::min(limit, OUTPUT_FILL_LIMIT - f.t.out_count);
+    const int dropped = f.dropped;
+    int count = 0;
+    for (; count < most && from[count] != '\r' && from[count] != '\n' && from[count] != dropped; count++)
+        to[count] = from[count];
+    if (count > 0)
+        f.t.line_has_output = 1;
+    f.t.out_count += count;
+    f.t.in_index += count;
+    f.t.source_count += count;
+    return count;
+}
+
 // Takes at most `limit` bytes of the file buffer up to `end`. Stops behind the file's last byte, at a block
 // that the machine must answer, and where the output buffer has no room for what one more byte can bring.
-void take_source(Filter& f, int limit, int end) {
-    while (limit-- > 0 && f.t.in_index < end) {
-        if (f.t.out_count > OUTPUT_BUFFER_SIZE - PER_BYTE_MAX || f.t.carry_count > 0)
-            return;
+// A function of its own for the compiler too, whose code for the loop is a fifth faster for it.
+[[gnu::noinline]] void take_source(Filter& f, int limit, int end) {
+    limit = std::min({limit, end - f.t.in_index, std::max(f.t.total_bytes - f.t.source_count, 1)});
+    while (limit > 0 && f.t.out_count <= OUTPUT_FILL_LIMIT && f.t.carry_count == 0) {
+        if (f.plain)
+            limit -= take_plain(f, limit);
+        if (limit == 0)
+            break;
         filter_char(f, f.buffers.file_buffer[f.t.in_index++]);
-        if (++f.t.source_count >= f.t.total_bytes) {
-            f.t.source_ended = 1;
-            return;
-        }
+        f.t.source_count++;
+        limit--;
         if (f.t.wait_for_ack)
-            return;
+            break;
     }
+    f.t.source_ended = f.t.source_count >= f.t.total_bytes;
 }
 
 // The end sequence, once; 1 when all of it is in the output buffer.

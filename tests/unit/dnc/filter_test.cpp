@@ -108,6 +108,42 @@ TEST_F(FilterTest, StartAndEndSequencesStandAroundTheFile) {
                                           "A\r");
 }
 
+// What goes out in runs goes out as it would byte by byte, whatever the byte, and as much of it in a fill.
+TEST_F(FilterTest, PlainFilesGoOutByteForByteInFillsOfOneSize) {
+    std::string file = "\r\n\r\n";
+    for (int i = 0; file.size() < 25'000; i++)
+        file += static_cast<char>(i * i / 7 + i);
+    for (const int dropped : {-1, 0, int{'5'}, int{'\r'}, 127}) {
+        for (const int conversion : {EOB_NO_CONVERSION, EOB_LF}) {
+            SCOPED_TRACE(std::to_string(dropped) + " " + std::to_string(conversion));
+            SetUp();
+            machine().compress_character_on = dropped >= 0;
+            machine().compress_character = static_cast<int8_t>(dropped);
+            machine().eob_conversion = conversion;
+            std::string expected;
+            for (const char c : file) {
+                const bool line_end = conversion == EOB_LF && (c == '\r' || c == '\n');
+                if ((dropped >= 0 && c == dropped) || (line_end && c == '\n'))
+                    continue;
+                expected += line_end ? '\n' : c;
+            }
+            EXPECT_EQ(send(file), expected);
+        }
+    }
+    SetUp();
+    port_apply_machine(0, machine());
+    TransferState& t = transfer_state[0];
+    std::memset(transfer_buffers[0].file_buffer, 'X', FILE_BUFFER_SIZE);
+    t.file_count = FILE_BUFFER_SIZE;
+    t.total_bytes = FILL_LIMIT + 10;
+    EXPECT_EQ(fill_from_buffer(0), 0);
+    EXPECT_EQ(t.out_count, FILL_LIMIT);
+    EXPECT_EQ(t.source_count, FILL_LIMIT);
+    EXPECT_EQ(fill_from_buffer(0), 1) << "the file ends in the middle of a run";
+    EXPECT_EQ(t.out_count, 10);
+    EXPECT_EQ(t.in_index, FILL_LIMIT + 10);
+}
+
 TEST_F(FilterTest, LongSequencesAreCarriedOverWholeAndInOrder) {
     for (const int protocol :
          {PROTOCOL_GENERAL, PROTOCOL_BRIDGEPORT, PROTOCOL_HEIDENHAIN, PROTOCOL_PHILLIPS}) {
