@@ -48,11 +48,11 @@ int16_t index_of_column(int32_t col) {
 }
 
 // The block inside a row with its columns turned into indexes of the row's text, which row_text takes. Gives
-// 1; 0 when no character is between them, or the row can't be read.
+// 1; 0 when no character is between them, -1 when the row can't be read.
 int read_block_part(Block* part) {
     *part = block;
     if (!fetch_row(block.start.row))
-        return 0;
+        return -1;
     if (child[0].nc_mode)
         build_nc_columns();
     part->start.col = index_of_column(block.start.col);
@@ -67,20 +67,22 @@ void copy_characters(const Block& part, char text[ROW_BUFFER_SIZE]) {
     text[count] = '\0';
 }
 
-// Stores row_text as the text of `row`. A row that was the end row gets a new one behind it.
-void store_changed_row(int32_t row) {
+// Stores row_text as the text of `row`. A row that was the end row gets a new one behind it. Gives 1, or 0 on
+// failure.
+int store_changed_row(int32_t row) {
     child[0].modified = 1;
     child[0].pending_row = row;
-    commit_pending();
+    return commit_pending();
 }
 
 // ---- Taking away -------------------------------------------------------------------------------------
+// All give 1, or 0 when not all of the block could be taken away.
 
 // Takes the rows of the block out. The caret goes to the row that has come to their place, on the screen row
 // where the block began, if that is on the screen.
-void delete_block_rows() {
+int delete_block_rows() {
     const Block rows = block;
-    delete_rows(rows.start.row, row_count(rows));
+    const int deleted = delete_rows(rows.start.row, row_count(rows));
     child[0].caret_col = rows.start.col;
     child[0].caret_row = rows.start.screen_row;
     child[0].current_row = rows.start.row;
@@ -93,43 +95,49 @@ void delete_block_rows() {
     child[0].modified = 1;
     update_scrollbar(child[0].main_window);
     update_menus(child[0].main_window);
+    return deleted;
 }
 
 // Takes the characters of `part` out of its row, which row_text holds.
-void remove_characters(const Block& part) {
+int remove_characters(const Block& part) {
     const char* behind = child[0].row_text + part.end.col;
     std::memmove(child[0].row_text + part.start.col, behind, std::strlen(behind) + 1);
-    store_changed_row(part.start.row);
+    return store_changed_row(part.start.row);
 }
 
 // Takes a part of a row out, into `cut` too if that is not nullptr; the caret goes to its place.
-void delete_block_part(char cut[ROW_BUFFER_SIZE]) {
+int delete_block_part(char cut[ROW_BUFFER_SIZE]) {
     const BlockEnd start = block.start;
     child[0].caret_row = screen_row_of(start.row);
     child[0].current_row = start.row;
     child[0].caret_col = start.col;
     Block part;
     const int found = read_block_part(&part);
-    if (found && cut != nullptr) {
+    int deleted = found >= 0;
+    if (found > 0 && cut != nullptr) {
         copy_characters(part, cut);
         copy_block = NO_BLOCK;
         cut_block = part;
     }
-    if (found)
-        remove_characters(part);
+    if (found > 0)
+        deleted = remove_characters(part);
     block_clear();
     place_caret_now();
     show_position();
     fetch_row(start.row);  // bytes that a fetch did not show may have moved up into it
-    repaint_row(start.row, found != 0);
+    repaint_row(start.row, found > 0);
     update_scrollbar(child[0].main_window);
     update_menus(child[0].main_window);
+    return deleted;
 }
 
-void delete_rows_of_block() {
+int delete_block() {
+    if (!block_holds_rows())
+        return delete_block_part(nullptr);
     const PointerShape pointer = begin_wait();
-    delete_block_rows();
+    const int deleted = delete_block_rows();
     end_wait(pointer);
+    return deleted;
 }
 
 void cut_rows() {
@@ -156,7 +164,7 @@ int copy_rows() {
 
 int copy_part() {
     Block part;
-    if (!read_block_part(&part))
+    if (read_block_part(&part) <= 0)
         return 0;
     copy_block = part;
     return 1;
@@ -243,8 +251,8 @@ void command_paste() {
     // Read before a block gives way to it: that may be the very text that was copied.
     char text[ROW_BUFFER_SIZE];
     text_to_paste(text);
-    if (child[0].block_active)
-        command_delete();
+    if (child[0].block_active && !delete_block())
+        return;
     const Block& source = copy_block.start.row >= 0 ? copy_block : cut_block;
     if (source.start.row >= 0 && source.end.row >= 0)
         paste_rows(row_count(source));
@@ -258,12 +266,8 @@ void command_delete() {
                      key_parameter(key_by_number(VK_DELETE), 1, false));
         return;
     }
-    if (!edit_begins())
-        return;
-    if (block_holds_rows())
-        delete_rows_of_block();
-    else
-        delete_block_part(nullptr);
+    if (edit_begins())
+        delete_block();
 }
 
 }  // namespace hexlane

@@ -23,7 +23,8 @@ void clear_copy_block();
 // a beep. An empty block gives and takes nothing.
 void command_cut();    // 1008
 void command_copy();   // 1009: the block stays on show
-void command_paste();  // 1010: a block on show is deleted first; the caret stays in front of what comes in
+void command_paste();  // 1010: a block on show is deleted first, and if that fails nothing is pasted; the
+                       // caret stays in front of what comes in
 
 // 1011: deletes the block; with none, the Delete key acts on the character at the caret.
 void command_delete();
