@@ -30,7 +30,7 @@ enum class ControlKind : uint8_t {
 
 // What may stand in a field, and what happens when it does not. All-zero means: anything, as long as it fits.
 struct InputRule {
-    int16_t limit;              // at most this many characters; 0 for no limit
+    int16_t limit;              // at most this many bytes of UTF-8; 0 for no limit
     const char* allowed;        // only these characters; nullptr for all
     int32_t low, high;          // number range, when they differ
     const int32_t* high_field;  // the range's upper end is in this field (plus `high`), when not nullptr
@@ -39,6 +39,7 @@ struct InputRule {
     bool capitals = false;      // letters a to z become capitals
     bool may_be_empty = false;  // no text at all counts as in the range
     bool beeps = false;         // at a bad value, ahead of the message
+    bool characters = false;    // the limit counts characters, and the caller's buffer takes that many of any
 };
 
 constexpr uint16_t CONTROL_HIDDEN = 1;    // at start

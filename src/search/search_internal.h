@@ -10,13 +10,14 @@
 
 namespace hexlane {
 
-constexpr int SEARCH_TEXT_SIZE = 256;  // bytes of a text as it is typed, the NUL included
+constexpr int SEARCH_TEXT_SIZE = 256;                    // characters of a text, the NUL included
+constexpr int SEARCH_FIELD_SIZE = 3 * SEARCH_TEXT_SIZE;  // bytes of it as UTF-8, as its field holds it
 
 // The run; wiped by reset_search.
 struct SearchTexts {
-    char find_text[SEARCH_TEXT_SIZE];     // shared by both commands; UTF-8, as its field holds it
-    char replace_text[SEARCH_TEXT_SIZE];  // UTF-8
-    bool find_opened;                     // the dialog has been opened: it keeps its text from then on
+    char find_text[SEARCH_FIELD_SIZE];  // shared by both commands
+    char replace_text[SEARCH_FIELD_SIZE];
+    bool find_opened;  // the dialog has been opened: it keeps its text from then on
     bool replace_opened;
 };
 extern SearchTexts search_texts;

@@ -8,14 +8,27 @@
 
 namespace hexlane::platform {
 
-// The limit counts bytes, since the fields end up in buffers of that many; a character outside ASCII takes
-// two or more.
+namespace {
+
+std::size_t character_count(const char* text) {
+    std::size_t count = 0;
+    for (; *text != '\0'; text++) {
+        const bool continues = (static_cast<unsigned char>(*text) & 0xC0) == 0x80;
+        count += continues ? 0 : 1;
+    }
+    return count;
+}
+
+}  // namespace
+
+// Most fields end up in buffers of so many bytes; a character outside ASCII takes two or more of them.
 bool field_takes(const InputRule* rule, const char* text) {
     if (rule == nullptr) {
         return true;
     }
     const std::size_t length = std::strlen(text);
-    if (rule->limit > 0 && length > static_cast<std::size_t>(rule->limit)) {
+    const std::size_t counted = rule->characters ? character_count(text) : length;
+    if (rule->limit > 0 && counted > static_cast<std::size_t>(rule->limit)) {
         return false;
     }
     return rule->allowed == nullptr || std::strspn(text, rule->allowed) == length;

@@ -126,6 +126,11 @@ TEST(InputRules, LimitCharactersAndRange) {
     EXPECT_FALSE(field_takes(&letters, "CABA"));
     EXPECT_FALSE(field_takes(&letters, "AX"));
     EXPECT_TRUE(field_takes(nullptr, "anything"));
+    InputRule three = {3, nullptr, 0, 0, nullptr, nullptr, nullptr};
+    EXPECT_FALSE(field_takes(&three, "\xC3\x96\xC3\x96")) << "bytes";
+    three.characters = true;
+    EXPECT_TRUE(field_takes(&three, "\xC3\x96\xE2\x82\xAC\xF0\x9F\x98\x80"));
+    EXPECT_FALSE(field_takes(&three, "\xC3\x96\xE2\x82\xAC\xF0\x9F\x98\x80x"));
 
     const int32_t last_row = 40;
     const InputRule rows = {0, nullptr, 1, 1, &last_row, nullptr, nullptr};
