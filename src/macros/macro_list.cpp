@@ -2,6 +2,7 @@
 
 #include "macros/macro_texts.h"
 #include "platform/desktop.h"
+#include "platform/files.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -32,9 +33,14 @@ bool ask_to_delete_macro(ViewHandle view) {
     bytes_to_text(text, sizeof text, macros.table[picked].name);
     if (show_macro_box(MacroBox::ASK_DELETE, text) != YES_BUTTON)
         return false;
-    delete_macro(picked);
+    char path[PATH_SIZE];
+    macro_file_path(picked, path);
+    const int deleted = delete_macro(picked);
+    const FileError reason = last_file_error();
     fill_macro_list(view, std::min(picked, macros.count - 1));
-    return true;
+    if (!deleted)
+        show_macro_box(MacroBox::NOT_DELETED, path, file_error_text(reason));
+    return deleted != 0;
 }
 
 }  // namespace hexlane

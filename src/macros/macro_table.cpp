@@ -20,7 +20,10 @@ namespace {
 constexpr const char* FILE_STEM = "MACRO.";
 
 int macro_path(const char* file_name, char path[PATH_SIZE]) {
-    return format_text(path, PATH_SIZE, "%s%s", directories.macro_dir, file_name);
+    if (format_text(path, PATH_SIZE, "%s%s", directories.macro_dir, file_name))
+        return 1;
+    set_last_file_error(FileError::NAME_TOO_LONG);
+    return 0;
 }
 
 bool is_macro_name(const char* file_name) {
@@ -68,11 +71,13 @@ int write_image(const char* path) {
     if (written) {
         written = replacement_write(&replacement, macros.block.bytes, sizeof macros.block.bytes) &&
                   finish_replacement(&replacement, old);
-        if (!written)
-            abandon_replacement(&replacement);
     }
+    const FileError reason = last_file_error();
+    if (!written)
+        abandon_replacement(&replacement);
     if (old != NO_FILE)
         file_close(old);
+    set_last_file_error(reason);
     return written;
 }
 
@@ -100,36 +105,44 @@ int new_macro_file(int32_t entry) {
     return 0;
 }
 
+int macro_file_path(int32_t entry, char path[PATH_SIZE]) {
+    return macro_path(macros.table[entry].file_name, path);
+}
+
 int write_macro(int32_t entry) {
     put_macro_count(&macros.block, macros.event_count);
     std::memcpy(macros.block.bytes, macros.table[entry].name, MACRO_NAME_SIZE);
     char path[PATH_SIZE];
-    return macro_path(macros.table[entry].file_name, path) && write_image(path);
+    return macro_file_path(entry, path) && write_image(path);
 }
 
-int read_macro(int32_t entry) {
+MacroRead read_macro(int32_t entry) {
     static MacroFileImage image;
     char path[PATH_SIZE];
-    if (!macro_path(macros.table[entry].file_name, path))
-        return 0;
-    const FileHandle file = file_open(path, FileAccess::READ);
+    const FileHandle file = macro_file_path(entry, path) ? file_open(path, FileAccess::READ) : NO_FILE;
     if (file == NO_FILE)
-        return 0;
+        return MacroRead::FAILED;
     const int64_t length = file_read_at(file, 0, image.bytes, sizeof image.bytes);
+    const FileError reason = last_file_error();
     file_close(file);
+    set_last_file_error(reason);
+    if (length < 0)
+        return MacroRead::FAILED;
     const int count = get_macro_count(image);
     if (length != MACRO_FILE_SIZE || count < 0 || count > MACRO_MOST_EVENTS)
-        return 0;
+        return MacroRead::DAMAGED;
     macros.block = image;
     macros.event_count = count;
-    return 1;
+    return MacroRead::DONE;
 }
 
-void delete_macro(int32_t entry) {
+int delete_macro(int32_t entry) {
     char path[PATH_SIZE];
-    if (macro_path(macros.table[entry].file_name, path))
-        delete_file(path);
+    const int deleted = macro_file_path(entry, path) && delete_file(path);
+    const FileError reason = last_file_error();
     scan_macros();
+    set_last_file_error(reason);
+    return deleted;
 }
 
 int32_t find_macro(const char* name) {

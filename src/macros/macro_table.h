@@ -3,6 +3,7 @@
 #pragma once
 
 #include "macros/macro_format.h"
+#include "platform/text.h"
 
 #include <cstdint>
 
@@ -38,15 +39,25 @@ void scan_macros();
 // or 0 when none is free.
 [[nodiscard]] int new_macro_file(int32_t entry);
 
-// Writes name, count and ring, complete or not at all. 1, or 0 on failure.
-int write_macro(int32_t entry);
+// The path of the entry's file. 1; 0 when it does not fit (NAME_TOO_LONG): then it is cut.
+int macro_file_path(int32_t entry, char path[platform::PATH_SIZE]);
 
-// Reads the file of `entry`. 1; 0 when it cannot be read whole or its count is none, and then ring and count
-// stay as they were.
-int read_macro(int32_t entry);
+// Writes name, count and ring, complete or not at all. 1; 0 on failure, with the reason in
+// platform::last_file_error().
+[[nodiscard]] int write_macro(int32_t entry);
 
-// Deletes the file, then scans.
-void delete_macro(int32_t entry);
+enum class MacroRead : uint8_t {
+    DONE,
+    FAILED,   // the reason is in platform::last_file_error()
+    DAMAGED,  // of another length, or with a count that is none
+};
+
+// Reads the file of `entry`. Whenever that is not done, ring and count stay as they were.
+[[nodiscard]] MacroRead read_macro(int32_t entry);
+
+// Deletes the file, then scans. 1; 0 when it could not be deleted, with the reason in
+// platform::last_file_error().
+[[nodiscard]] int delete_macro(int32_t entry);
 
 // The first entry of exactly that name, -1 for none.
 int32_t find_macro(const char* name);

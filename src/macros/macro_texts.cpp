@@ -19,12 +19,21 @@ constexpr BoxText MACRO_BOXES[] = {
 
     {"There is no room for another macro. Delete one first, or record over one that is there.",
      "Record Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"%s has a character that the name of a macro cannot hold.", "Record Macro", BoxIcon::EXCLAMATION,
+     BUTTONS_OK},
+    {"%s could not be stored: %s.\n\nThe recording is lost. If it was to replace a macro, that one is as it "
+     "was.",
+     "Record Macro", BoxIcon::STOP, BUTTONS_OK},
+    {"%s could not be read: %s.\n\nNothing has been played.", "Play Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"%s is damaged: it is no whole macro.\n\nNothing has been played. Delete it, or record it anew.",
+     "Play Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"%s could not be deleted: %s.", "Delete Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
 };
 
 }  // namespace
 
-int show_macro_box(MacroBox box, const char* name) {
-    return show_box(MACRO_BOXES[static_cast<int>(box)], name);
+int show_macro_box(MacroBox box, const char* first, const char* second) {
+    return show_box(MACRO_BOXES[static_cast<int>(box)], first, second);
 }
 
 }  // namespace hexlane

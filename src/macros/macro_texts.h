@@ -10,11 +10,16 @@ enum class MacroBox {
     ASK_DELETE,     // name
     // Our own.
     NO_ROOM,
+    NAME_NOT_IN_TABLE,  // name
+    NOT_STORED,         // file, reason
+    NOT_READ,           // file, reason
+    DAMAGED,            // file
+    NOT_DELETED,        // file, reason
 };
 
 constexpr int YES_BUTTON = 0;
 
 // Shows a box and gives the index of the button pressed.
-int show_macro_box(MacroBox box, const char* name = "");
+int show_macro_box(MacroBox box, const char* first = "", const char* second = "");
 
 }  // namespace hexlane

@@ -11,7 +11,9 @@
 #include "input/keyboard.h"
 #include "macros/macro_list.h"
 #include "macros/macro_table.h"
+#include "macros/macro_texts.h"
 #include "platform/desktop.h"
+#include "platform/files.h"
 #include "platform/keys.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
@@ -139,14 +141,27 @@ constexpr ControlSpec PLAY_CONTROLS[] = {
 };
 constexpr ViewSpec PLAY_VIEW = {"IDD_PLAY_MACRO", "Play Macro", 0, PLAY_CONTROLS, 5};
 
-// The result of the view is the play mode: 0 for none, or the button. A macro whose file cannot be read has
-// nothing to play.
+// Whether the macro is in memory now; if not, a box tells why.
+bool load_macro(int32_t entry) {
+    const MacroRead result = read_macro(entry);
+    const FileError reason = last_file_error();
+    char path[PATH_SIZE];
+    macro_file_path(entry, path);
+    if (result == MacroRead::FAILED)
+        show_macro_box(MacroBox::NOT_READ, path, file_error_text(reason));
+    if (result == MacroRead::DAMAGED)
+        show_macro_box(MacroBox::DAMAGED, path);
+    return result == MacroRead::DONE;
+}
+
+// The result of the view is the play mode: 0 for none, or the button. With a macro that cannot be read the
+// view stays.
 void choose_play_mode(ViewHandle view, int button) {
     const int32_t picked = view_selection(view, MACRO_LIST);
     if (picked < 0 || picked >= macros.count)
         return;
-    if (!read_macro(picked))
-        macros.event_count = 0;
+    if (!load_macro(picked))
+        return;
     macros.active = picked;
     view_end(view, button);
 }

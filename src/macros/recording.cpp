@@ -10,6 +10,7 @@
 #include "macros/macro_list.h"
 #include "macros/macro_table.h"
 #include "macros/macro_texts.h"
+#include "platform/files.h"
 #include "platform/text.h"
 
 #include <cstring>
@@ -24,7 +25,15 @@ constexpr int16_t NAME_FIELD = 101;
 constexpr int16_t RECORD_BUTTON = 1;
 constexpr int16_t DELETE_BUTTON = 3;
 
-constexpr InputRule NAME_RULE = {MACRO_NAME_SIZE - 1, nullptr, 0, 0, nullptr, nullptr, nullptr, true};
+constexpr InputRule NAME_RULE = {.limit = MACRO_NAME_SIZE - 1,
+                                 .allowed = nullptr,
+                                 .low = 0,
+                                 .high = 0,
+                                 .high_field = nullptr,
+                                 .message = nullptr,
+                                 .message_title = nullptr,
+                                 .capitals = true,
+                                 .characters = true};
 
 constexpr ControlSpec RECORD_CONTROLS[] = {
     {100, ControlKind::TEXT, "Macro &Name:", 0, 0, 1, 1, 0, 0, nullptr},
@@ -69,9 +78,10 @@ void press_record(ViewHandle view) {
     char text[MACRO_TEXT_SIZE];
     char name[MACRO_NAME_SIZE];
     view_get_text(view, NAME_FIELD, text, sizeof text);
-    text_to_bytes(name, sizeof name, text);
-    if (name[std::strspn(name, " ")] == '\0') {
-        show_macro_box(MacroBox::NAME_MISSING);
+    const int fits = text_to_bytes(name, sizeof name, text);
+    const bool missing = name[std::strspn(name, " ")] == '\0';
+    if (missing || !fits) {
+        show_macro_box(missing ? MacroBox::NAME_MISSING : MacroBox::NAME_NOT_IN_TABLE, text);
         view_focus_control(view, NAME_FIELD);
         return;
     }
@@ -128,9 +138,16 @@ void command_record_macro() {
 void command_end_record() {
     if (!macros.recording || macros.count == 0)
         return;
-    write_macro(macros.active);
+    const int written = write_macro(macros.active);
+    const FileError reason = last_file_error();
+    char path[PATH_SIZE];
+    macro_file_path(macros.active, path);
     macros.recording = false;
+    if (!written)
+        scan_macros();  // a new macro that has no file is none
     update_menus(child[0].main_window);
+    if (!written)
+        show_macro_box(MacroBox::NOT_STORED, path, file_error_text(reason));
 }
 
 }  // namespace hexlane

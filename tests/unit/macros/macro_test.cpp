@@ -114,7 +114,7 @@ TEST_F(MacroTest, TheTableHoldsTheFilesInTheOrderOfTheirNames) {
                            " MACRO.002=SECOND MACRO.003= MACRO.010=CUT macro.old=SMALL ");
     EXPECT_EQ(find_macro("SECOND"), 1);
     EXPECT_EQ(find_macro("SECON"), -1);
-    delete_macro(1);
+    EXPECT_EQ(delete_macro(1), 1);
     EXPECT_FALSE(std::filesystem::exists(macro_path("MACRO.002")));
     EXPECT_EQ(macros.count, 4);
     ASSERT_EQ(new_macro_file(macros.count), 1);
@@ -176,14 +176,16 @@ TEST_F(MacroTest, ADamagedFileLeavesTheRingAsItWas) {
         SCOPED_TRACE(c.label);
         write_macro_file("MACRO.002", c.text);
         scan_macros();
-        ASSERT_EQ(read_macro(0), 1);
-        EXPECT_EQ(read_macro(1), 0);
+        ASSERT_EQ(read_macro(0), MacroRead::DONE);
+        EXPECT_EQ(read_macro(1), MacroRead::DAMAGED);
         EXPECT_EQ(macros.event_count, 1);
         EXPECT_EQ(get_macro_event(macros.block, 0).wparam, 'Z');
     }
-    EXPECT_EQ(read_macro(0), 1);
+    EXPECT_EQ(read_macro(0), MacroRead::DONE);
     delete_file(macro_path("MACRO.001").c_str());
-    EXPECT_EQ(read_macro(0), 0);
+    EXPECT_EQ(read_macro(0), MacroRead::FAILED);
+    EXPECT_EQ(last_file_error(), FileError::NOT_FOUND);
+    EXPECT_EQ(macros.event_count, 1);
 }
 
 TEST_F(MacroTest, OnlyTheFiveMessagesAreEverPlayed) {
