@@ -15,9 +15,6 @@ void handle_key_down(int key);
 // and the document modified.
 void handle_char(int code, int repeat);
 
-// A character that the editor takes from the keyboard: 32 to 127.
-bool is_printable(int code);
-
 // The caret would have gone behind the last row: Enter in overwrite mode there, or a deletion that took the
 // end row. Whoever wants to know clears it first.
 extern bool caret_past_end;

@@ -243,8 +243,4 @@ void handle_char(int code, int repeat) {
     }
 }
 
-bool is_printable(int code) {
-    return code >= FIRST_PRINTABLE && code <= LAST_PRINTABLE;
-}
-
 }  // namespace hexlane

@@ -233,8 +233,4 @@ int32_t screen_row_of(int32_t row) {
     return y;
 }
 
-void draw_blanks(int32_t col, int32_t y, int32_t count) {
-    draw_blank_cells(col, y, count, PLAIN);
-}
-
 }  // namespace hexlane

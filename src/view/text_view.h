@@ -52,7 +52,4 @@ void show_match(int32_t row, int32_t index, int32_t length);
 // and row_text.
 int32_t screen_row_of(int32_t row);
 
-// Draws `count` blanks, black on white, from a cell on. Nothing for a count of zero or less.
-void draw_blanks(int32_t col, int32_t y, int32_t count);
-
 }  // namespace hexlane
