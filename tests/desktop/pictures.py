@@ -114,6 +114,23 @@ def keep_match(pictures):
     pictures.display.key("ctrl+Home")
 
 
+def keep_replace_step(pictures):
+    pictures.open("FIND AND REPLACE", "alt+e", "f")
+    pictures.display.type("M8\tM08")
+    pictures.open("Replace", "Return")
+    pictures.keep_active("replace-step")
+    pictures.close("Escape")
+    pictures.display.key("ctrl+Home")
+
+
+def keep_macro_runs(pictures):
+    for name, title, key in [("run-macro", "Macro Run", "alt+c"), ("step-macro", "Run Macro", "alt+s")]:
+        pictures.open("Play Macro", "F8")
+        pictures.open(title, key)
+        pictures.keep_active(name)
+        pictures.close("Escape")
+
+
 def keep_compare(pictures):
     """The editor's program beside a copy with a row changed and a row put in."""
     rows = pictures.original.splitlines(keepends=True)
@@ -216,6 +233,8 @@ def main():
             record_macro(pictures)
             for dialog in DIALOGS:
                 pictures.keep_dialog(*dialog)
+            keep_replace_step(pictures)
+            keep_macro_runs(pictures)
             keep_compare(pictures)
             keep_transfer(pictures, control, os.path.join(arguments.examples, "bowl-finish.nc"))
         except Failure as failure:
