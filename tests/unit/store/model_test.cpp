@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 
+#include "frame/status_line.h"
 #include "input/block.h"
 #include "ncutils/line_numbers.h"
 #include "ncutils/utilities.h"
@@ -45,6 +46,7 @@ public:
     void load(std::string file) {
         rows.clear();
         cut.clear();
+        cut_part.clear();
         if (file.empty())
             file = "\r\n";
         std::size_t start = 0;
@@ -96,7 +98,10 @@ public:
             rows.insert(at(i), {"", "", 'B'});
     }
 
-    void copy(std::size_t i, std::size_t count) { cut.assign(at(i), at(i + count)); }
+    void copy(std::size_t i, std::size_t count) {
+        cut.assign(at(i), at(i + count));
+        cut_part.clear();
+    }
 
     void paste(std::size_t i) {
         for (std::size_t row = 0; row < cut.size(); row++)
@@ -137,6 +142,39 @@ public:
         }
     }
 
+    // A number that goes on in the bytes that a row does not show stays.
+    void rewrite(WordRun words) {
+        for (std::size_t i = 0; i + 1 < rows.size(); i++) {
+            char text[ROW_BUFFER_SIZE];
+            const std::string behind = rest(rows[i]);
+            const RewrittenRow made = rewrite_words(&words, shown(rows[i]).c_str(), text, sizeof text);
+            const bool goes_on =
+                made.ends_in_number && "0123456789+-."s.find(behind.substr(0, 1)) != std::string::npos;
+            if (made.words > 0 && made.length >= 0 && (behind.empty() || !goes_on))
+                rows[i] = {text + behind, "", 'C'};
+        }
+    }
+
+    // Takes the columns from `from` up to `to` out of a row, into the buffer too if it is a cut.
+    void take_part(std::size_t i, std::size_t from, std::size_t to, bool is_cut) {
+        const std::string text = shown(rows[i]);
+        to = std::min(to, text.size());
+        if (from >= to)
+            return;
+        commit(i, text.substr(0, from) + text.substr(to));
+        if (!is_cut)
+            return;
+        cut.clear();
+        cut_part = text.substr(from, to - from);
+    }
+
+    void paste_part(std::size_t i, std::size_t column) {
+        const std::string text = shown(rows[i]);
+        column = std::min(column, text.size());
+        if (!cut_part.empty() && text.size() + cut_part.size() <= ROW_PASTE_MAX)
+            commit(i, text.substr(0, column) + cut_part + text.substr(column));
+    }
+
     void split(std::size_t i, std::size_t column) {
         if (column == 0) {
             insert_blank(i);
@@ -170,7 +208,8 @@ public:
     }
 
     std::vector<ModelRow> rows;
-    std::vector<ModelRow> cut;
+    std::vector<ModelRow> cut;  // whole rows, or
+    std::string cut_part;       // a part of one
 
 private:
     std::vector<ModelRow>::iterator at(std::size_t i) {
@@ -204,6 +243,15 @@ protected:
     static void block_command(int id, int32_t row, std::size_t count) {
         block.start = {0, 0, row};
         block.end = {0, 0, row + static_cast<int32_t>(count) - 1};
+        child[0].block_active = 1;
+        command(id);
+        block_clear();
+    }
+
+    // The same on a part of a row.
+    static void part_command(int id, int32_t row, std::size_t from, std::size_t to) {
+        block.start = {static_cast<int16_t>(from), 0, row};
+        block.end = {static_cast<int16_t>(to), -1, -1};
         child[0].block_active = 1;
         command(id);
         block_clear();
@@ -254,7 +302,7 @@ void ModelTest::step(Model* model, std::mt19937& random) {
     const auto row = static_cast<int32_t>(i);
     child[0].current_row = row;
     child[0].caret_row = 0;
-    switch (random() % 18) {
+    switch (random() % 22) {
     case 0:
     case 1:
     case 2: {
@@ -300,10 +348,11 @@ void ModelTest::step(Model* model, std::mt19937& random) {
     case 11:
     case 12: {
         const std::size_t count = std::min(1 + random() % 12, model->rows.size() - i);
-        const bool cut = random() % 2 == 0;
-        block_command(cut ? 1008 : 1009, row, count);
-        model->copy(i, count);
-        if (cut)
+        const int id = random() % 2 == 0 ? 1008 : random() % 2 == 0 ? 1009 : 1011;
+        block_command(id, row, count);
+        if (id != 1011)
+            model->copy(i, count);
+        if (id != 1009)
             model->erase(i, count);
         break;
     }
@@ -311,8 +360,11 @@ void ModelTest::step(Model* model, std::mt19937& random) {
     case 14:
         if (model->rows.size() > 120)
             break;
+        child[0].caret_col = static_cast<int32_t>(random() % 12);
         command(1010);
-        if (!model->cut.empty())
+        if (model->cut.empty())
+            model->paste_part(i, static_cast<std::size_t>(child[0].caret_col));
+        else
             model->paste(i);
         break;
     case 15: {
@@ -333,6 +385,26 @@ void ModelTest::step(Model* model, std::mt19937& random) {
             ASSERT_TRUE(renumber_rows(10, 5, all, 95, 3, &run));
             model->renumber({5, 10, 3, 95, all, 5});
         }
+        ASSERT_FALSE(run.stopped);
+        break;
+    }
+    case 17:
+    case 18: {
+        const std::size_t from = random() % 8, to = from + random() % 8;
+        const bool cut = random() % 2 == 0;
+        part_command(cut ? 1008 : 1011, row, from, to);
+        model->take_part(i, from, to, cut);
+        break;
+    }
+    case 19:
+    case 20: {
+        static const WordArithmetic arithmetics[] = {scale_number, shift_number, increment_from_absolute,
+                                                     absolute_from_increment};
+        const auto letters = static_cast<LetterSet>(random() % (1U << LETTER_COUNT));
+        WordRun words = {letters, static_cast<int>(random() % 5), arithmetics[random() % 4], 2.5F, {}};
+        model->rewrite(words);
+        RowRun run;
+        ASSERT_TRUE(run_over_words(&words, STATUS_SCALE, &run));
         ASSERT_FALSE(run.stopped);
         break;
     }
