@@ -64,7 +64,7 @@ void delete_at_caret() {
         return;
     const int32_t index = caret_index();
     const int32_t length = row_length();
-    if (index < length) {
+    if (index < length) {  // the caret may stand far behind the text
         char* at = child[0].row_text + index;
         std::memmove(at, at + 1, static_cast<size_t>(length - index));
         paint_edited_row();

@@ -211,7 +211,8 @@ void show_match(int32_t row, int32_t index, int32_t length) {
         format_nc_row();
     }
     const int32_t shown = std::min(length, text_length() - col);
-    draw_cells(col, y * child[0].char_height, child[0].row_text + col, shown, HIGHLIGHTED);
+    if (shown > 0)  // NC Mode may spread a row out beyond the buffer
+        draw_cells(col, y * child[0].char_height, child[0].row_text + col, shown, HIGHLIGHTED);
     child[0].current_row = row;
     child[0].caret_col = col;
     child[0].caret_row = y;

@@ -260,6 +260,14 @@ TEST_F(EditingTest, TextTypedIntoTheEndRowGetsANewEndRowBehindIt) {
     EXPECT_EQ(rows(), "ab/") << "an end row that is still empty gets none";
 }
 
+// NC Mode can bring the caret so far out; the sanitizers watch.
+TEST_F(EditingTest, DeleteFarBehindTheTextTakesNothing) {
+    open_rows("ab|/cd/");
+    child[0].caret_col = 300;
+    press("Delete");
+    EXPECT_EQ(rows(), "ab/cd/");
+}
+
 TEST_F(EditingTest, EditsAtTheEdgesOfTheWindowScroll) {
     open_numbered_rows(30);
     set_caret(8, 1);
