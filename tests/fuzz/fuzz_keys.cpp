@@ -7,7 +7,10 @@
 #include "frame/main_window.h"
 #include "fuzz_program.h"
 #include "input/block.h"
+#include "macros/macro_table.h"
 #include "platform/scripted/test_hooks.h"
+#include "platform/text.h"
+#include "search/search_internal.h"
 #include "store/block_buffer.h"
 #include "store/row_table.h"
 #include "view/colors.h"
@@ -46,6 +49,12 @@ bool button_down;
 // Ctrl+Enter while overwriting leaves the screen to the next repaint.
 bool repaint_owed;
 
+// A search has been among the rows of the block that is on show.
+bool block_searched;
+
+// One of the keys since the last record was a Ctrl+Enter.
+bool ctrl_enter_pressed;
+
 void press_a_key(Bytes* bytes) {
     static const char* const KEYS[] = {"Up",     "Down",     "Left",   "Right",  "Home",      "End",
                                        "PageUp", "PageDown", "Insert", "Delete", "Backspace", "Enter",
@@ -54,12 +63,15 @@ void press_a_key(Bytes* bytes) {
     static const char* const WITH[] = {"", "", "Shift+", "Shift+", "Ctrl+", "Ctrl+Shift+"};
     const std::string with = WITH[bytes->below(std::size(WITH))];
     const std::string key = KEYS[bytes->below(std::size(KEYS))];
-    repaint_owed = repaint_owed || (child[0].overwrite_mode && with.starts_with("Ctrl") && key == "Enter");
+    const bool ctrl_enter = with.starts_with("Ctrl") && key == "Enter";
+    ctrl_enter_pressed = ctrl_enter_pressed || ctrl_enter;
+    repaint_owed = repaint_owed || (child[0].overwrite_mode && ctrl_enter);
     press_key((with + key).c_str());
 }
 
+constexpr const char* TEXTS[] = {"X", "G1", "(", ")", "12.5", "x", " ", "N1G2X3"};
+
 void type_some_text(Bytes* bytes) {
-    static const char* const TEXTS[] = {"X", "G1", "(", ")", "12.5", "x", " ", "N1G2X3"};
     type_text(TEXTS[bytes->below(std::size(TEXTS))]);
 }
 
@@ -112,6 +124,80 @@ void choose_a_command(Bytes* bytes) {
         send_message(child[0].main_window, WM_COMMAND, id, 0);
 }
 
+// A command with dialogs, whose answers lie ready; boxes behind them get OK.
+void answer_a_command(int id) {
+    answer_other_boxes("OK");
+    send_message(child[0].main_window, WM_COMMAND, id, 0);
+    answer_other_boxes("");
+    fuzz::require(unused_answers() == 0, "a dialog that was expected has not come");
+}
+
+int32_t count_matches(const char* text) {
+    SearchPattern pattern;
+    prepare_pattern(text, &pattern);
+    int32_t count = 0;
+    for (int32_t row = 0; row <= child[0].last_file_row; row++) {
+        fuzz::require(fetch_row(row) == 1, "a row can't be read");
+        uint8_t positions[ROW_BUFFER_SIZE];
+        for (int32_t left = find_candidates(pattern, positions); left > 0; left--)
+            count += matches_at(pattern, positions[left - 1]) ? 1 : 0;
+    }
+    return count;
+}
+
+// A walk that stops at up to three matches.
+void search(Bytes* bytes) {
+    if (button_down)
+        return;
+    const bool replaces = bytes->below(2) != 0;
+    copy_text(search_texts.find_text, sizeof search_texts.find_text, TEXTS[bytes->below(std::size(TEXTS))]);
+    copy_text(search_texts.replace_text, sizeof search_texts.replace_text,
+              TEXTS[bytes->below(std::size(TEXTS))]);
+    search_texts.find_opened = search_texts.replace_opened = true;
+    commit_pending();
+    const int32_t stops = std::min(count_matches(search_texts.find_text), 1 + bytes->below(3));
+    const int way = bytes->below(4);
+    answer_box(!replaces ? "Find" : way == 0 ? "Replace All" : "Find Next");
+    for (int32_t stop = 1; stop <= stops && (!replaces || way > 0); stop++) {
+        const bool last = stop == stops;
+        const char* act = replaces && bytes->below(2) != 0 ? "Replace" : "Find Next";
+        answer_box(!last ? act : replaces && way == 1 ? "Replace All" : "Done");
+    }
+    block_searched = child[0].block_active != 0;
+    answer_a_command(replaces ? 1012 : 1015);
+}
+
+void use_a_utility(Bytes* bytes) {
+    static const int UTILITIES[] = {1020, 1021, 1022, 1023, 1024, 1025};
+    const int id = UTILITIES[bytes->below(std::size(UTILITIES))];
+    if (button_down)
+        return;
+    if (id == 1021)
+        answer_box("Yes");
+    answer_a_command(id);
+}
+
+// Records a few keys, which act meanwhile, and plays them.
+void play_a_macro(Bytes* bytes) {
+    if (button_down)
+        return;
+    macros.table[0] = {"M", "MACRO.001"};
+    macros.count = 1;
+    macros.active = macros.event_count = 0;
+    macros.recording = true;
+    ctrl_enter_pressed = false;
+    update_menus(child[0].main_window);
+    for (int keys = bytes->below(6); keys > 0; keys--)
+        bytes->below(3) == 0 ? type_some_text(bytes) : press_a_key(bytes);
+    send_message(child[0].main_window, WM_COMMAND, 1028, 0);
+    fuzz::require(!macros.recording && menu_enabled(1026), "a macro that was recorded can't be played");
+    answer_box("Step Through");
+    answer_box("Step");
+    answer_box("Cancel");
+    answer_a_command(1026);
+    repaint_owed = repaint_owed || ctrl_enter_pressed;
+}
+
 void resize_the_window(Bytes* bytes) {
     set_window_size(1 + bytes->below(40), 1 + bytes->below(14));
 }
@@ -124,11 +210,19 @@ struct Step {
     int weight;
     void (*act)(Bytes* bytes);
 };
-constexpr Step STEPS[] = {{110, press_a_key},     {40, type_some_text},
-                          {8, send_a_character},  {50, use_the_mouse},
-                          {14, let_time_pass},    {10, use_the_scroll_bar},
-                          {2, scroll_sideways},   {14, choose_a_command},
-                          {6, resize_the_window}, {2, save}};
+constexpr Step STEPS[] = {{100, press_a_key},
+                          {40, type_some_text},
+                          {8, send_a_character},
+                          {44, use_the_mouse},
+                          {14, let_time_pass},
+                          {10, use_the_scroll_bar},
+                          {2, scroll_sideways},
+                          {14, choose_a_command},
+                          {6, resize_the_window},
+                          {2, save},
+                          {6, search},
+                          {5, use_a_utility},
+                          {5, play_a_macro}};
 
 void take_a_step(Bytes* bytes) {
     int number = bytes->take();
@@ -238,8 +332,15 @@ bool is_number_behind_parenthesis(const Difference& difference) {
     return true;
 }
 
+// Find and Replace draw the row of a match as if there were no block.
+bool is_searched_row_of_block(const Difference& difference) {
+    const int32_t last = block_holds_rows() ? block.end.row : block.start.row;
+    const int32_t row = difference.shown->row;
+    return block_searched && child[0].block_active && block.start.row <= row && row <= last;
+}
+
 constexpr bool (*EXCEPTIONS[])(const Difference&) = {is_part_of_row, is_not_yet_drawn,
-                                                     is_number_behind_parenthesis};
+                                                     is_number_behind_parenthesis, is_searched_row_of_block};
 
 void check_screen() {
     const Screen shown = screen_now();
@@ -248,6 +349,7 @@ void check_screen() {
     for (std::size_t y = 0; y < shown.size(); y++)
         texts_fit = texts_fit && same_text(shown[y], fresh[y]);
     repaint_owed = repaint_owed && !texts_fit;
+    block_searched = block_searched && child[0].block_active;
     fuzz::require(texts_fit || repaint_owed, "the screen shows another text than a repaint");
     for (std::size_t y = 0; y < shown.size() && !repaint_owed; y++) {
         const Difference difference = {&shown[y], &fresh[y]};
@@ -311,7 +413,7 @@ std::string some_document(Bytes* bytes) {
 
 // Nothing may be left of the session before.
 void begin_session(Bytes* bytes) {
-    button_down = repaint_owed = false;
+    button_down = repaint_owed = block_searched = false;
     fuzz::require(fuzz::open_bytes(some_document(bytes)), "the document can't be opened");
     block_clear();
     clear_cut_block();
