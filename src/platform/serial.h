@@ -30,7 +30,6 @@ constexpr uint32_t EV_TXEMPTY =
     0x04;  // everything of the last write has left, the transmitter's register too
 constexpr uint32_t EV_CTS =
     0x08;  // CTS has changed (hardware handshake only, while bytes wait or a write runs)
-constexpr uint32_t EV_BREAK = 0x40;
 constexpr uint32_t EV_GONE = 0x10000;  // the device has vanished or hung up; always reported, once
 
 // Parity and stop bits as drivers number them.
@@ -54,20 +53,9 @@ struct LineSettings {
     uint8_t event_char;
 };
 
-// Why the last failed line_open or line_configure of this thread failed.
-enum class LineProblem : uint8_t {
-    NONE,
-    NOT_THERE,
-    NO_PERMISSION,
-    IN_USE,        // by another program, or by this one
-    NOT_A_LINE,    // the device is no serial line
-    BAD_SETTINGS,  // the driver takes the rate or the form not
-    OTHER,
-};
-LineProblem last_line_problem();
-
-// A sentence or two for a box, with the device, what is wrong and what can be done about it ("add the user to
-// the group dialout", "in use by process 4711 (picocom)"); empty when there is nothing to say.
+// Why the last failed line_open or line_configure of this thread failed: a sentence or two for a box, with
+// the device, what is wrong and what can be done about it ("add the user to the group dialout", "in use by
+// process 4711 (picocom)"); empty when there is nothing to say.
 const char* line_problem_text();
 
 // Opens COM `port` (1 to PORT_COUNT) for this program alone, raw, with nothing waiting. NO_LINE on failure.

@@ -82,7 +82,6 @@ void reset_line(Line& line) {
     line.mask = 0;
     line.pending = 0;
     line.gone = false;
-    line.break_count = tty_break_count(line.tty);
     line.errors_before = {};
     line.driver.error_counts(line.tty, &line.errors_before);
     line.ring_first = 0;
@@ -131,7 +130,7 @@ LineHandle line_open(int port) {
             return i;
         }
     }
-    note_line_problem(LineProblem::OTHER, "Too many serial lines are open.");
+    note_line_problem("Too many serial lines are open.");
     close_wakers(wake, edges);
     close_tty(tty, false);
     return NO_LINE;
@@ -141,7 +140,7 @@ int line_configure(LineHandle handle, const LineSettings& settings) {
     clear_line_problem();
     const OpenLine open(handle);
     if (open.line == nullptr) {
-        return note_line_problem(LineProblem::OTHER, "The serial line is not open.");
+        return note_line_problem("The serial line is not open.");
     }
     LineSettings wanted = settings;
     if (!configure_tty(open.line->tty, open.line->device, &wanted)) {

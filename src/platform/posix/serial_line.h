@@ -74,7 +74,6 @@ struct Line {
     uint32_t mask = 0;
     uint32_t pending = 0;        // events that no wait has told yet
     bool gone = false;           // the device has vanished
-    uint32_t break_count = 0;    // breaks that the driver has counted
     LineErrors errors_before{};  // counted by the driver when the line was opened
 
     uint8_t ring[RECEIVE_RING];

@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::size_t TEXT_SIZE = PATH_SIZE + 200;
 
-thread_local LineProblem last_problem = LineProblem::NONE;
 thread_local char last_text[TEXT_SIZE];
 
 // The group whose members may use the device, into name[size]; 0 when the group may not either.
@@ -45,18 +44,16 @@ int note_no_permission(const char* device) {
     } else {
         format_text(text, sizeof text, "No permission to use %s.", device);
     }
-    return note_line_problem(LineProblem::NO_PERMISSION, text);
+    return note_line_problem(text);
 }
 
 }  // namespace
 
 void clear_line_problem() {
-    last_problem = LineProblem::NONE;
     last_text[0] = '\0';
 }
 
-int note_line_problem(LineProblem problem, const char* text) {
-    last_problem = problem;
+int note_line_problem(const char* text) {
     copy_text(last_text, sizeof last_text, text);
     return 0;
 }
@@ -68,13 +65,13 @@ int note_device_error(const char* device, int error) {
     case ENOTDIR:
     case ENAMETOOLONG:
         format_text(text, sizeof text, "%s is not there. Is the adapter plugged in?", device);
-        return note_line_problem(LineProblem::NOT_THERE, text);
+        return note_line_problem(text);
     case ENXIO:
     case ENODEV:
     case EIO:
         format_text(text, sizeof text, "There is no serial port behind %s, or its adapter is unplugged.",
                     device);
-        return note_line_problem(LineProblem::NOT_THERE, text);
+        return note_line_problem(text);
     case EACCES:
     case EPERM:
         return note_no_permission(device);
@@ -83,10 +80,10 @@ int note_device_error(const char* device, int error) {
         return note_device_in_use(device);
     case ENOTTY:
         format_text(text, sizeof text, "%s is not a serial line.", device);
-        return note_line_problem(LineProblem::NOT_A_LINE, text);
+        return note_line_problem(text);
     default:
         format_text(text, sizeof text, "%s: %s.", device, std::strerror(error));
-        return note_line_problem(LineProblem::OTHER, text);
+        return note_line_problem(text);
     }
 }
 
@@ -101,11 +98,7 @@ int note_device_in_use(const char* device) {
     } else {
         format_text(text, sizeof text, "%s is in use by another program.", device);
     }
-    return note_line_problem(LineProblem::IN_USE, text);
-}
-
-LineProblem last_line_problem() {
-    return last_problem;
+    return note_line_problem(text);
 }
 
 const char* line_problem_text() {

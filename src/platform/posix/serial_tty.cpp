@@ -80,13 +80,13 @@ int refuse_rate(const char* device, uint32_t wanted, uint32_t real) {
     char text[PATH_SIZE + 100];
     format_text(text, sizeof text, "%s can't run at %u bits a second (its nearest rate is %u).", device,
                 wanted, real);
-    return note_line_problem(LineProblem::BAD_SETTINGS, text);
+    return note_line_problem(text);
 }
 
 int refuse_form(const char* device) {
     char text[PATH_SIZE + 100];
     format_text(text, sizeof text, "%s can't run with these data bits, parity and stop bits.", device);
-    return note_line_problem(LineProblem::BAD_SETTINGS, text);
+    return note_line_problem(text);
 }
 
 // Makes the opened device ours alone, and raw. 0 with errno set.
@@ -201,11 +201,6 @@ void flush_tty(int tty, bool output_too) {
 void set_tty_dtr(int tty, bool on) {
     const int lines = TIOCM_DTR;
     ioctl(tty, on ? TIOCMBIS : TIOCMBIC, &lines);
-}
-
-uint32_t tty_break_count(int tty) {
-    serial_icounter_struct counts{};
-    return ioctl(tty, TIOCGICOUNT, &counts) == 0 ? static_cast<uint32_t>(counts.brk) : 0;
 }
 
 }  // namespace hexlane::platform

@@ -25,7 +25,4 @@ void flush_tty(int tty, bool output_too);
 
 void set_tty_dtr(int tty, bool on);
 
-// Breaks that the driver has counted since it was loaded; 0 when it doesn't count.
-uint32_t tty_break_count(int tty);
-
 }  // namespace hexlane::platform

@@ -1,7 +1,6 @@
 // serial_wait.cpp: the worker's one sleep, and what comes in.
 
 #include "platform/posix/serial_line.h"
-#include "platform/posix/serial_tty.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -24,15 +23,6 @@ void put_in_ring(Line& line, const uint8_t* bytes, int count) {
     line.ring_used += taken;
 }
 
-// A break comes in as a zero byte; only the driver's counter tells it from a zero that was sent.
-void look_for_break(Line& line) {
-    const uint32_t count = tty_break_count(line.tty);
-    if (count != line.break_count) {
-        line.break_count = count;
-        line.pending |= EV_BREAK;
-    }
-}
-
 // Takes what has come, up to INTAKE bytes. 0 when there was nothing.
 int take_in(Line& line) {
     uint8_t piece[INTAKE];
@@ -47,9 +37,6 @@ int take_in(Line& line) {
     line.pending |= EV_RXCHAR;
     if (std::memchr(piece, line.settings.event_char, count) != nullptr) {
         line.pending |= EV_RXFLAG;
-    }
-    if (std::memchr(piece, 0, count) != nullptr) {
-        look_for_break(line);
     }
     put_in_ring(line, piece, static_cast<int>(count));
     return 1;

@@ -21,11 +21,11 @@ void add_incoming(MachineEnd* machine, const IncomingByte& byte) {
     machine->incoming.insert(behind, byte);
 }
 
-void feed_one(ScriptedLine* line, uint8_t byte, bool is_break, int64_t not_before_ns) {
+void feed_one(ScriptedLine* line, uint8_t byte, int64_t not_before_ns) {
     MachineEnd& machine = line->machine;
     const int64_t starts = std::max(machine.incoming_until_ns, not_before_ns);
     machine.incoming_until_ns = starts + character_ns(line->side);
-    add_incoming(&machine, {byte, is_break, machine.incoming_until_ns});
+    add_incoming(&machine, {byte, machine.incoming_until_ns});
 }
 
 }  // namespace
@@ -35,19 +35,15 @@ void feed_one(ScriptedLine* line, uint8_t byte, bool is_break, int64_t not_befor
 void feed_line(int port, std::string_view bytes, int64_t after_us) {
     ScriptedLine& line = scripted_line(port);
     for (const char byte : bytes) {
-        feed_one(&line, static_cast<uint8_t>(byte), false, clock_ns() + after_us * NS_PER_US);
+        feed_one(&line, static_cast<uint8_t>(byte), clock_ns() + after_us * NS_PER_US);
     }
 }
 
 void feed_line_at_once(int port, std::string_view bytes, int64_t after_us) {
     for (const char byte : bytes) {
         add_incoming(&scripted_line(port).machine,
-                     {static_cast<uint8_t>(byte), false, clock_ns() + after_us * NS_PER_US});
+                     {static_cast<uint8_t>(byte), clock_ns() + after_us * NS_PER_US});
     }
-}
-
-void feed_break(int port) {
-    feed_one(&scripted_line(port), 0, true, clock_ns());
 }
 
 // ---- What has come out -------------------------------------------------------------------------------
@@ -99,8 +95,7 @@ void set_line_drain(int port, int64_t us) {
     scripted_line(port).machine.drain_ns = us * NS_PER_US;
 }
 
-void refuse_line(int port, LineProblem problem, const char* text) {
-    scripted_line(port).machine.refuses = problem;
+void refuse_line(int port, const char* text) {
     scripted_line(port).machine.refusal_text = text;
 }
 

@@ -25,9 +25,6 @@ void feed_line(int port, std::string_view bytes, int64_t after_us = 0);
 // Bytes that come all in one moment, as from the buffer of an adapter, `after_us` from now.
 void feed_line_at_once(int port, std::string_view bytes, int64_t after_us = 0);
 
-// A break: a zero byte at the line's rate, and EV_BREAK.
-void feed_break(int port);
-
 // ---- What has come out -------------------------------------------------------------------------------
 
 struct SentByte {
@@ -59,8 +56,8 @@ void set_line_fifo(int port, int bytes);
 // How long behind the last byte EV_TXEMPTY comes.
 void set_line_drain(int port, int64_t us);
 
-// Opens fail from now on, with this problem and text; NONE: they succeed again.
-void refuse_line(int port, LineProblem problem, const char* text);
+// Opens fail from now on, with this text; empty: they succeed again.
+void refuse_line(int port, const char* text);
 
 // line_configure fails.
 void refuse_line_settings(int port, bool refused);

@@ -68,7 +68,7 @@ void take_byte(ScriptedLine* line, const IncomingByte& incoming) {
         side.ring.push_back(incoming.byte);
     }
     const bool is_event = incoming.byte == side.settings.event_char;
-    note_line_events(&side, EV_RXCHAR | (is_event ? EV_RXFLAG : 0) | (incoming.is_break ? EV_BREAK : 0));
+    note_line_events(&side, EV_RXCHAR | (is_event ? EV_RXFLAG : 0));
 }
 
 // What comes in one moment is one piece to the worker.

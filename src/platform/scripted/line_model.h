@@ -24,7 +24,6 @@ constexpr int DEFAULT_FIFO = 16;  // bytes
 
 struct IncomingByte {
     uint8_t byte;
-    bool is_break;
     int64_t at_ns;
 };
 
@@ -64,8 +63,7 @@ struct OpenLine {
 
 // The machine's end and the cable; stays as it is while the program opens and closes the port.
 struct MachineEnd {
-    LineProblem refuses = LineProblem::NONE;  // why an open fails
-    std::string refusal_text;
+    std::string refusal_text;  // why an open fails; empty: it doesn't
     bool refuses_settings = false;
     bool gone = false;  // unplugged or hung up: opens fail
     bool cts = true;

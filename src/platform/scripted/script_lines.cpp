@@ -80,7 +80,7 @@ Refusal refuse(int port, const LineWords& words) {
     if (!text_alone(words)) {
         return WRONG_USE;
     }
-    refuse_line(port, LineProblem::OTHER, words[1].text.c_str());
+    refuse_line(port, words[1].text.c_str());
     return "";
 }
 
@@ -94,14 +94,9 @@ Refusal fail(int port, const LineWords& words) {
     return words.size() == 1 ? "" : WRONG_USE;
 }
 
-Refusal send_break(int port, const LineWords& words) {
-    feed_break(port);
-    return words.size() == 1 ? "" : WRONG_USE;
-}
-
 Refusal make_ready(int port, const LineWords& words) {
     plug_line(port);
-    refuse_line(port, LineProblem::NONE, "");
+    refuse_line(port, "");
     refuse_line_settings(port, false);
     return words.size() == 1 ? "" : WRONG_USE;
 }
@@ -144,11 +139,9 @@ const struct {
     const char* verb;
     Refusal (*act)(int port, const LineWords& words);
 } VERBS[] = {
-    {"feed", feed},        {"break", send_break},
-    {"cts", switch_cts},   {"sent", show_sent},
-    {"rate", set_rate},    {"fifo", set_fifo},
-    {"drain", set_drain},  {"fail", fail},
-    {"refuse", refuse},    {"refuse-settings", refuse_settings},
+    {"feed", feed},        {"cts", switch_cts}, {"sent", show_sent},
+    {"rate", set_rate},    {"fifo", set_fifo},  {"drain", set_drain},
+    {"fail", fail},        {"refuse", refuse},  {"refuse-settings", refuse_settings},
     {"ready", make_ready},
 };
 

@@ -37,15 +37,14 @@ bool device_is_open(const std::string& device) {
 
 // 1 when nothing speaks against an open of `device`.
 int may_open(const MachineEnd& machine, const std::string& device) {
-    if (machine.refuses != LineProblem::NONE) {
-        return note_line_problem(machine.refuses, machine.refusal_text.c_str());
+    if (!machine.refusal_text.empty()) {
+        return note_line_problem(machine.refusal_text.c_str());
     }
     if (machine.gone) {
         return note_device_error(device.c_str(), ENOENT);
     }
     if (device_is_open(device)) {
-        return note_line_problem(LineProblem::IN_USE,
-                                 (device + " is in use by this program already.").c_str());
+        return note_line_problem((device + " is in use by this program already.").c_str());
     }
     return 1;
 }
@@ -82,11 +81,10 @@ int line_configure(LineHandle handle, const LineSettings& settings) {
     clear_line_problem();
     ScriptedLine* line = line_of(handle);
     if (line == nullptr) {
-        return note_line_problem(LineProblem::OTHER, "The serial line is not open.");
+        return note_line_problem("The serial line is not open.");
     }
     if (line->machine.refuses_settings) {
-        return note_line_problem(LineProblem::BAD_SETTINGS,
-                                 (line->side.device + " does not take these settings.").c_str());
+        return note_line_problem((line->side.device + " does not take these settings.").c_str());
     }
     line->side.settings = settings;
     if (line->machine.real_rate != 0) {

@@ -367,13 +367,13 @@ TEST_F(EngineTest, SmallReadsAreTakenWhenTheQueueStandsStill) {
 }
 
 TEST_F(EngineTest, APortThatCannotBeOpenedSaysWhyAndLeavesNothing) {
-    refuse_line(1, LineProblem::IN_USE, "COM1 is in use by process 4711.");
+    refuse_line(1, "COM1 is in use by process 4711.");
     ASSERT_EQ(port_init(0, machine()), 1);
     EXPECT_EQ(port_open(0), 0);
     EXPECT_FALSE(port_slot[0].connected);
     EXPECT_EQ(port_slot[0].worker_thread, NO_THREAD);
     EXPECT_STREQ(line_problem_text(), "COM1 is in use by process 4711.");
-    refuse_line(1, LineProblem::NONE, "");
+    refuse_line(1, "");
     refuse_line_settings(1, true);
     EXPECT_EQ(port_open(0), 0);
     EXPECT_FALSE(line_facts(1).open);

