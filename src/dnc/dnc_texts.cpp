@@ -60,6 +60,10 @@ constexpr BoxText DNC_BOXES[] = {
     {"The rows of %s could not be shown to the end: %s.", "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"The receipt could not be written to transfers.log: %s.\n\nTransfers go on without it.",
      "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"File Transmission Terminated.\n\nBytes were lost on the line while %s was being received: the machine "
+     "sent "
+     "faster than the port could take them. The file is not the whole program.",
+     "Communications", BoxIcon::STOP, BUTTONS_OK},
 };
 
 }  // namespace

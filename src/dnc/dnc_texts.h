@@ -32,6 +32,7 @@ enum class DncBox {
     CANNOT_MAKE_FILE,  // file, reason
     NO_ROW_INDEX,      // file, reason
     LOG_NOT_WRITTEN,   // reason
+    BYTES_LOST,        // file
 };
 
 // Shows a box and gives the index of the button pressed.

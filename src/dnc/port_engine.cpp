@@ -104,6 +104,9 @@ void tell_end(int slot) {
     case TransferFault::CANNOT_WRITE:
         show_dnc_box(DncBox::CANNOT_WRITE, t.file_name, file_error_text(t.fault_error));
         return;
+    case TransferFault::BYTES_LOST:
+        show_dnc_box(DncBox::BYTES_LOST, t.file_name);
+        return;
     default:
         show_dnc_box(t.status == SEND_DONE || t.status == RECEIVE_DONE ? DncBox::COMPLETE
                                                                        : DncBox::TERMINATED);

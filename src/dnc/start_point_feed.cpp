@@ -90,6 +90,7 @@ void begin_feed() {
         t.wait_for_ack = 0;
         t.fault = TransferFault::NONE;
         t.status = SENDING;
+        transfer_step_locked(send_slot, STEP_RECEIVE);  // drops what has come while nothing was sent
     }
     stamp_source(send_slot);
     if (start_point.block_marked && start_point.block_start_row >= 0)

@@ -32,7 +32,7 @@ constexpr uint8_t ETB = 0x17;
 //   SEND_STANDBY -> SENDING: Now, or Send pressed again (begin_sending); DC1 through XON_SEEN (the worker)
 //   SENDING -> SEND_DONE: the file has gone out (transfer_step)
 //   PORT_IDLE -> RECEIVE_STANDBY: a receive is prepared (prepare_receive)
-//   RECEIVE_STANDBY -> RECEIVING: the first byte (the worker)
+//   RECEIVE_STANDBY -> RECEIVING: the first byte (the worker; prepare_receive, if it has come already)
 //   RECEIVING -> RECEIVE_DONE: silence (check_receive_timeout), or a full disk (transfer_step)
 //   SEND_DONE, RECEIVE_DONE -> PORT_IDLE: the port is opened again (port_open)
 //   any -> PORT_IDLE: Stop, or the line has gone
@@ -52,6 +52,7 @@ enum class TransferFault : int8_t {
     SOURCE_CHANGED,  // the file that is being sent was changed, replaced or removed
     CANNOT_READ,     // the file that is being sent could not be read
     CANNOT_WRITE,    // received bytes could not be stored
+    BYTES_LOST,      // received bytes were lost on the way: the driver or the device had no room for them
 };
 
 // One transfer's numbers for its receipt; wiped by prepare_send and prepare_receive. [lock]

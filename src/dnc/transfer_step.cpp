@@ -155,6 +155,14 @@ void step_receive(int slot) {
     } while (count > 0);
 }
 
+// While a file goes out nobody reads what comes in; an answer has done its work by its event. It is dropped,
+// since a full ring would stop the machine.
+void drop_received(int slot) {
+    uint8_t* bytes = transfer_buffers[slot].receive_buffer;
+    while (line_read(port_slot[slot].port_handle, bytes, RECEIVE_CHUNK) > 0) {
+    }
+}
+
 // While a queued send stands by: DC1 is the machine's request, any other byte is dropped. A request that
 // comes ahead of the preparation waits in the queue.
 void step_standby(int slot) {
@@ -179,7 +187,9 @@ int transfer_step_locked(int slot, int op) {
     }
     if (op == STEP_SEND && t.status == SENDING)
         step_send(slot);
-    if (op == STEP_RECEIVE && t.status == RECEIVING)
+    if (op == STEP_RECEIVE && t.status == SENDING)
+        drop_received(slot);
+    else if (op == STEP_RECEIVE && t.status == RECEIVING)
         step_receive(slot);
     else if (op == STEP_RECEIVE && t.status == SEND_STANDBY)
         step_standby(slot);
@@ -276,6 +286,10 @@ int prepare_receive(int slot) {
     port_slot[slot].last_in_queue = 0;
     t.bytes_done = 0;
     t.status = RECEIVE_STANDBY;
+    if (line_queue_length(port_slot[slot].port_handle) > 0) {  // the machine has begun already
+        t.status = RECEIVING;
+        transfer_step_locked(slot, STEP_RECEIVE);
+    }
     return 1;
 }
 
@@ -283,6 +297,10 @@ int close_received_file(int slot) {
     TransferState& t = transfer_state[slot];
     if (t.file_handle == NO_FILE)
         return 1;
+    LineErrors errors = {};
+    if (line_errors(port_slot[slot].port_handle, &errors) && errors.overrun > 0 &&
+        t.fault == TransferFault::NONE)
+        t.fault = TransferFault::BYTES_LOST;
     const int flushed = file_flush(t.file_handle);
     const int closed = file_close(t.file_handle);
     t.file_handle = NO_FILE;

@@ -2,7 +2,9 @@
 //
 // One thread, the line's worker, waits in line_wait_event; everything that the line does happens inside that
 // wait: bytes are taken from the driver into a receive ring of RECEIVE_RING bytes, and a started write is
-// handed on to the driver as the machine takes it. The other operations may be called from any thread.
+// handed on to the driver as the machine takes it. What a full ring has no room for stays with the driver,
+// which stops the machine by the line's handshake when its own queue is full; without a handshake it drops
+// what comes then and counts it (line_errors). The other operations may be called from any thread.
 //
 // COM1 to COM4 mean devices: HEXLANE_COM1 to HEXLANE_COM4 of the environment, else a text file `ports` in the
 // launch directory ("COM1 /dev/ttyUSB0" a line, '#' comments), else /dev/ttyS0 to /dev/ttyS3.
@@ -25,7 +27,7 @@ constexpr int RECEIVE_RING = 4096;  // bytes
 
 // Events of line_wait_event.
 constexpr uint32_t EV_RXCHAR = 0x01;  // bytes have come in
-constexpr uint32_t EV_RXFLAG = 0x02;  // the event character has come in, also when the ring was full
+constexpr uint32_t EV_RXFLAG = 0x02;  // the event character has come into the ring
 constexpr uint32_t EV_TXEMPTY =
     0x04;  // everything of the last write has left, the transmitter's register too
 constexpr uint32_t EV_CTS =

@@ -98,6 +98,7 @@ void drop_everything(Line& line) {
     flush_tty(line.tty, writing);
     line.ring_used = 0;
     line.pending &= EV_GONE;
+    wake_worker(line);
 }
 
 }  // namespace
@@ -223,8 +224,12 @@ int line_read(LineHandle handle, void* buffer, int size) {
     std::memcpy(buffer, line.ring + line.ring_first, static_cast<std::size_t>(straight));
     std::memcpy(static_cast<uint8_t*>(buffer) + straight, line.ring,
                 static_cast<std::size_t>(count - straight));
+    const bool was_full = line.ring_used == RECEIVE_RING;
     line.ring_first = (line.ring_first + count) % RECEIVE_RING;
     line.ring_used -= count;
+    if (was_full) {
+        wake_worker(line);  // it doesn't look for bytes while it has no room for them
+    }
     return count;
 }
 

@@ -13,20 +13,24 @@ namespace hexlane::platform {
 
 namespace {
 
-// A full ring drops bytes.
+// There is room for them.
 void put_in_ring(Line& line, const uint8_t* bytes, int count) {
-    const int taken = std::min(count, RECEIVE_RING - line.ring_used);
     const int start = (line.ring_first + line.ring_used) % RECEIVE_RING;
-    const int straight = std::min(taken, RECEIVE_RING - start);
+    const int straight = std::min(count, RECEIVE_RING - start);
     std::memcpy(line.ring + start, bytes, static_cast<std::size_t>(straight));
-    std::memcpy(line.ring, bytes + straight, static_cast<std::size_t>(taken - straight));
-    line.ring_used += taken;
+    std::memcpy(line.ring, bytes + straight, static_cast<std::size_t>(count - straight));
+    line.ring_used += count;
 }
 
-// Takes what has come, up to INTAKE bytes. 0 when there was nothing.
+int room_in_ring(const Line& line) {
+    return RECEIVE_RING - line.ring_used;
+}
+
+// Takes what has come, up to INTAKE bytes, into a ring that has room. 0 when there was nothing.
 int take_in(Line& line) {
     uint8_t piece[INTAKE];
-    const ssize_t got = read(line.tty, piece, sizeof piece);
+    const int most = std::min(INTAKE, room_in_ring(line));
+    const ssize_t got = read(line.tty, piece, static_cast<std::size_t>(most));
     if (got <= 0) {
         if (got == 0 || (errno != EAGAIN && errno != EINTR)) {
             note_gone(line);
@@ -71,7 +75,9 @@ void note_gone(Line& line) {
 }
 
 void sleep_on_line(Line& line, std::unique_lock<std::mutex>& guard, int64_t until) {
-    pollfd files[] = {{line.gone ? -1 : line.tty, POLLIN, 0},
+    // What a full ring has no room for waits in the driver, which stops the machine when that is full too.
+    const bool full = room_in_ring(line) == 0;
+    pollfd files[] = {{line.gone ? -1 : line.tty, static_cast<short>(full ? 0 : POLLIN), 0},
                       {line.wake, POLLIN, 0},
                       {line.sending.watch_edges ? line.edges : -1, POLLIN, 0}};
     line.asleep = true;
@@ -87,7 +93,8 @@ void sleep_on_line(Line& line, std::unique_lock<std::mutex>& guard, int64_t unti
         uint64_t count;
         static_cast<void>(!read(line.wake, &count, sizeof count));
     }
-    if (files[0].revents != 0 && !take_in(line) && (files[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
+    const bool took = files[0].revents != 0 && !full && take_in(line);
+    if (!took && (files[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
         note_gone(line);
     }
 }

@@ -46,6 +46,10 @@ void feed_line_at_once(int port, std::string_view bytes, int64_t after_us) {
     }
 }
 
+void lose_line_bytes(int port, int count) {
+    scripted_line(port).machine.lose_next = count;
+}
+
 // ---- What has come out -------------------------------------------------------------------------------
 
 std::string take_sent(int port) {

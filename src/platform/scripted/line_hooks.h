@@ -25,6 +25,10 @@ void feed_line(int port, std::string_view bytes, int64_t after_us = 0);
 // Bytes that come all in one moment, as from the buffer of an adapter, `after_us` from now.
 void feed_line_at_once(int port, std::string_view bytes, int64_t after_us = 0);
 
+// The next `count` bytes that come to an open port are lost on the way, as in an adapter that is overrun, and
+// counted.
+void lose_line_bytes(int port, int count);
+
 // ---- What has come out -------------------------------------------------------------------------------
 
 struct SentByte {

@@ -64,9 +64,12 @@ void take_byte(ScriptedLine* line, const IncomingByte& incoming) {
     if (!side.open || side.lost || handshake_takes(line, incoming.byte)) {
         return;
     }
-    if (side.ring.size() < RECEIVE_RING) {
-        side.ring.push_back(incoming.byte);
+    if (side.ring.size() >= RECEIVE_RING || line->machine.lose_next > 0) {
+        line->machine.lose_next = std::max(line->machine.lose_next - 1, 0);
+        side.overruns++;
+        return;
     }
+    side.ring.push_back(incoming.byte);
     const bool is_event = incoming.byte == side.settings.event_char;
     note_line_events(&side, EV_RXCHAR | (is_event ? EV_RXFLAG : 0));
 }
@@ -75,7 +78,7 @@ void take_byte(ScriptedLine* line, const IncomingByte& incoming) {
 void bytes_have_come(ScriptedLine* line) {
     std::deque<IncomingByte>& incoming = line->machine.incoming;
     const int64_t time_ns = incoming.front().at_ns;
-    while (!incoming.empty() && incoming.front().at_ns == time_ns) {
+    while (!incoming.empty() && incoming.front().at_ns == time_ns && !machine_is_held(*line)) {
         const IncomingByte byte = incoming.front();
         incoming.pop_front();
         take_byte(line, byte);
@@ -93,8 +96,9 @@ struct LineEvent {
 // is there before the next byte leaves.
 LineEvent next_event(const ScriptedLine& line) {
     const std::deque<IncomingByte>& incoming = line.machine.incoming;
+    const bool nothing_comes = incoming.empty() || machine_is_held(line);
     const LineEvent events[] = {
-        {incoming.empty() ? NEVER : incoming.front().at_ns, bytes_have_come},
+        {nothing_comes ? NEVER : incoming.front().at_ns, bytes_have_come},
         {line.side.leaves_ns, byte_has_left},
         {line.side.empty_ns, [](ScriptedLine* due) { write_is_over(&due->side); }},
         {line.side.delay_ns,
@@ -129,6 +133,28 @@ int64_t character_ns(const OpenLine& side) {
 
 bool line_is_stopped(const ScriptedLine& line) {
     return line.side.stopped || (line.side.settings.hardware_handshake && !line.machine.cts);
+}
+
+bool machine_is_held(const ScriptedLine& line) {
+    const LineSettings& settings = line.side.settings;
+    const bool handshake =
+        settings.hardware_handshake || (settings.software_handshake && settings.xon_char != 0);
+    return line.side.open && handshake && line.side.ring.size() >= RECEIVE_RING;
+}
+
+MachineHold::~MachineHold() {
+    if (!held || machine_is_held(*line)) {
+        return;
+    }
+    int64_t next_ns = clock_ns();
+    for (IncomingByte& byte : line->machine.incoming) {
+        next_ns += character_ns(line->side);
+        if (byte.at_ns >= next_ns) {
+            return;
+        }
+        byte.at_ns = next_ns;
+    }
+    line->machine.incoming_until_ns = std::max(line->machine.incoming_until_ns, next_ns);
 }
 
 void push_write(ScriptedLine* line) {

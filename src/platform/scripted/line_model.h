@@ -5,8 +5,9 @@
 // Out: a write goes into the driver's FIFO as room comes up, and leaves it a character time a byte. A machine
 // that stops the line (XOFF under software handshake, CTS under hardware handshake) stops what goes into the
 // FIFO; what is in it still leaves, as with a real UART. EV_TXEMPTY comes `drain_ns` behind the last byte of
-// a write. In: bytes come a character time apart, into a ring of RECEIVE_RING bytes. Bytes for a port that is
-// not open are lost.
+// a write. In: bytes come a character time apart, into a ring of RECEIVE_RING bytes. A full ring stops the
+// machine by the handshake; without one it drops bytes and counts them. Bytes for a port that is not open are
+// lost.
 #pragma once
 
 #include "platform/scripted/script_clock.h"
@@ -53,6 +54,7 @@ struct OpenLine {
     uint32_t mask = 0;
     uint32_t pending = 0;  // events that no wait has told yet
     std::deque<uint8_t> ring;
+    uint32_t overruns = 0;  // bytes that were lost on the way in
     LineWrite write;
     std::deque<uint8_t> fifo;   // the front one is on its way out
     bool stopped = false;       // by XOFF
@@ -72,6 +74,7 @@ struct MachineEnd {
     int64_t drain_ns = 0;
     std::deque<IncomingByte> incoming;  // in order of time
     int64_t incoming_until_ns = 0;      // when the last byte that was fed at the line's rate has come
+    int lose_next = 0;                  // of those that come: so many are lost
     std::vector<OutgoingByte> outgoing;
     std::function<void(uint8_t byte)> hears;  // called for each byte that has left
 };
@@ -89,6 +92,20 @@ int64_t character_ns(const OpenLine& side);
 
 // Whether the machine or its cable stops a write.
 bool line_is_stopped(const ScriptedLine& line);
+
+// Whether the full ring stops the machine.
+bool machine_is_held(const ScriptedLine& line);
+
+// Around a change of the program's side: lets a machine that was held send on, at the line's rate, if the
+// change has made room for that.
+struct MachineHold {
+    explicit MachineHold(ScriptedLine* changed) : line(changed), held(machine_is_held(*changed)) {}
+    ~MachineHold();
+    MachineHold(const MachineHold&) = delete;
+    MachineHold& operator=(const MachineHold&) = delete;
+    ScriptedLine* line;
+    bool held;
+};
 
 // Hands on what fits, starts the next byte, and plans EV_TXEMPTY when all has left. After every change.
 void push_write(ScriptedLine* line);

@@ -86,6 +86,7 @@ int line_configure(LineHandle handle, const LineSettings& settings) {
     if (line->machine.refuses_settings) {
         return note_line_problem((line->side.device + " does not take these settings.").c_str());
     }
+    const MachineHold hold(line);
     line->side.settings = settings;
     if (line->machine.real_rate != 0) {
         line->side.settings.baud_rate = line->machine.real_rate;
@@ -161,6 +162,7 @@ int line_read(LineHandle handle, void* buffer, int size) {
     if (line == nullptr) {
         return 0;
     }
+    const MachineHold hold(line);
     std::deque<uint8_t>& ring = line->side.ring;
     const int count = std::clamp(size, 0, static_cast<int>(ring.size()));
     std::copy_n(ring.begin(), count, static_cast<uint8_t*>(buffer));
@@ -193,9 +195,13 @@ bool line_held(LineHandle handle) {
     return bytes_wait && clock_ns() - write.moved_ns > HELD_CHARACTERS * character_ns(line->side);
 }
 
-// Nothing goes wrong on the way in here, and nothing is counted.
-int line_errors(LineHandle, LineErrors*) {
-    return 0;
+int line_errors(LineHandle handle, LineErrors* errors) {
+    const ScriptedLine* line = line_of(handle);
+    if (line == nullptr) {
+        return 0;
+    }
+    *errors = {0, 0, line->side.overruns};
+    return 1;
 }
 
 void line_set_dtr(LineHandle handle, bool on) {
@@ -206,6 +212,7 @@ void line_set_dtr(LineHandle handle, bool on) {
 
 void line_purge(LineHandle handle) {
     if (ScriptedLine* line = line_of(handle)) {
+        const MachineHold hold(line);
         stop_write(&line->side);
         line->side.ring.clear();
         line->side.pending &= EV_GONE;
@@ -214,6 +221,7 @@ void line_purge(LineHandle handle) {
 
 void line_close(LineHandle handle) {
     if (ScriptedLine* line = line_of(handle)) {
+        const MachineHold hold(line);
         line->side = OpenLine();
     }
 }

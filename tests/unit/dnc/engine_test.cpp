@@ -273,6 +273,54 @@ TEST_F(EngineTest, AReceiveEndsWithSilence) {
     EXPECT_EQ(transfer_state[0].status, RECEIVE_DONE);
 }
 
+TEST_F(EngineTest, WhatComesAheadOfThePreparationIsReceivedWhole) {
+    for (const int handshake : {HANDSHAKE_SOFTWARE, HANDSHAKE_HARDWARE}) {
+        for (const int rows : {2, 1000}) {  // of the larger one not all has room in the queue
+            SCOPED_TRACE(std::to_string(handshake) + " " + std::to_string(rows));
+            TearDown();
+            SetUp();
+            machine().handshake = static_cast<int16_t>(handshake);
+            copy_text(transfer_state[0].file_name, PATH_SIZE, path("got.nc").c_str());
+            ASSERT_EQ(port_init(0, machine()), 1);
+            ASSERT_EQ(port_open(0), 1);
+            const std::string line = program(rows);
+            feed_line(1, line);
+            advance_clock(60'000);
+            ASSERT_EQ(prepare_receive(0), 1);
+            EXPECT_EQ(transfer_state[0].status, RECEIVING);
+            set_ui_timer(UI_TIMER_SLOW);
+            answer_box("OK");
+            ASSERT_TRUE(ended());
+            EXPECT_EQ(last_box(), "File Transmission Complete.");
+            EXPECT_EQ(bytes("got.nc"), line);
+        }
+    }
+}
+
+TEST_F(EngineTest, AReceiveThatHasLostBytesIsNotComplete) {
+    begin_receive("got.nc");
+    feed_line(1, "N1\r\nN2\r\n");
+    advance_clock(3);
+    lose_line_bytes(1, 2);
+    answer_box("OK");
+    ASSERT_TRUE(ended());
+    EXPECT_NE(last_box().find("not the whole program"), std::string::npos);
+    EXPECT_EQ(bytes("got.nc").size(), 6U);
+}
+
+TEST_F(EngineTest, WhatComesDuringASendDoesNotBarTheAnswers) {
+    write("part.nc", "N1\r\nN2\r\n");
+    machine().protocol = PROTOCOL_HEIDENHAIN;
+    begin_send("part.nc", true);
+    feed_line(1, std::string(3 * RECEIVE_RING, 'x') + "\x06");
+    advance_clock(60'000);
+    EXPECT_EQ(transfer_state[0].tally.acks, 1);
+    answer_box("OK");
+    feed_line(1, "\x06");
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(last_box(), "File Transmission Complete.");
+}
+
 TEST_F(EngineTest, TwoPortsWorkSideBySide) {
     const std::string file = program(500);
     write("part.nc", file);
@@ -351,7 +399,7 @@ TEST_F(EngineTest, SmallReadsAreTakenWhenTheQueueStandsStill) {
     ASSERT_EQ(port_init(0, machine()), 1);
     ASSERT_EQ(port_open(0), 1);
     uint8_t buffer[RECEIVE_CHUNK];
-    transfer_state[0].status = SENDING;  // nobody else reads
+    transfer_state[0].status = PORT_IDLE;  // nobody else reads
     const auto queue = [](int count) {
         feed_line_at_once(1, std::string(static_cast<std::size_t>(count), 'A'));
         advance_clock(100);
@@ -363,7 +411,6 @@ TEST_F(EngineTest, SmallReadsAreTakenWhenTheQueueStandsStill) {
     EXPECT_EQ(port_read(buffer, 2048, 0), 700);
     queue(1);
     EXPECT_EQ(port_read(buffer, 1, 0), 1);
-    transfer_state[0].status = PORT_IDLE;
 }
 
 TEST_F(EngineTest, APortThatCannotBeOpenedSaysWhyAndLeavesNothing) {

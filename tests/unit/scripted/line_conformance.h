@@ -115,13 +115,18 @@ TEST_F(LineConformance, BytesComeInWithTheirEvents) {
     EXPECT_EQ(read_all(), "");
 }
 
-TEST_F(LineConformance, FullRingKeepsTheOldestBytesAndTheEvent) {
-    open();
+TEST_F(LineConformance, FullRingStopsTheMachineUntilItHasRoom) {
+    open(true);
     start_worker();
-    station->feed(std::string(RECEIVE_RING, 'x') + "lost\x06");
-    EXPECT_TRUE(sees(EV_RXFLAG));
+    station->feed(std::string(RECEIVE_RING, 'x') + "more\x06");
+    EXPECT_TRUE(has_queued(RECEIVE_RING));
+    station->let_pass(100);
+    EXPECT_EQ(events_seen, EV_RXCHAR);
     EXPECT_EQ(line_queue_length(line), RECEIVE_RING);
     EXPECT_EQ(read_all(), std::string(RECEIVE_RING, 'x'));
+    EXPECT_TRUE(has_queued(5));
+    EXPECT_TRUE(sees(EV_RXFLAG));
+    EXPECT_EQ(read_all(), "more\x06");
 }
 
 TEST_F(LineConformance, WriteGoesOutWholeAndIsToldOnce) {

@@ -151,6 +151,42 @@ TEST_F(LineTest, BytesComeAtTheRateOrAtOnceAndTheEventCharacterIsNoted) {
     close();
 }
 
+TEST_F(LineTest, FullRingHoldsTheMachineByEitherHandshake) {
+    for (const bool hardware : {false, true}) {
+        SCOPED_TRACE(hardware);
+        SetUp();
+        open(hardware);
+        feed_line_at_once(PORT, std::string(RECEIVE_RING, 'x') + "ab\x06");
+        advance_clock(50);
+        EXPECT_EQ(line_queue_length(line), RECEIVE_RING);
+        EXPECT_EQ(taken(), "0:1");
+        EXPECT_EQ(read(), std::string(RECEIVE_RING, 'x'));
+        feed_line(PORT, "c");
+        advance_clock(50);
+        EXPECT_EQ(taken(), "51:1 52:1 53:3 54:1");  // at the line's rate
+        EXPECT_EQ(read(), "ab\x06"
+                          "c");
+        LineErrors errors = {};
+        EXPECT_EQ(line_errors(line, &errors), 1);
+        EXPECT_EQ(errors.overrun, 0U);
+        close();
+    }
+}
+
+TEST_F(LineTest, FullRingWithoutHandshakeCountsWhatItDrops) {
+    open();
+    settings.xon_char = 0;
+    ASSERT_EQ(line_configure(line, settings), 1);
+    feed_line_at_once(PORT, std::string(RECEIVE_RING, 'x') + "lost\x06");
+    advance_clock(1);
+    EXPECT_EQ(taken(), "0:1");
+    EXPECT_EQ(read(), std::string(RECEIVE_RING, 'x'));
+    LineErrors errors = {};
+    EXPECT_EQ(line_errors(line, &errors), 1);
+    EXPECT_EQ(errors.overrun, 5U);
+    close();
+}
+
 // The driver obeys XOFF and XON and keeps them from the program, but for the bytes that are in its FIFO.
 TEST_F(LineTest, MachineStopsTheLineByXoff) {
     open();
