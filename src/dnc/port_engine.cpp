@@ -51,13 +51,14 @@ int open_with_worker(int slot, bool for_blocks) {
         return 0;
     }
     port.connected = 1;
+    transfer_state[slot].fault = TransferFault::NONE;
+    transfer_step(slot, STEP_NONE);
     if (!start_worker(slot, for_blocks)) {
         port.connected = 0;
         line_close(line);
         return 0;
     }
     line_set_dtr(line, true);
-    transfer_step(slot, STEP_NONE);
     return 1;
 }
 

@@ -131,7 +131,6 @@ int choose_file_to_receive(int slot) {
 }
 
 int open_port(int slot) {
-    transfer_state[slot].fault = TransferFault::NONE;
     return port_init(slot, machine_of_slot(slot)) == 1 && port_open(slot);
 }
 

@@ -88,7 +88,8 @@ void begin_feed() {
         TransferState& t = transfer_state[send_slot];
         reset_transfer(send_slot);
         t.wait_for_ack = 0;
-        t.fault = TransferFault::NONE;
+        if (t.fault != TransferFault::LINE_GONE)
+            t.fault = TransferFault::NONE;
         t.status = SENDING;
         transfer_step_locked(send_slot, STEP_RECEIVE);  // drops what has come while nothing was sent
     }

@@ -16,7 +16,8 @@ int transfer_step(int slot, int op);
 
 // Fills the first output buffer of a send; file_name, total_bytes, start_offset and file_position are set and
 // the port is open. With send_now the first write goes out at once. Main thread. Gives 1; 0 when the file
-// cannot be read, and then status is PORT_IDLE.
+// cannot be read, and then status is PORT_IDLE. A line that has gone since the opening is told by
+// TRANSFER_FAILED_MESSAGE; prepare_receive does the same.
 int prepare_send(int slot);
 
 // Notes what the slot's file is now; its reads are held against that. 0 when there is none, or it is too

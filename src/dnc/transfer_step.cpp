@@ -28,11 +28,23 @@ bool line_mode(int slot) {
     return machine_setting(machine_of_slot(slot), Field::EOB_DELAY_MS) != 0;
 }
 
+// A line that has gone behind the opening stays so.
 void begin_transfer(TransferState& t) {
     t.transfer_number = next_transfer_number++;
-    t.fault = TransferFault::NONE;
+    if (t.fault != TransferFault::LINE_GONE)
+        t.fault = TransferFault::NONE;
     t.wait_for_ack = 0;
     t.tally = {};
+}
+
+// A transfer that is prepared on a line that went before ends at once: the worker has told of an earlier
+// number.
+void end_if_line_gone(int slot) {
+    TransferState& t = transfer_state[slot];
+    if (t.fault != TransferFault::LINE_GONE)
+        return;
+    t.status = PORT_IDLE;
+    post_message(child[0].main_window, TRANSFER_FAILED_MESSAGE, slot, t.transfer_number);
 }
 
 // Reads the next piece if the one in the file buffer is used up, and runs the filters over it. A stretch that
@@ -239,6 +251,7 @@ int prepare_send(int slot) {
         transfer_step_locked(slot, STEP_RECEIVE);  // the machine may have asked already
         asked = t.status == XON_SEEN;
         t.status = SEND_STANDBY;
+        end_if_line_gone(slot);
     }
     if (send_now || asked)
         begin_sending(slot);
@@ -290,6 +303,7 @@ int prepare_receive(int slot) {
         t.status = RECEIVING;
         transfer_step_locked(slot, STEP_RECEIVE);
     }
+    end_if_line_gone(slot);
     return 1;
 }
 

@@ -12,6 +12,7 @@
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/line_hooks.h"
 #include "platform/scripted/test_hooks.h"
+#include "platform/scripted/workers.h"
 #include "support/program_test.h"
 
 namespace hexlane {
@@ -345,6 +346,30 @@ TEST_F(EngineTest, AnUnpluggedLineEndsTheTransferAndFreesTheSlot) {
     EXPECT_NE(last_box().find("COM1"), std::string::npos);
     EXPECT_EQ(transfer_state[0].status, PORT_IDLE);
     EXPECT_FALSE(line_facts(1).open);
+}
+
+TEST_F(EngineTest, ALineThatGoesAheadOfThePreparationEndsTheTransfer) {
+    for (const std::string kind : {"queue", "now", "receive"}) {
+        SCOPED_TRACE(kind);
+        TearDown();
+        SetUp();
+        write("part.nc", program(10));
+        TransferState& t = transfer_state[0];
+        t.status = kind == "queue" ? SEND_STANDBY : SEND_DONE;  // the one before has just ended
+        t.start_now = send_now = kind == "now";
+        t.start_offset = t.file_position = 0;
+        copy_text(t.file_name, PATH_SIZE, path(kind == "receive" ? "got.nc" : "part.nc").c_str());
+        ASSERT_EQ(port_init(0, machine()), 1);
+        ASSERT_EQ(port_open(0), 1);
+        unplug_line(1);
+        while (run_ready_worker()) {  // and nobody hears its message yet
+        }
+        ASSERT_EQ(kind == "receive" ? prepare_receive(0) : prepare_send(0), 1);
+        EXPECT_EQ(t.status, PORT_IDLE);
+        answer_box("OK");
+        ASSERT_TRUE(ended(0, 2000));
+        EXPECT_NE(last_box().find("COM1"), std::string::npos);
+    }
 }
 
 TEST_F(EngineTest, AFileThatChangesUnderTheSendIsNotMixed) {
