@@ -41,13 +41,13 @@ int find_row(FileHandle file, int64_t row, int64_t* offset) {
     return row == 1 ? 1 : length < 0 ? -1 : 0;
 }
 
-// Size of the file, and the start point in it. An exit code.
-int measure_file(int64_t* size, int64_t* offset) {
+// The start point in the file, which can be sent. An exit code.
+int find_start(int64_t* offset) {
     const FileHandle file = file_open(run.file, FileAccess::READ);
     if (file == NO_FILE)
         return file_trouble("open");
-    *size = file_size(file);
-    const int found = *size < 0 ? -1 : find_row(file, run.options.from_row, offset);
+    const int64_t size = file_size(file);
+    const int found = size < 0 ? -1 : find_row(file, run.options.from_row, offset);
     const FileError error = last_file_error();
     file_close(file);
     set_last_file_error(error);
@@ -55,7 +55,7 @@ int measure_file(int64_t* size, int64_t* offset) {
         return file_trouble("read");
     if (found == 0)
         return refuse_use(run.options.file + " has no row " + std::to_string(run.options.from_row));
-    if (*size > LARGEST_FILE)
+    if (size > LARGEST_FILE)
         return refuse(EXIT_CANNOT, run.options.file + " is larger than 2 GB");
     return EXIT_COMPLETE;
 }
@@ -83,17 +83,14 @@ int run_prepared() {
 }
 
 int send_file() {
-    int64_t size = 0;
     int64_t offset = 0;
-    int code = measure_file(&size, &offset);
+    int code = find_start(&offset);
     if (code != EXIT_COMPLETE)
         return code;
     code = open_transfer_port();
     if (code != EXIT_COMPLETE)
         return code;
-    run.file_size = size - offset;
     TransferState& t = transfer_state[SLOT];
-    t.total_bytes = static_cast<int32_t>(size);
     t.start_offset = static_cast<int32_t>(offset);
     t.file_position = static_cast<int32_t>(offset);
     send_now = run.options.queue ? 0 : 1;
@@ -104,12 +101,7 @@ int send_file() {
         set_last_file_error(error);
         return file_trouble("read");
     }
-    // Only now may the driver let a DC1 through: one that came ahead of the preparation would find nothing to
-    // send.
-    if (run.options.queue && !port_configure(SLOT)) {
-        port_close(SLOT);
-        return refuse(EXIT_CANNOT, port_text() + " does not take the handshake. " + line_problem_text());
-    }
+    run.file_size = t.total_bytes;
     return run_prepared();
 }
 

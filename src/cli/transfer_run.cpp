@@ -174,6 +174,7 @@ int open_transfer_port() {
     before_box = end_progress;
     slot_machine[SLOT] = run.machine;
     transfer_state[SLOT].start_now = run.options.queue ? 0 : 1;
+    transfer_state[SLOT].status = run.options.queue ? SEND_STANDBY : PORT_IDLE;
     if (port_init(SLOT, machine) != 1)
         return refuse(EXIT_CANNOT, "cannot make a lock");
     if (!port_open(SLOT))

@@ -181,40 +181,34 @@ void give_up_send(int slot) {
     drop_transfer(slot);
 }
 
-// The file's size as it is now, and whether a row still begins at the chosen start point. 0 after a message.
-int measure_file(int slot) {
-    TransferState& t = transfer_state[slot];
+// Whether the file can still be sent, and a row still begins at the chosen start point. 0 after a message.
+int look_at_file(int slot) {
+    const TransferState& t = transfer_state[slot];
     const int64_t size = file_size_of(slot);
     if (size == 0 || size > INT32_MAX) {
         show_dnc_box(size == 0 ? DncBox::NO_DATA : DncBox::TOO_LARGE_TO_SEND);
         return 0;
     }
-    t.total_bytes = static_cast<int32_t>(size);
     if (row_is_there(t.file_name, t.start_offset))
         return 1;
     show_dnc_box(DncBox::START_POINT_GONE);
     return 0;
 }
 
-// With the machine's request still to come, the driver lets it through only now: one that came ahead of the
-// preparation would find nothing to send.
-int await_request(int slot) {
-    const LockGuard guard(port_slot[slot].step_lock);
-    return transfer_state[slot].status != SEND_STANDBY || port_configure(slot);
-}
-
-// What Send Properties ends in: opens the port and prepares the send, or gives it up.
+// What Send Properties ends in: opens the port and prepares the send, or gives it up. The port of a queued
+// send lets the machine's request through from its opening on; one that comes ahead of the preparation waits
+// for it.
 void end_send_properties(int slot) {
     TransferState& t = transfer_state[slot];
     const bool wanted = t.status == SEND_STANDBY;
-    t.status = PORT_IDLE;
+    t.status = wanted && !send_now ? SEND_STANDBY : PORT_IDLE;
     t.start_now = send_now;
     if (!open_port(slot)) {
         drop_transfer(slot);
         show_connection_failed();
         return;
     }
-    if (!wanted || !measure_file(slot)) {
+    if (!wanted || !look_at_file(slot)) {
         give_up_send(slot);
         return;
     }
@@ -224,11 +218,6 @@ void end_send_properties(int slot) {
         return;
     }
     begin_log_entry(slot);
-    if (!await_request(slot)) {
-        show_connection_failed();
-        give_up_send(slot);
-        return;
-    }
     if (!send_continuous)
         t.start_now = 0;
     set_ui_timer(UI_TIMER_SLOW);

@@ -14,9 +14,10 @@ constexpr int STEP_NONE = 4;
 // One step of the slot's transfer, under its lock. 0 when the slot is not connected, else 1. Any thread.
 int transfer_step(int slot, int op);
 
-// Fills the first output buffer of a send; file_name, total_bytes, start_offset and file_position are set and
-// the port is open. With send_now the first write goes out at once. Main thread. Gives 1; 0 when the file
-// cannot be read, and then status is PORT_IDLE. A line that has gone since the opening is told by
+// Fills the first output buffer of a send and sets total_bytes; file_name, start_offset and file_position are
+// set and the port is open, with status SEND_STANDBY since before the opening if the machine's request is
+// awaited. With send_now the first write goes out at once. Main thread. Gives 1; 0 when the file cannot be
+// read, and then status is PORT_IDLE. A line that has gone since the opening is told by
 // TRANSFER_FAILED_MESSAGE; prepare_receive does the same.
 int prepare_send(int slot);
 

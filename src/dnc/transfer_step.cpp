@@ -226,9 +226,14 @@ int prepare_send(int slot) {
         t.status = SEND_STANDBY;
         t.prepared = 0;
         begin_transfer(t);
+        const int64_t size = take_source_stamp(t);
+        if (size < 0) {
+            t.status = PORT_IDLE;
+            return 0;
+        }
+        t.total_bytes = static_cast<int32_t>(size) - t.start_offset;
         t.bytes_done = t.start_offset;
         t.need_start = 1;
-        t.total_bytes = t.total_bytes - t.start_offset;
         t.in_index = 0;
         t.out_count = 0;
         t.out_index = 0;
@@ -241,10 +246,6 @@ int prepare_send(int slot) {
         t.fill_done = 0;
         t.end_sent = 0;
         t.source_ended = 0;
-        if (take_source_stamp(t) < 0) {
-            t.status = PORT_IDLE;
-            return 0;
-        }
         refill(slot);
         t.continuous = send_continuous;
         t.prepared = 1;

@@ -1,10 +1,14 @@
 #!/usr/bin/env python3
 """Sends programs to a simulated machine, under each protocol and with the troubles that machines make."""
 
+import os
+import select
+import termios
+import tty
 import zlib
 
 import station
-from station import TOP, Case, Cli, Simulator, wait_for
+from station import TOP, Case, Cli, Running, Simulator, programs, wait_for
 
 PROTOCOLS = ('general', 'bridgeport', 'heidenhain', 'phillips')
 PROGRAM = (TOP / 'examples' / 'bowl-finish.nc').read_bytes()
@@ -80,6 +84,23 @@ class SendTest(Case):
                                       ('--eob', 'lfcrcr', '--start-string', '0*1000,37,13,10', '--end-string',
                                        '13,10,37,18*1000'), settings=settings)
                 self.assertEqual(got, program)
+
+    def test_a_request_right_behind_the_opening_is_heard(self):
+        self.home.set_machine(2, {'baud': 19200})
+        source = self.home.write('part.nc', PROGRAM)
+        for _ in range(10):
+            machine, line = os.openpty()
+            try:
+                tty.setraw(line)
+                words = [programs.cli, 'send', '--queue', '--machine', '2', '--port', os.ttyname(line), source]
+                with Running(words, self.home) as cli:
+                    # The settings that it makes show that it has opened the port.
+                    wait_for(lambda: termios.tcgetattr(machine)[5] != termios.B38400, pause=0)
+                    os.write(machine, b'\x11')
+                    self.assertTrue(select.select([machine], [], [], 10)[0], 'the send has not begun')
+            finally:
+                os.close(machine)
+                os.close(line)
 
     def test_receipt(self):
         settings = {'eob': 'lf', 'name': 'Lathe'}

@@ -128,13 +128,13 @@ class Cli(Running):
         return self.process.returncode
 
 
-def wait_for(condition):
+def wait_for(condition, pause=0.005):
     """Looks again and again until the condition holds."""
     deadline = time.monotonic() + TIMEOUT_S
     while not condition():
         if time.monotonic() > deadline:
             raise AssertionError('what the test waits for has not come')
-        time.sleep(0.005)
+        time.sleep(pause)
 
 
 class Case(unittest.TestCase):

@@ -57,7 +57,7 @@ protected:
         send_now = now;
         t.start_now = now;
         copy_text(t.file_name, PATH_SIZE, path(name).c_str());
-        t.total_bytes = static_cast<int32_t>(std::filesystem::file_size(path(name)));
+        t.total_bytes = 1;  // of an earlier send
         t.start_offset = offset;
         t.file_position = offset;
         t.status = SEND_STANDBY;
@@ -214,7 +214,6 @@ TEST_F(EngineTest, ARequestAheadOfThePreparationIsNotLost) {
     send_now = 0;
     t.start_now = 0;
     copy_text(t.file_name, PATH_SIZE, path("part.nc").c_str());
-    t.total_bytes = 4;
     t.status = SEND_STANDBY;
     ASSERT_EQ(port_init(0, machine()), 1);
     ASSERT_EQ(port_open(0), 1);
