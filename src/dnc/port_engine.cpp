@@ -56,6 +56,7 @@ int open_with_worker(int slot, bool for_blocks) {
     if (!start_worker(slot, for_blocks)) {
         port.connected = 0;
         line_close(line);
+        show_dnc_box(DncBox::WORKER_FAILED);
         return 0;
     }
     line_set_dtr(line, true);

@@ -65,7 +65,7 @@ void port_apply_machine(int slot, const MachineParams& machine);
 int port_configure(int slot);
 
 // Opens the port of the slot's machine with the worker, or the block worker. 1, or 0 when it cannot be
-// opened; line_problem_text says why.
+// opened; line_problem_text says why, and a worker that cannot start is told in a box.
 int port_open(int slot);
 int port_open_for_blocks(int slot);
 

@@ -450,6 +450,22 @@ TEST_F(EngineTest, APortThatCannotBeOpenedSaysWhyAndLeavesNothing) {
     EXPECT_FALSE(line_facts(1).open);
 }
 
+TEST_F(EngineTest, AWorkerThatCannotStartIsToldAndThePortClosed) {
+    std::vector<ThreadHandle> others;
+    ThreadHandle other = NO_THREAD;
+    while ((other = thread_start([](int64_t) -> int64_t { return 0; }, 0, ThreadPriority::NORMAL)) !=
+           NO_THREAD)
+        others.push_back(other);
+    ASSERT_EQ(port_init(0, machine()), 1);
+    answer_box("OK");
+    EXPECT_EQ(port_open(0), 0);
+    EXPECT_EQ(last_box(), "Failed to create event for thread!");
+    EXPECT_FALSE(port_slot[0].connected);
+    EXPECT_FALSE(line_facts(1).open);
+    for (const ThreadHandle thread : others)
+        thread_join(thread);
+}
+
 TEST_F(EngineTest, AHardwareHandshakeThatComesBackEndsAWait) {
     write("part.nc", "N1\r\nN2\r\n");
     machine().protocol = PROTOCOL_HEIDENHAIN;
