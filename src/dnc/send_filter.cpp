@@ -34,10 +34,10 @@ struct Filter {
 
 Filter make_filter(int slot) {
     const MachineParams& m = machine_of_slot(slot);
-    const bool comments = m.compress_comments != 0;
-    const bool numbers = m.compress_line_numbers != 0;
-    const bool spaces = m.compress_spaces != 0;
-    const bool tabs = m.compress_tabs != 0;
+    const bool comments = machine_setting(m, Field::COMPRESS_COMMENTS) != 0;
+    const bool numbers = machine_setting(m, Field::COMPRESS_LINE_NUMBERS) != 0;
+    const bool spaces = machine_setting(m, Field::COMPRESS_SPACES) != 0;
+    const bool tabs = machine_setting(m, Field::COMPRESS_TABS) != 0;
     const bool any = comments || numbers || spaces || tabs;
     const int protocol = machine_setting(m, Field::PROTOCOL);
     const bool eia = machine_setting(m, Field::DATA_TYPE) == DATA_EIA;
@@ -52,7 +52,9 @@ Filter make_filter(int slot) {
             spaces,
             tabs,
             any,
-            m.compress_character_on != 0 ? machine_setting(m, Field::COMPRESS_CHARACTER) : -1,
+            machine_setting(m, Field::COMPRESS_CHARACTER_ON) != 0
+                ? machine_setting(m, Field::COMPRESS_CHARACTER)
+                : -1,
             !any && !eia && !framed};
 }
 

@@ -181,9 +181,13 @@ TEST_F(FilterTest, SettingsOutOfTheirLimitsCountAsTheirDefaults) {
     for (int field = 0; field < FIELD_COUNT; field++) {
         if (MACHINE_FIELDS[field].form == FieldForm::INT16)
             set_field(&machine(), static_cast<Field>(field), 31000);
+        if (MACHINE_FIELDS[field].form == FieldForm::UNSIGNED8)
+            set_field(&machine(), static_cast<Field>(field), 77);
     }
     machine().start_char_count = -5;
-    EXPECT_EQ(send("A\r\n"), "A\r\n");
+    machine().compress_character = 'A';
+    EXPECT_EQ(send("N1 A\t(B)\r\n"), "N1 A\t(B)\r\n");
+    EXPECT_EQ(transfer_state[0].xoff_char, XOFF_DEFAULT);
     EXPECT_EQ(port_slot[0].baud_rate, 9600U);
     EXPECT_EQ(field_as_read(machine(), Field::BAUD_INDEX), 31000);
 }
