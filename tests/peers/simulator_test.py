@@ -168,7 +168,7 @@ class SimulatorTest(Case):
         for code, words in ((2, ''), (2, '--receive x --send y'), (2, '--receive x --code ebcdic'),
                             (2, '--receive x --rate 10'), (2, '--receive'), (2, '--receive x --start-string 1,,2'),
                             (2, '--receive x --end-string 1*1001'), (2, '--receive x /dev/a /dev/b'),
-                            (2, '--send part.nc --xoff-every 5'), (2, '--receive x --link l /dev/a'),
+                            (2, '--receive x --hang-up-after 0 --idle 1'), (2, '--send part.nc --xoff-every 5'), (2, '--receive x --link l /dev/a'),
                             (2, '--receive x --code eia --protocol heidenhain --continuous'),
                             (3, '--send missing.nc'), (3, '--send part.nc --code eia'),
                             (3, '--receive x /dev/not-there'), (3, '--receive x part.nc'),

@@ -165,7 +165,8 @@ constexpr Entry TROUBLE_ENTRIES[] = {
      [](Options& o, const char* text) { return read_bytes(text, 0, &o.overrun); }},
     {"--drop-ack", "N", "Leaves out the N-th answer.",
      [](Options& o, const char* text) { return read_bytes(text, 1, &o.drop_ack); }},
-    {"--hang-up-after", "N", "Closes the line behind N bytes, as an unplugged cable does.",
+    {"--hang-up-after", "N",
+     "Closes the line behind N bytes, as an unplugged cable does; with --receive behind at least 1.",
      [](Options& o, const char* text) { return read_bytes(text, 0, &o.hang_up_after); }},
     {"--log", "FILE",
      "Writes each piece of the conversation with its time, direction and the names of control characters. - "
@@ -229,6 +230,8 @@ std::string trouble_with(const Options& o) {
         return "one of --receive FILE and --send FILE is needed";
     if (!o.send.empty() && (o.continuous || o.xoff_every != 0 || o.drop_ack != 0 || o.dc1_after != NOT_GIVEN))
         return "--continuous, --xoff-every, --drop-ack and --dc1-after go with --receive";
+    if (!o.receive.empty() && o.hang_up_after == 0)
+        return "with --receive, --hang-up-after needs at least 1 byte";
     if (!o.receive.empty() && o.start_key && o.dc1_after == NOT_GIVEN)
         return "with --receive, --start-key goes with --dc1-after";
     if (!o.device.empty() && !o.link.empty())
