@@ -2,6 +2,7 @@
 
 #include "cli/transfer_run.h"
 
+#include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
 #include "dnc/machine_table.h"
 #include "dnc/port_engine.h"
@@ -9,6 +10,7 @@
 #include "frame/child.h"
 #include "platform/console/console.h"
 #include "platform/desktop.h"
+#include "platform/files.h"
 #include "platform/serial.h"
 
 #include <ctime>
@@ -58,13 +60,18 @@ void note_end() {
     take_numbers();
 }
 
+// Closing may find that the medium did not take the last of a received file.
 void stop_transfer() {
     note_end();
     port_close(SLOT);
+    const TransferState& t = transfer_state[SLOT];
+    run.fault = t.fault;
+    if (t.fault == TransferFault::CANNOT_WRITE)
+        show_dnc_box(DncBox::CANNOT_WRITE, t.file_name, file_error_text(t.fault_error));
     post_quit(0);
 }
 
-// Closing may find that the medium did not take the last of a received file.
+// The close has told what it has found.
 void end_if_closed() {
     if (port_slot[SLOT].connected)
         return;

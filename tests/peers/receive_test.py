@@ -5,7 +5,7 @@ import resource
 import zlib
 
 import station
-from station import TOP, Case, Cli, Simulator, wait_for
+from station import TOP, Case, Cli, Simulator, programs, wait_for
 
 PROGRAM = (TOP / 'examples' / 'bowl-finish.nc').read_bytes()
 
@@ -101,6 +101,19 @@ class ReceiveTest(Case):
         got = self.home.path('got.nc').read_bytes()
         self.assertEqual(got, PROGRAM[:len(got)])
         self.assertIn('bytes still to send', machine.report['text'])
+
+    def test_ctrl_c_tells_a_file_that_the_disk_did_not_take(self):
+        self.home.write('part.nc', PROGRAM)
+        failing = self.home.environment(LD_PRELOAD=str(programs.flush_fails),
+                                        ASAN_OPTIONS='verify_asan_link_order=0')
+        with Simulator(self.home, '--send', 'part.nc', '--rate', 9600, '--start-key') as machine, \
+                Cli(self.home, 'receive', '--port', machine.line, 'got.nc', environment=failing) as cli:
+            machine.press_start()
+            wait_for(lambda: self.home.path('got.nc').stat().st_size > 0)
+            cli.interrupt()
+            self.assertEqual(cli.finish(), 4)
+            self.assertIn('could not be written to', cli.error_text())
+            self.assertEqual(cli.receipt['result'], 'stopped')
 
     def test_nothing_comes(self):
         self.home.write('part.nc', PROGRAM)

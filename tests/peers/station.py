@@ -1,7 +1,7 @@
 """The programs of the serial station for tests: a home with machine sets, hexlane-cli, and the control simulator.
 
-Each test program takes --cli and --simulator (see main). Nothing here waits for a fixed time: a simulated machine
-begins when its start key is pressed, and that happens when the other side has said that it is ready.
+Each test program takes --cli, --simulator and --flush-fails (see main). Nothing here waits for a fixed time: a
+simulated machine begins when its start key is pressed, and that happens when the other side has said that it is ready.
 """
 
 import argparse
@@ -19,7 +19,7 @@ import unittest
 TIMEOUT_S = 60  # of any single step; a step that works takes a fraction of a second
 TOP = pathlib.Path(__file__).resolve().parents[2]
 
-programs = argparse.Namespace(cli=None, simulator=None)
+programs = argparse.Namespace(cli=None, simulator=None, flush_fails=None)
 
 
 class Home:
@@ -156,6 +156,8 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument('--cli', required=True, type=pathlib.Path)
     parser.add_argument('--simulator', required=True, type=pathlib.Path)
+    parser.add_argument('--flush-fails', required=True, type=pathlib.Path)
     known, rest = parser.parse_known_args()
     programs.cli, programs.simulator = known.cli.resolve(), known.simulator.resolve()
+    programs.flush_fails = known.flush_fails.resolve()
     unittest.main(module='__main__', argv=[sys.argv[0], *rest], verbosity=2)
