@@ -2,10 +2,10 @@
 
 #include "cli/transfer_run.h"
 
+#include "platform/console/console.h"
+
 #include <cinttypes>
 #include <cstdio>
-#include <ctime>
-#include <unistd.h>
 
 namespace hexlane {
 
@@ -13,14 +13,6 @@ namespace {
 
 bool on_terminal = false;
 bool line_open = false;  // the terminal's line holds a progress that is not ended
-
-double seconds_so_far() {
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(static_cast<int64_t>(now.tv_sec) * 1'000'000'000 + now.tv_nsec -
-                               run.start_tick_ns) /
-           1e9;
-}
 
 const char* state_text() {
     if (run.held)
@@ -35,8 +27,8 @@ const char* state_text() {
     }
 }
 
-void print_amount() {
-    const double seconds = seconds_so_far();
+void print_amount(int64_t now_ns) {
+    const double seconds = static_cast<double>(now_ns - run.start_tick_ns) / 1e9;
     const double rate = seconds > 0 ? static_cast<double>(run.line_now) / seconds : 0;
     std::fprintf(stderr, "%" PRId64 " bytes", run.file_now);
     if (run.sending && run.file_size > 0)
@@ -48,19 +40,19 @@ void print_amount() {
 }  // namespace
 
 void begin_progress() {
-    on_terminal = isatty(STDERR_FILENO) != 0;
+    on_terminal = platform::console_is_terminal();
     if (on_terminal)
         return;
     std::fprintf(stderr, run.sending ? "sending %s to %s\n" : "receiving %s from %s\n",
                  run.options.file.c_str(), port_text().c_str());
 }
 
-void show_progress() {
+void show_progress(int64_t now_ns) {
     if (!on_terminal)
         return;
     line_open = true;
     std::fputs("\r\x1b[K", stderr);
-    print_amount();
+    print_amount(now_ns);
     std::fflush(stderr);
 }
 

@@ -6,20 +6,10 @@
 
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 
 namespace hexlane {
 
 namespace {
-
-constexpr std::size_t TIME_SIZE = 32;
-
-void time_text(char text[TIME_SIZE], std::time_t time) {
-    tm local;
-    text[0] = '\0';
-    if (localtime_r(&time, &local) != nullptr)
-        std::strftime(text, TIME_SIZE, "%Y-%m-%d %H:%M:%S", &local);
-}
 
 constexpr const char* COMPLETE = "complete";
 
@@ -38,10 +28,6 @@ const char* result_text() {
 void print_receipt() {
     const std::string port = port_text();
     const char* result = result_text();
-    char started[TIME_SIZE];
-    char ended[TIME_SIZE];
-    time_text(started, run.start_time);
-    time_text(ended, run.end_time);
     Receipt receipt = {};
     receipt.sending = run.sending;
     receipt.complete = std::strcmp(result, COMPLETE) == 0;
@@ -53,8 +39,8 @@ void print_receipt() {
     receipt.tally = run.tally;
     receipt.cut_bytes = run.cut_bytes;
     receipt.held_s = static_cast<double>(run.held_ns) / 1e9;
-    receipt.started = started;
-    receipt.ended = ended;
+    receipt.started = run.started;
+    receipt.ended = run.ended;
     receipt.took_s = static_cast<double>(run.end_tick_ns - run.start_tick_ns) / 1e9;
     receipt.result = result;
     ReceiptEntry entries[RECEIPT_ENTRIES];

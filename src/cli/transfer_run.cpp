@@ -8,6 +8,7 @@
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
 #include "frame/child.h"
+#include "platform/clock.h"
 #include "platform/console/console.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
@@ -56,7 +57,7 @@ void note_end() {
     if (run.end_tick_ns != 0)
         return;
     run.end_tick_ns = time_ns();
-    run.end_time = std::time(nullptr);
+    time_of_day(run.ended, sizeof run.ended);
     take_numbers();
 }
 
@@ -89,7 +90,7 @@ void look(int64_t now) {
     run.held_ns += run.held ? now - last_look : 0;
     last_look = now;
     if (++looks % LOOKS_PER_PROGRESS == 0)
-        show_progress();
+        show_progress(now);
     const int64_t waited = now - run.start_tick_ns;
     if (run.options.wait_s != 0 && run.status == RECEIVE_STANDBY &&
         waited >= run.options.wait_s * NS_PER_SECOND) {
@@ -189,7 +190,7 @@ int open_transfer_port() {
     LineSettings settings = {};
     run.rate = line_settings(port_slot[SLOT].port_handle, &settings) ? settings.baud_rate : 0;
     run.start_tick_ns = time_ns();
-    run.start_time = std::time(nullptr);
+    time_of_day(run.started, sizeof run.started);
     return EXIT_COMPLETE;
 }
 

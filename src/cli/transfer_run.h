@@ -7,7 +7,6 @@
 #include "platform/text.h"
 
 #include <cstdint>
-#include <ctime>
 #include <string>
 
 namespace hexlane {
@@ -35,8 +34,8 @@ struct TransferRun {
     int64_t file_size;  // of a file that is sent, from the start point on
     int64_t start_tick_ns;
     int64_t end_tick_ns;
-    std::time_t start_time;
-    std::time_t end_time;
+    char started[32];  // times of day
+    char ended[32];
     int64_t held_ns;    // the machine held the line
     bool held;          // now
     bool stopped;       // by a signal
@@ -68,7 +67,7 @@ void print_receipt();
 
 // On a terminal a line that is written over; otherwise one line at the start.
 void begin_progress();
-void show_progress();
+void show_progress(int64_t now_ns);
 void end_progress();
 
 // "COM1 (/dev/ttyS0)".

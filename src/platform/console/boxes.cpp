@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <string_view>
+#include <unistd.h>
 
 namespace hexlane::platform {
 
@@ -31,6 +32,10 @@ void print_paragraphs(std::string_view text) {
 }
 
 }  // namespace
+
+bool console_is_terminal() {
+    return isatty(STDERR_FILENO) != 0;
+}
 
 int message_box(const char* text, const char* title, BoxIcon icon, const char* buttons) {
     if (before_box != nullptr)

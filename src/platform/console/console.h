@@ -19,6 +19,9 @@ WindowHandle make_console_window(WindowProcedure procedure);
 // next one of its kind ends the process, so that a person is never locked in.
 void post_signals(WindowHandle window, uint32_t message);
 
+// Whether standard error, where boxes appear, is a terminal.
+bool console_is_terminal();
+
 // Runs before each box: a program with a line that it writes over and over ends it here. nullptr for nothing.
 inline void (*before_box)() = nullptr;
 
