@@ -49,13 +49,9 @@ int strip_nulls(const char* path) {
     if (source == NO_FILE)
         return -1;
     Replacement output;
-    int done = begin_replacement(&output, path);
-    if (done) {
-        done = copy_without_nulls(source, &output) && finish_replacement(&output, source);
-        const FileError reason = last_file_error();
-        abandon_replacement(&output);
-        set_last_file_error(reason);
-    }
+    const int done = begin_replacement(&output, path) && copy_without_nulls(source, &output) &&
+                     finish_replacement(&output, source);
+    abandon_replacement(&output);
     const FileError reason = last_file_error();
     file_close(source);
     set_last_file_error(reason);

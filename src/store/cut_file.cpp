@@ -142,10 +142,8 @@ int insert_rows_of(FileHandle file, int32_t row, int32_t count, const char* path
 int copy_rows_to_cut_file(int32_t row, int32_t count) {
     char path[PATH_SIZE];
     char work_path[PATH_SIZE];
-    char prefix[sizeof directories.temp_prefix + 2];
     cut_file_path(path);
-    format_text(prefix, sizeof prefix, "%sDX", directories.temp_prefix);
-    const FileHandle work = create_unique_file(directories.temp_dir, prefix, work_path);
+    const FileHandle work = create_work_file(directories.temp_dir, work_path);
     if (work == NO_FILE)
         return fail_edit(path);
     const int written = write_records(work, row, count);

@@ -117,7 +117,6 @@ int splice_file(Splice* splice) {
         note_backup(backup);
         return 1;
     }
-    const FileError reason = last_file_error();
     abandon_replacement(&output);
     delete_file(backup);
     set_last_file_error(reason);
@@ -155,6 +154,7 @@ int move_back(const char* backup, const char* target) {
 }
 
 }  // namespace
+    const FileError reason = last_file_error();
 
 bool merge_counts() {
     return merge_backup.merge_backup_active && same_path(child[0].file_path, merge_backup.merge_restore_path);

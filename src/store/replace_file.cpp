@@ -20,9 +20,7 @@ void folder_of(const char* path, char folder[PATH_SIZE]) {
 }
 
 int fail_replacement(Replacement* replacement) {
-    const FileError reason = last_file_error();
     abandon_replacement(replacement);
-    set_last_file_error(reason);
     return 0;
 }
 
@@ -35,10 +33,8 @@ int begin_replacement(Replacement* replacement, const char* path) {
     if (!follow_links(path, replacement->target, sizeof replacement->target))
         return 0;
     char folder[PATH_SIZE];
-    char prefix[sizeof directories.temp_prefix + 2];
     folder_of(replacement->target, folder);
-    format_text(prefix, sizeof prefix, "%sDX", directories.temp_prefix);
-    replacement->file = create_unique_file(folder, prefix, replacement->output);
+    replacement->file = create_work_file(folder, replacement->output);
     if (replacement->file == NO_FILE) {
         replacement->output[0] = '\0';
         return 0;
@@ -75,12 +71,14 @@ int finish_replacement(Replacement* replacement, FileHandle like) {
 }
 
 void abandon_replacement(Replacement* replacement) {
+    const FileError reason = last_file_error();
     if (replacement->file != NO_FILE)
         file_close(replacement->file);
     replacement->file = NO_FILE;
     if (replacement->output[0] != '\0')
         delete_file(replacement->output);
     replacement->output[0] = '\0';
+    set_last_file_error(reason);
 }
 
 }  // namespace hexlane

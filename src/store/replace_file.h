@@ -24,7 +24,8 @@ struct Replacement {
 // Puts it in place. `like` gives mode and owner; NO_FILE for a file that was not there before.
 [[nodiscard]] int finish_replacement(Replacement* replacement, platform::FileHandle like);
 
-// Deletes the unfinished output. Harmless when there is none.
+// Deletes the unfinished output, and leaves platform::last_file_error() as it is. Harmless when there is
+// none.
 void abandon_replacement(Replacement* replacement);
 
 }  // namespace hexlane

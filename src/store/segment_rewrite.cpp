@@ -66,9 +66,7 @@ int rewrite_segment(int segment, int32_t index, int32_t skipped, int32_t blanks)
     const int64_t head = static_cast<int64_t>(index) * ROW_RECORD_SIZE;
     const int64_t tail = std::min(old_size, head + static_cast<int64_t>(skipped) * ROW_RECORD_SIZE);
     char work_path[PATH_SIZE];
-    char prefix[sizeof directories.temp_prefix + 2];
-    format_text(prefix, sizeof prefix, "%sDX", directories.temp_prefix);
-    FileHandle work = create_unique_file(directories.temp_dir, prefix, work_path);
+    FileHandle work = create_work_file(directories.temp_dir, work_path);
     if (work == NO_FILE)
         return 0;
     const SegmentEntry old = entry;

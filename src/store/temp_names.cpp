@@ -42,6 +42,12 @@ FileHandle create_unique_file(const char* folder, const char* prefix, char* path
     }
 }
 
+FileHandle create_work_file(const char* folder, char* path) {
+    char prefix[sizeof directories.temp_prefix + 2];
+    format_text(prefix, sizeof prefix, "%sDX", directories.temp_prefix);
+    return create_unique_file(folder, prefix, path);
+}
+
 void name_segment(int segment) {
     char path[PATH_SIZE];
     do {

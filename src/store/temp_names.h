@@ -10,6 +10,9 @@ namespace hexlane {
 // A folder may end in '/' or not.
 platform::FileHandle create_unique_file(const char* folder, const char* prefix, char* path);
 
+// create_unique_file for a file that is being worked on: its prefix is temp_prefix and "DX".
+platform::FileHandle create_work_file(const char* folder, char* path);
+
 // Fills file_name of a segment with a name that is free in temp_dir.
 void name_segment(int segment);
 
