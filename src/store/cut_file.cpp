@@ -92,28 +92,17 @@ int fill_rows(FileHandle file, int32_t row, int32_t count, const char** failed) 
     return 1;
 }
 
-// Takes out the `count` rows behind `row`.
-int remove_rows_behind(int32_t row, int32_t count) {
-    while (count > 0) {
-        if (locate_row(row + 1) < 0)
-            return 0;
-        const int segment = child[0].current_segment;
-        const int32_t index = row + 1 - segment_table[segment].first_row;
-        const int32_t here = std::min(count, segment_rows(segment) - index);
-        if (!rewrite_segment(segment, index, here, 0))
-            return 0;
-        shift_rows_behind(segment, -here);
-        count -= here;
-    }
-    return 1;
-}
-
-// The table as it was before `count` rows came in at `row`, which had this record. The texts that were
-// appended for them go first: on a full disk that makes the room that the segment's new file needs.
-void take_rows_back(int32_t row, int32_t count, const RowRecord& record, int64_t change_end) {
+// Takes `count` pasted rows out again. They let go of their texts before the change file is cut back, so that
+// no record can point at what comes there later, even if the rows stay; and it is cut back before the rows
+// go, since on a full disk that makes the room that the segment's new file needs.
+void take_rows_back(int32_t row, int32_t count, int64_t change_end) {
     const FileError reason = last_file_error();
-    stream_rewind_to(child[0].change_stream, change_end);
-    if (write_record(row, record) && remove_rows_behind(row, count))
+    int let_go = 1;
+    for (int32_t i = 0; i < count && let_go; i++)
+        let_go = write_record(row + i, {0, ORIGIN_BLANK});
+    if (let_go)
+        stream_rewind_to(child[0].change_stream, change_end);
+    if (cut_rows(row, count))
         set_last_file_error(reason);
     forget_cached_rows();
 }
@@ -123,6 +112,8 @@ int insert_rows_of(FileHandle file, int32_t row, int32_t count, const char* path
     if (!read_record(row, &before))
         return fail_edit(child[0].segment_path);
     const int64_t change_end = stream_end(child[0].change_stream);
+    const int32_t behind = child[0].last_file_row + 1;
+    const bool appended = row + 1 == behind && row_is_empty(row);  // then the new rows come behind it
     if (!insert_blank_rows(row, count))
         return 0;
     const char* failed = path;
@@ -133,7 +124,10 @@ int insert_rows_of(FileHandle file, int32_t row, int32_t count, const char* path
     if (filled || !written)
         return filled;
     set_last_file_error(reason);
-    take_rows_back(row, count, before, change_end);
+    if (!appended)
+        take_rows_back(row, count, change_end);
+    else if (write_record(row, before))
+        take_rows_back(behind, count, change_end);
     return fail_edit(failed);
 }
 

@@ -35,87 +35,53 @@ int finish_deletion(int32_t row) {
     return added;
 }
 
-// Takes `count` records out of `segment`, from its record `index` on.
+// Takes rows out that all lie in `segment`, from its record `index` on.
 int cut_segment(int segment, int32_t index, int32_t count) {
-    if (index == 0 && count == segment_rows(segment)) {  // nothing stays: no copy is needed
-        child[0].current_segment = static_cast<int16_t>(segment);
-        if (!segment_table[segment].is_open && !open_segment(false))
-            return 0;
-        if (!segment_table[segment].shares_file && !file_resize(segment_table[segment].handle, 0))
-            return 0;
-    } else if (!rewrite_segment(segment, index, count, 0)) {
+    if (!rewrite_segment(segment, index, count, 0))
         return 0;
-    }
     shift_rows_behind(segment, -count);
-    return 1;
-}
-
-// The rows [row, row + count) from the start of segment `a` to inside segment `b`: the entries between go
-// with their files, and only the head of b is rewritten.
-int delete_from_segment_start(int32_t row, int32_t count, int a, int b, int32_t head) {
-    if (!drop_segment_head(b, head))
-        return 0;
-    if (segment_table[a].is_open)
-        file_close(segment_table[a].handle);
-    segment_table[b].first_row = row;
-    segment_table[a] = segment_table[b];
-    segment_table[b].is_open = 0;
-    remove_segments(a + 1, b);
-    child[0].current_segment = static_cast<int16_t>(a);
-    shift_rows_behind(a, -count);
-    return 1;
-}
-
-int delete_segment_by_segment(int32_t row, int32_t count, int a, int b) {
-    const int32_t behind = row + count;
-    for (int segment = b; segment >= a; segment--) {
-        const int32_t first = segment_table[segment].first_row;
-        const int32_t from = std::max(row, first);
-        const int32_t to = std::min(behind, first + segment_rows(segment));
-        if (from < to && !cut_segment(segment, from - first, to - from))
-            return 0;
-    }
     return 1;
 }
 
 }  // namespace
 
-int delete_rows_in_segment(int32_t row, int32_t count) {
-    if (!commit_row_in_front(row))
-        return 0;
+int cut_rows(int32_t row, int32_t count) {
     if (locate_row(row) < 0)
-        return fail_edit(child[0].segment_path);
-    const int segment = child[0].current_segment;
-    if (!cut_segment(segment, row - segment_table[segment].first_row, count))
-        return fail_edit(child[0].segment_path);
-    return finish_deletion(row);
+        return 0;
+    const int a = child[0].current_segment;
+    if (locate_row(row + count) < 0)
+        return 0;
+    const int b = child[0].current_segment;
+    if (a == b)
+        return cut_segment(a, row - segment_table[a].first_row, count);
+    if (!drop_segment_head(b, row + count - segment_table[b].first_row))
+        return 0;
+    // From here on nothing can fail: the records between stay in their files, and the table passes over them.
+    const int emptied = row == segment_table[a].first_row ? a : a + 1;
+    for (int segment = emptied; segment <= b; segment++)
+        segment_table[segment].first_row = row;
+    shift_rows_behind(b, -count);
+    if (emptied == a) {
+        remove_segments(a, b - 1);
+        child[0].current_segment = static_cast<int16_t>(a);
+    }
+    return 1;
 }
 
 int delete_rows(int32_t row, int32_t count) {
     count = std::min(count, child[0].last_file_row + 1 - row);
     if (row < 0 || count <= 0)
         return 1;
-    if (row == 0 && count == child[0].last_file_row + 1 && !add_end_row(true))
+    const bool all = row == 0 && count == child[0].last_file_row + 1;
+    if ((all && !add_end_row(true)) || !commit_row_in_front(row))
         return 0;
-    if (locate_row(row) < 0)
-        return fail_edit(child[0].segment_path);
-    const int a = child[0].current_segment;
-    if (locate_row(row + count) < 0)
-        return fail_edit(child[0].segment_path);
-    int b = child[0].current_segment;
-    if (a == b)
-        return delete_rows_in_segment(row, count);
-    if (!commit_row_in_front(row))
+    if (!cut_rows(row, count)) {
+        fail_edit(child[0].segment_path);
+        if (all)
+            set_last_file_row(child[0].last_file_row - 1);
+        forget_cached_rows();
         return 0;
-    int32_t head = row + count - segment_table[b].first_row;
-    if (b < child[0].segment_count - 1 && head == segment_rows(b)) {
-        head = 0;
-        b++;
     }
-    const int done = row == segment_table[a].first_row ? delete_from_segment_start(row, count, a, b, head)
-                                                       : delete_segment_by_segment(row, count, a, b);
-    if (!done)
-        return fail_edit(child[0].segment_path);
     return finish_deletion(row);
 }
 

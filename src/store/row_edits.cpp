@@ -91,7 +91,7 @@ int join_rows(int32_t row) {
     if (!store_row_text(row, joined, &next_rest))
         return fail_edit(child[0].change_path);
     const int32_t last = child[0].last_file_row;
-    if (!delete_rows_in_segment(row + 1, 1) && child[0].last_file_row == last) {
+    if (!delete_rows(row + 1, 1) && child[0].last_file_row == last) {
         (void)write_record(row, record);  // the row behind is still there, so its text must not stand twice
         forget_cached_rows();
         return 0;

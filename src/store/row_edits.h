@@ -25,7 +25,12 @@ int join_rows(int32_t row);
 
 // Takes any range of rows out; the document keeps at least one row.
 int delete_rows(int32_t row, int32_t count);
-int delete_rows_in_segment(int32_t row, int32_t count);
+
+// The part of a deletion that changes the table, in one step that works or leaves it as it was: at most one
+// segment is rewritten, and what else goes is passed over. It neither tells a failure nor looks at the rows
+// on both sides, so it is for a caller that has stored the row in front, or takes out what came in just now.
+int cut_rows(int32_t row, int32_t count);
+
 int drop_segment_head(int segment, int32_t count);
 void remove_segments(int first, int last);
 

@@ -4,6 +4,7 @@
 
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
+#include "platform/text_stream.h"
 #include "store/cut_file.h"
 #include "store/load.h"
 #include "store/row_edits.h"
@@ -76,6 +77,34 @@ TEST_F(CutFileTest, APasteOnAFullDiskTakesBackWhatHadComeIn) {
         EXPECT_EQ(rows(), before);
         EXPECT_FALSE(shown_boxes().empty());
         forget_shown_boxes();
+    }
+}
+
+TEST_F(CutFileTest, RowsOfAFailedPasteThatCannotGoHoldNoText) {
+    if (SEGMENT_WINDOW_ROWS > 15)
+        return;  // only with the small limits is the cut file read more than once
+    ASSERT_TRUE(copy_rows_to_cut_file(2, 15));
+    // Where pasted rows stay: in front of a row, or behind the empty end row.
+    for (const int32_t target : {20, child[0].last_file_row}) {
+        SCOPED_TRACE(target);
+        const std::vector<std::string> before = rows();
+        const int64_t change_end = stream_end(child[0].change_stream);
+        // The rows come in, a text of theirs can't be read, and then no work file can be made any more.
+        reset_file_faults();
+        fail_file_call(FileCall::READ, 2, EIO, "CUT.INX", -1);
+        fail_file_call(FileCall::CREATE, target == 20 ? 2 : 1, ENOSPC, "DX", -1);
+        EXPECT_FALSE(paste_rows_from_cut_file(target, 15));
+        reset_file_faults();
+        pump_messages();
+        EXPECT_EQ(stream_end(child[0].change_stream), change_end);
+        ASSERT_TRUE(store_row_text(0, "LATER", nullptr));
+        forget_cached_rows();
+        std::vector<std::string> expected = before;
+        const int32_t first = target == 20 ? 20 : target + 1;
+        expected.insert(expected.begin() + first, 15, "");
+        expected[0] = "LATER";
+        EXPECT_EQ(rows(), expected);
+        ASSERT_TRUE(delete_rows(first, 15));
     }
 }
 

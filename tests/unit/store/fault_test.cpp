@@ -311,4 +311,19 @@ TEST_F(FaultTest, AFailedEditLeavesTheTableAsItWas) {
 }
 
 }  // namespace
+        {"delete across segments", [] { return delete_rows(2, child[0].last_file_row - 2); }},
+        {"delete from a segment's start", [] { return delete_rows(5, 3); }},
+        {"delete all", [] { return delete_rows(0, child[0].last_file_row + 1); }},
 }  // namespace hexlane
+            // What is on show is what a save writes.
+            std::vector<std::string> shown_rows = rows();
+            if (origins().back() == ORIGIN_FILE)
+                shown_rows.pop_back();  // the end row
+            std::string shown;
+            for (const std::string& row : shown_rows)
+                shown += row + "\r\n";
+            if (n % 2 == 0)
+                continue;
+            ASSERT_TRUE(save_file());
+            EXPECT_EQ(bytes(), shown);
+            change_document_again();

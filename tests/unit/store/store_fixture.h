@@ -36,7 +36,7 @@ inline void check_table() {
             shared_end = end;
         } else {
             ASSERT_EQ(entry.base, 0) << "segment " << segment;
-            ASSERT_EQ(end, size) << "segment " << segment;
+            ASSERT_LE(end, size) << "segment " << segment;  // a deletion may pass over its last records
         }
         rows += segment_rows(segment);
     }
