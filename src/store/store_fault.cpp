@@ -35,8 +35,10 @@ int fail_edit(const char* path) {
 }
 
 void keep_unsaved_row(int32_t row, int32_t shown) {
-    if (unsaved_row.row < 0)
+    if (unsaved_row.row < 0) {
         unsaved_row.shown = shown;  // of a row that failed before, the first failure's is the one that holds
+        store_fault.told = 0;       // that an edit has failed before says nothing of a row
+    }
     unsaved_row.row = row;
     std::memcpy(unsaved_row.text, child[0].row_text, sizeof unsaved_row.text);
 }
@@ -66,6 +68,8 @@ int edits_allowed() {
 }
 
 void show_store_fault() {
+    if (!store_fault.damaged)
+        return;  // made good before the message came
     const char* reason = file_error_text(store_fault.error);
     show_store_box(unsaved_row.row >= 0 ? StoreBox::ROW_NOT_STORED : StoreBox::STORE_FAILED, store_fault.path,
                    reason);

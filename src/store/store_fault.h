@@ -44,7 +44,7 @@ void clear_store_fault();
 // now. 0: the edit must be refused (a beep tells it).
 int edits_allowed();
 
-// The box of STORE_FAULT_MESSAGE.
+// The box of STORE_FAULT_MESSAGE; none for a fault that has been made good since.
 void show_store_fault();
 
 }  // namespace hexlane

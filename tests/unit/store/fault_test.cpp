@@ -195,6 +195,38 @@ TEST_F(FaultTest, ARowThatCannotBeStoredIsKeptToldOnceAndStoredLater) {
     EXPECT_NE(bytes().find("typed row 1\r\n"), std::string::npos);
 }
 
+TEST_F(FaultTest, AnUnstoredRowIsToldAlsoBehindAnotherFault) {
+    record_file_calls();
+    start_with("A\r\nB\r\nC\r\n");
+    answer_other_boxes("OK");
+    fail_file_call(FileCall::CREATE, 1, ENOSPC, directories.temp_dir);
+    EXPECT_FALSE(insert_blank_rows(1, 1));
+    pump_messages();
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    type_text("typed ");
+    fail_file_call(FileCall::WRITE, 1, ENOSPC, directories.temp_dir, -1);
+    press_key("Down");
+    pump_messages();
+    ASSERT_EQ(shown_boxes().size(), 2U);
+    EXPECT_NE(shown_boxes().back().text.find("could not be stored"), std::string::npos);
+    press_key("Down");
+    pump_messages();
+    EXPECT_EQ(shown_boxes().size(), 2U);
+}
+
+TEST_F(FaultTest, AFaultThatASaveHasMadeGoodIsNotTold) {
+    record_file_calls();
+    start_with("A\r\nB\r\n");
+    type_text("typed ");
+    fail_file_call(FileCall::WRITE, 1, ENOSPC, directories.temp_dir);
+    commit_pending();
+    ASSERT_EQ(unsaved_row.row, 0);
+    ASSERT_TRUE(save_file());
+    pump_messages();
+    EXPECT_TRUE(shown_boxes().empty());
+    EXPECT_EQ(bytes(), "typed A\r\nB\r\n");
+}
+
 TEST_F(FaultTest, ASaveTakesTheUnstoredRowFromMemory) {
     record_file_calls();  // from the start, so that a fault can name the folder
     start_with("A\r\n" + repeated('b', 300) + "\r\nC\r\n");
