@@ -85,6 +85,12 @@ LoadResult scan_file(FileHandle file) {
         }
         position += length;
     }
+    char last = '\n';
+    if (result == LoadResult::DONE && child[0].last_file_row == MAX_ROWS - 1 &&
+        file_read_at(file, position - 1, &last, 1) != 1)
+        return LoadResult::FAILED;
+    if (last != '\n' && last != '\0')
+        return LoadResult::TOO_MANY_ROWS;  // there is no place for the end row
     if (result == LoadResult::DONE && record_count > 0 && record_count < ROWS_PER_SEGMENT && !write_segment())
         return LoadResult::FAILED;
     return result;

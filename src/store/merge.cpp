@@ -3,9 +3,12 @@
 
 #include "store/merge.h"
 
+#include <algorithm>
+
 #include "frame/child.h"
 #include "platform/files.h"
 #include "platform/text_stream.h"
+#include "store/copy_buffer.h"
 #include "store/load.h"
 #include "store/replace_file.h"
 #include "store/row_table.h"
@@ -33,6 +36,10 @@ int tell_merge_failure(const char* path) {
     return 0;
 }
 
+bool is_row_end(uint8_t byte) {
+    return byte == '\n' || byte == '\0';
+}
+
 // Where the caret's row begins in the file; the end of the file for a row that stands nowhere in it.
 int find_splice_point(Splice* splice) {
     RowRecord record;
@@ -46,7 +53,7 @@ int find_splice_point(Splice* splice) {
     char last = '\n';
     if (splice->active_size > 0 && file_read_at(splice->active, splice->active_size - 1, &last, 1) != 1)
         return 0;
-    splice->line_end_needed = last != '\n' && last != '\0';
+    splice->line_end_needed = !is_row_end(static_cast<uint8_t>(last));
     return 1;
 }
 
@@ -80,6 +87,26 @@ int make_backup(const Splice& splice, char path[PATH_SIZE]) {
     return 0;
 }
 
+// Whether the table has place for both files: no merge may make a file that can't be loaded. -1 when the
+// merged file can't be read.
+int rows_fit(const Splice& splice) {
+    int64_t rows = int64_t{child[0].last_file_row} + 1;
+    uint8_t last = '\n';
+    for (int64_t position = 0; position < splice.merged_size;) {
+        const int64_t length = file_read_at(splice.merged, position, copy_buffer, sizeof copy_buffer);
+        if (length == 0)
+            set_last_file_error(FileError::IO);  // it has become shorter under us
+        if (length <= 0)
+            return -1;
+        rows += std::count_if(copy_buffer, copy_buffer + length, is_row_end);
+        last = copy_buffer[length - 1];
+        position += length;
+    }
+    if (!is_row_end(last) && splice.position == splice.active_size)
+        rows++;  // its last row stays one of its own, and gets an end row behind it
+    return rows <= MAX_ROWS;
+}
+
 int write_merged(const Splice& splice, Replacement* output) {
     return replacement_copy(output, splice.active, 0, splice.position) &&
            (!splice.line_end_needed || replacement_write(output, "\r\n", 2)) &&
@@ -107,6 +134,15 @@ int splice_file(Splice* splice) {
         set_last_file_error(FileError::TOO_LARGE);
         return tell_merge_failure(child[0].merge_path);
     }
+    const int fit = rows_fit(*splice);
+    if (fit < 0)
+        return tell_merge_failure(child[0].merge_path);
+    if (fit == 0) {
+        char limit[24];
+        format_text(limit, sizeof limit, "%d", MAX_ROWS);
+        show_store_box(StoreBox::MERGE_TOO_MANY_ROWS, child[0].merge_path, limit);
+        return 0;
+    }
     char backup[PATH_SIZE];
     if (!make_backup(*splice, backup)) {
         show_store_box(StoreBox::NO_MERGE_BACKUP, child[0].file_path, file_error_text(last_file_error()));
@@ -118,6 +154,7 @@ int splice_file(Splice* splice) {
         return 1;
     }
     abandon_replacement(&output);
+    const FileError reason = last_file_error();
     delete_file(backup);
     set_last_file_error(reason);
     return tell_merge_failure(child[0].merge_path);
@@ -154,7 +191,6 @@ int move_back(const char* backup, const char* target) {
 }
 
 }  // namespace
-    const FileError reason = last_file_error();
 
 bool merge_counts() {
     return merge_backup.merge_backup_active && same_path(child[0].file_path, merge_backup.merge_restore_path);

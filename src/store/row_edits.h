@@ -12,7 +12,7 @@
 namespace hexlane {
 
 // Puts `count` blank rows into the table in front of `row`; behind the last row if that row is empty or `row`
-// lies behind it.
+// lies behind it. Refused, and told, when the document would have more than MAX_ROWS rows.
 int insert_blank_rows(int32_t row, int32_t count);
 
 // Breaks a row in two; sets `modified`. At column 0 a blank row comes in front; at or past the text's end a

@@ -38,6 +38,7 @@ struct Walk {
     // The row written last stood at the end of the active file and has no line end there. It gets one as soon
     // as a row stands behind it that has text or is not the last; an empty last row brings its own.
     bool line_end_owed;
+    int32_t row_ends;  // in what has been written
 };
 
 int flush_buffer(Walk* walk) {
@@ -60,6 +61,7 @@ int put_bytes(Walk* walk, const char* bytes, int32_t size) {
 }
 
 int put_line_end(Walk* walk) {
+    walk->row_ends++;
     return put_bytes(walk, "\r\n", 2);
 }
 
@@ -102,12 +104,14 @@ int walk_file_row(Walk* walk, int32_t row, const RowRecord& record) {
         return 0;
     if (next.origin == ORIGIN_FILE && row + 1 != unsaved_row.row) {
         walk->run_length += static_cast<int64_t>(next.position) - record.position;
+        walk->row_ends++;
     } else {
         RowSpan span;
         if (!row_span(record, &span))
             return 0;
         walk->run_length += span.next - record.position;
         walk->line_end_owed = span.had_line_end < 0;
+        walk->row_ends += span.had_line_end < 0 ? 0 : 1;
         return flush_run(walk);
     }
     return walk->run_length < RUN_FLUSH_LENGTH || flush_run(walk);
@@ -158,9 +162,20 @@ int walk_rows(Walk* walk) {
     return flush_run(walk) && flush_buffer(walk);
 }
 
-int write_rows(Replacement* output, bool show_progress) {
-    Walk walk = {output, show_progress, 0, 0, 0, false};
-    return walk_rows(&walk);
+// `row_ends` takes how many row ends were written; the file has one row more, the empty one behind the last.
+int write_rows(Replacement* output, bool show_progress, int32_t* row_ends) {
+    Walk walk = {output, show_progress, 0, 0, 0, false, 0};
+    const int done = walk_rows(&walk);
+    *row_ends = walk.row_ends;
+    return done;
+}
+
+// Whether a load would take so many bytes.
+bool size_fits(const Replacement& output) {
+    if (output.length <= MAX_FILE_SIZE)
+        return true;
+    set_last_file_error(FileError::TOO_LARGE);
+    return false;
 }
 
 // Before each walk: the pending row goes into the table. A row that cannot be stored does not stop a save,
@@ -171,19 +186,19 @@ void settle_rows() {
 }
 
 // Writes the document complete beside `path` and puts it in place. A file that is there already must be one
-// that may be written; it gives mode and owner, otherwise `like` does.
+// that may be written; it gives mode and owner, otherwise `like` does. Gives 1; 0 on failure; -1 when a load
+// would not take so many rows.
 int write_document(const char* path, FileHandle like, bool show_progress) {
     FileHandle old = file_open(path, FileAccess::READ_WRITE);
     if (old == NO_FILE && last_file_error() != FileError::NOT_FOUND)
         return 0;
     Replacement output;
-    int done = begin_replacement(&output, path);
-    if (done) {
-        done = write_rows(&output, show_progress) && finish_replacement(&output, old == NO_FILE ? like : old);
-        const FileError reason = last_file_error();
-        abandon_replacement(&output);
-        set_last_file_error(reason);
-    }
+    int32_t row_ends = 0;
+    int done = begin_replacement(&output, path) && write_rows(&output, show_progress, &row_ends) &&
+               size_fits(output);
+    if (done)
+        done = row_ends < MAX_ROWS ? finish_replacement(&output, old == NO_FILE ? like : old) : -1;
+    abandon_replacement(&output);
     const FileError reason = last_file_error();
     if (old != NO_FILE)
         file_close(old);
@@ -191,18 +206,25 @@ int write_document(const char* path, FileHandle like, bool show_progress) {
     return done;
 }
 
-int tell_save_failure(const char* path) {
+// `done` is what write_document gave.
+int tell_save_failure(const char* path, int done) {
     const FileError reason = last_file_error();
     show_status(STATUS_BLANK);
-    show_store_box(StoreBox::NOT_SAVED, path, file_error_text(reason));
+    char limit[24];
+    format_text(limit, sizeof limit, "%d", MAX_ROWS);
+    if (done < 0)
+        show_store_box(StoreBox::SAVE_TOO_MANY_ROWS, path, limit);
+    else
+        show_store_box(StoreBox::NOT_SAVED, path, file_error_text(reason));
     return 0;
 }
 
 int save_in_place() {
     show_status(STATUS_SAVING);
     settle_rows();
-    if (!write_document(child[0].file_path, stream_file(child[0].file_stream), true))
-        return tell_save_failure(child[0].file_path);
+    const int done = write_document(child[0].file_path, stream_file(child[0].file_stream), true);
+    if (done <= 0)
+        return tell_save_failure(child[0].file_path, done);
     child[0].modified = 0;
     return 1;
 }
@@ -222,27 +244,26 @@ int save_file_keeping_merge() {
 
 int save_file_as(const char* path) {
     settle_rows();
-    if (!write_document(path, NO_FILE, false))
-        return tell_save_failure(path);
+    const int done = write_document(path, NO_FILE, false);
+    if (done <= 0)
+        return tell_save_failure(path, done);
     child[0].modified = 0;
     return 1;
 }
 
 int write_compare_snapshot() {
     settle_rows();
-    char prefix[sizeof directories.temp_prefix + 2];
-    format_text(prefix, sizeof prefix, "%sDX", directories.temp_prefix);
     Replacement output = {NO_FILE, 0, "", ""};
-    output.file = create_unique_file(directories.temp_dir, prefix, output.output);
-    if (output.file != NO_FILE && write_rows(&output, true)) {
+    int32_t row_ends = 0;
+    output.file = create_work_file(directories.temp_dir, output.output);
+    if (output.file != NO_FILE && write_rows(&output, true, &row_ends)) {
         copy_text(child[0].compare_path, PATH_SIZE, output.output);
         if (file_close(output.file))
             return 1;
         output.file = NO_FILE;
     }
-    const FileError reason = last_file_error();
     abandon_replacement(&output);
-    show_store_box(StoreBox::SNAPSHOT_FAILED, file_error_text(reason));
+    show_store_box(StoreBox::SNAPSHOT_FAILED, file_error_text(last_file_error()));
     return 0;
 }
 

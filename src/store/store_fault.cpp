@@ -15,11 +15,12 @@ namespace hexlane {
 
 using namespace platform;
 
-StoreFault store_fault = {0, FileError::NONE, "", 0};
+StoreFault store_fault = {0, FileError::NONE, "", 0, 0};
 UnsavedRow unsaved_row = {-1, "", SHOWN_BY_FETCH};
 
 void raise_store_fault(const char* path) {
     store_fault.damaged = 1;
+    store_fault.table_full = 0;
     store_fault.error = last_file_error();
     copy_text(store_fault.path, sizeof store_fault.path, path);
     if (store_fault.told)
@@ -31,6 +32,13 @@ void raise_store_fault(const char* path) {
 int fail_edit(const char* path) {
     store_fault.told = 0;
     raise_store_fault(path);
+    return 0;
+}
+
+int fail_full_table() {
+    set_last_file_error(FileError::TOO_LARGE);
+    fail_edit(child[0].file_path);
+    store_fault.table_full = 1;
     return 0;
 }
 
@@ -47,6 +55,7 @@ void clear_store_fault() {
     store_fault.damaged = 0;
     store_fault.error = FileError::NONE;
     store_fault.told = 0;
+    store_fault.table_full = 0;
     unsaved_row.row = -1;
     unsaved_row.shown = SHOWN_BY_FETCH;
 }
@@ -70,6 +79,12 @@ int edits_allowed() {
 void show_store_fault() {
     if (!store_fault.damaged)
         return;  // made good before the message came
+    if (store_fault.table_full) {
+        char limit[24];
+        format_text(limit, sizeof limit, "%d", MAX_ROWS);
+        show_store_box(StoreBox::TABLE_FULL, limit);
+        return;
+    }
     const char* reason = file_error_text(store_fault.error);
     show_store_box(unsaved_row.row >= 0 ? StoreBox::ROW_NOT_STORED : StoreBox::STORE_FAILED, store_fault.path,
                    reason);

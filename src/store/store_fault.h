@@ -17,6 +17,7 @@ struct StoreFault {
     platform::FileError error;       // why
     char path[platform::PATH_SIZE];  // the file concerned
     int16_t told;                    // the user has seen the message
+    int16_t table_full;              // it was no file: the document has as many rows as the editor can hold
 };
 extern StoreFault store_fault;
 
@@ -33,6 +34,9 @@ void raise_store_fault(const char* path);
 // raise_store_fault for an edit that could not be carried out: the user is told even if a fault has been told
 // before. Gives 0.
 int fail_edit(const char* path);
+
+// fail_edit for rows that the document has no place for.
+int fail_full_table();
 
 // Keeps row_text as the text of a row that could not be committed; it stands for the first `shown` bytes of
 // what is stored.

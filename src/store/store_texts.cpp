@@ -41,6 +41,14 @@ constexpr BoxText STORE_BOXES[] = {
      "Disk Error", BoxIcon::STOP, BUTTONS_OK},
     {"%s could not be read or written: %s.\n\nThe last step was not carried out.", "Disk Error",
      BoxIcon::STOP, BUTTONS_OK},
+    {"The document has as many rows as the editor can hold (%s).\n\nNo row was put in.", "EditFile",
+     BoxIcon::STOP, BUTTONS_OK},
+    {"%s was not saved: it would have more rows than the editor can hold (%s).\n\nThe file on disk is as it "
+     "was before, and your changes are still in the editor. Delete some rows and save again.",
+     "Save Error", BoxIcon::STOP, BUTTONS_OK},
+    {"%s was not merged: the active file would have more rows than the editor can hold (%s).\n\nThe active "
+     "file is as it was before.",
+     "Merge Error", BoxIcon::STOP, BUTTONS_OK},
 };
 
 }  // namespace

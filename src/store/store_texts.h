@@ -8,17 +8,20 @@ enum class StoreBox {
     ASK_NULLS,   // file
     NOT_OPENED,  // file
     // Our own.
-    NOT_INDEXED,         // file, reason
-    TOO_MANY_ROWS,       // file, limit
-    TOO_LARGE,           // file, limit
-    NULLS_NOT_STRIPPED,  // file, reason
-    NOT_SAVED,           // file, reason
-    SNAPSHOT_FAILED,     // reason
-    NOT_MERGED,          // file, reason
-    NO_MERGE_BACKUP,     // file, reason
-    MERGE_NOT_UNDONE,    // file, backup
-    ROW_NOT_STORED,      // file, reason
-    STORE_FAILED,        // file, reason
+    NOT_INDEXED,          // file, reason
+    TOO_MANY_ROWS,        // file, limit
+    TOO_LARGE,            // file, limit
+    NULLS_NOT_STRIPPED,   // file, reason
+    NOT_SAVED,            // file, reason
+    SNAPSHOT_FAILED,      // reason
+    NOT_MERGED,           // file, reason
+    NO_MERGE_BACKUP,      // file, reason
+    MERGE_NOT_UNDONE,     // file, backup
+    ROW_NOT_STORED,       // file, reason
+    STORE_FAILED,         // file, reason
+    TABLE_FULL,           // limit
+    SAVE_TOO_MANY_ROWS,   // file, limit
+    MERGE_TOO_MANY_ROWS,  // file, limit
 };
 
 // Shows a box and gives the index of the button pressed.
