@@ -82,7 +82,10 @@ int store_changed_row(int32_t row) {
 // where the block began, if that is on the screen.
 int delete_block_rows() {
     const Block rows = block;
+    const int32_t last_before = child[0].last_file_row;
     const int deleted = delete_rows(rows.start.row, row_count(rows));
+    if (deleted || child[0].last_file_row != last_before)
+        child[0].modified = 1;
     child[0].caret_col = rows.start.col;
     child[0].caret_row = rows.start.screen_row;
     child[0].current_row = rows.start.row;
@@ -92,7 +95,6 @@ int delete_block_rows() {
     block_clear();
     place_caret_now();
     paint_view();
-    child[0].modified = 1;
     update_scrollbar(child[0].main_window);
     update_menus(child[0].main_window);
     return deleted;
