@@ -68,6 +68,8 @@ int load_again() {
     child[0].modified = loaded && child[0].modified;
     clear_block_records();
     update_scroll_values();
+    if (!loaded)
+        show_document();  // the empty one, whatever the caller had on show
     return loaded;
 }
 
