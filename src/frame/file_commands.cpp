@@ -105,11 +105,13 @@ bool same_entry(const char* left, const char* right) {
 // The active file saved under another name, which becomes the active file. 1 when that was done.
 int save_under_other_name() {
     FileDialog dialog;
-    if (!guard_rows() || !ask_save_name(&dialog))
-        return 0;
-    const bool same = same_entry(dialog.path, child[0].file_path);
-    if (same && guard_save() != GuardAnswer::WRITE)
-        return 0;
+    bool same = false;
+    for (GuardAnswer answer = GuardAnswer::SAVE_AS; answer != GuardAnswer::WRITE;) {
+        if (answer == GuardAnswer::STOP || !guard_rows() || !ask_save_name(&dialog))
+            return 0;
+        same = same_entry(dialog.path, child[0].file_path);
+        answer = same ? guard_save() : GuardAnswer::WRITE;
+    }
     const PointerShape pointer = begin_wait();
     const int saved = same ? save_file() : save_file_as(dialog.path);
     end_wait(pointer);
