@@ -311,6 +311,9 @@ TEST_F(FaultTest, AFailedEditLeavesTheTableAsItWas) {
         {"split", [] { return split_row(2, 3); }},
         {"join", [] { return fetch_row(2) && join_rows(2); }},
         {"delete", [] { return delete_rows(3, 2); }},
+        {"delete across segments", [] { return delete_rows(2, child[0].last_file_row - 2); }},
+        {"delete from a segment's start", [] { return delete_rows(5, 3); }},
+        {"delete all", [] { return delete_rows(0, child[0].last_file_row + 1); }},
     };
     for (const Edit& edit : edits) {
         for (int n = 1;; n++) {
@@ -338,15 +341,6 @@ TEST_F(FaultTest, AFailedEditLeavesTheTableAsItWas) {
                 found.erase(found.begin() + 3);
             }
             EXPECT_EQ(found, before);
-        }
-    }
-}
-
-}  // namespace
-        {"delete across segments", [] { return delete_rows(2, child[0].last_file_row - 2); }},
-        {"delete from a segment's start", [] { return delete_rows(5, 3); }},
-        {"delete all", [] { return delete_rows(0, child[0].last_file_row + 1); }},
-}  // namespace hexlane
             // What is on show is what a save writes.
             std::vector<std::string> shown_rows = rows();
             if (origins().back() == ORIGIN_FILE)
@@ -359,3 +353,9 @@ TEST_F(FaultTest, AFailedEditLeavesTheTableAsItWas) {
             ASSERT_TRUE(save_file());
             EXPECT_EQ(bytes(), shown);
             change_document_again();
+        }
+    }
+}
+
+}  // namespace
+}  // namespace hexlane
