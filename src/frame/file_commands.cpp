@@ -102,12 +102,22 @@ bool same_entry(const char* left, const char* right) {
            equal_ignoring_case(left_target, right_target);
 }
 
+// A name for Save As that is no file of a port.
+int ask_free_name(FileDialog* dialog) {
+    while (ask_save_name(dialog)) {
+        if (!is_active_file(dialog->path))
+            return 1;
+        show_frame_box(FrameBox::SAVE_ACTIVE_FILE);
+    }
+    return 0;
+}
+
 // The active file saved under another name, which becomes the active file. 1 when that was done.
 int save_under_other_name() {
     FileDialog dialog;
     bool same = false;
     for (GuardAnswer answer = GuardAnswer::SAVE_AS; answer != GuardAnswer::WRITE;) {
-        if (answer == GuardAnswer::STOP || !guard_rows() || !ask_save_name(&dialog))
+        if (answer == GuardAnswer::STOP || !guard_rows() || !ask_free_name(&dialog))
             return 0;
         same = same_entry(dialog.path, child[0].file_path);
         answer = same ? guard_save() : GuardAnswer::WRITE;

@@ -19,6 +19,7 @@ enum class FrameBox {
     IN_PLACE_UNMODIFIED,  // file; Reload, Cancel
     NOT_OPENED,           // file
     NO_HOME,              // folder
+    SAVE_ACTIVE_FILE,
 };
 
 // Shows a box and gives the index of the button pressed.
