@@ -74,14 +74,15 @@ void release_ports() {
         port_close(slot);
 }
 
-// Yes at the question: 1 when the document is safe on the disk.
+// Yes at the question: 1 when the document is safe on the disk and nothing holds the program back. A receive
+// may have begun behind the questions that a save asks.
 int save_at_end() {
     const GuardAnswer answer = guard_save();
     if (answer == GuardAnswer::SAVE_AS) {
         command_save_as();
-        return !child[0].modified;
+        return !child[0].modified && !is_held_back();
     }
-    if (answer == GuardAnswer::STOP)
+    if (answer == GuardAnswer::STOP || is_held_back())
         return 0;
     const PointerShape pointer = begin_wait();
     const int saved = save_file();
