@@ -65,6 +65,8 @@ FileHandle open_log(int64_t* length) {
         !format_text(old, sizeof old, "%s/transfers.old", directories.launch_dir))
         return NO_FILE;
     FileHandle file = file_open(path, FileAccess::READ_WRITE);
+    if (file == NO_FILE && last_file_error() != FileError::NOT_FOUND)
+        return NO_FILE;
     if (file != NO_FILE && file_size(file) >= LOG_LIMIT) {
         file_close(file);
         file = NO_FILE;

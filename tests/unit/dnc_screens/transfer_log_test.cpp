@@ -62,6 +62,8 @@ TEST_F(TransferLog, ALogThatCannotBeWrittenIsToldOnce) {
         end_log_entry(0);
     }
     EXPECT_EQ(unused_answers(), 0);
+    EXPECT_NE(shown_boxes().back().text.find("it is not an ordinary file"), std::string::npos)
+        << shown_boxes().back().text;
 }
 
 // The machine stops the line with XOFF; looks come every half second.
