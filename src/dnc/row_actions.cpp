@@ -152,13 +152,16 @@ void drop_transfer(int slot) {
     reset_transfer(slot);
 }
 
-// A receive that has not begun is given up: its file is closed.
+// A receive that has not begun is given up: its file is closed, and its receipt written.
 void leave_receive_standby(int slot) {
-    const LockGuard guard(port_slot[slot].step_lock);
-    if (transfer_state[slot].status != RECEIVE_STANDBY)
-        return;
-    transfer_state[slot].status = PORT_IDLE;
-    close_received_file(slot);
+    {
+        const LockGuard guard(port_slot[slot].step_lock);
+        if (transfer_state[slot].status != RECEIVE_STANDBY)
+            return;
+        transfer_state[slot].status = PORT_IDLE;
+        close_received_file(slot);
+    }
+    end_log_entry(slot);
 }
 
 // Opens the slot's port as a test and closes it again. 0 after a message.
