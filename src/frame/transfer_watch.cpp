@@ -34,7 +34,7 @@ void watch_transfers() {
     }
     if (any_slot(SENDING, RECEIVING)) {
         show_activity_icon(true);
-    } else if (!any_slot(SEND_STANDBY, RECEIVE_STANDBY)) {
+    } else if (!slot_is_busy(0) && !slot_is_busy(1)) {
         stop_ui_timer();
         show_activity_icon(false);
         update_menus(child[0].main_window);  // Send This works again
