@@ -14,7 +14,7 @@ struct StartPoint {
     platform::ViewHandle view;
     int32_t cursor_row;   // row of the file
     int32_t cursor_line;  // line of the screen
-    int32_t page_top;     // top row that the last Page Up or Page Down left, -1 before
+    int32_t page_top;     // top row that a Page Up or Page Down has just left, -1 behind another move
     bool block_marked;
     int32_t block_start_row;  // -1 unset
     int32_t block_end_row;    // -1 unset

@@ -120,25 +120,29 @@ void draw_all() {
     set_bar();
 }
 
-void show_top(int32_t top, int32_t line) {
-    start_point.cursor_line = std::clamp(line, 0, std::min(SCREEN_LINES, row_count() - top));
-    start_point.cursor_row = top + start_point.cursor_line;
+// Every move of the cursor.
+void put_cursor(int32_t row, int32_t line) {
+    start_point.cursor_row = row;
+    start_point.cursor_line = line;
+    start_point.page_top = -1;
     draw_all();
+}
+
+void show_top(int32_t top, int32_t line) {
+    const int32_t shown = std::clamp(line, 0, std::min(SCREEN_LINES, row_count() - top));
+    put_cursor(top + shown, shown);
 }
 
 void move_line(int32_t step) {
     const int32_t row = std::clamp(start_point.cursor_row + step, 0, row_count());
     const int32_t line = start_point.cursor_line + row - start_point.cursor_row;
-    start_point.cursor_row = row;
-    start_point.cursor_line = std::clamp(line, 0, SCREEN_LINES);
-    draw_all();
+    put_cursor(row, std::clamp(line, 0, SCREEN_LINES));
 }
 
 void page_up() {
     const int32_t top = std::max(top_row_shown() - SCREEN_LINES - 1, 0);
-    const int32_t line = top == start_point.page_top ? 0 : start_point.cursor_line;
+    show_top(top, top == start_point.page_top ? 0 : start_point.cursor_line);
     start_point.page_top = top;
-    show_top(top, line);
 }
 
 void page_down() {
@@ -146,8 +150,8 @@ void page_down() {
         return;
     const int32_t last_top = std::max(row_count() - SCREEN_LINES + 1, top_row_shown());
     const int32_t top = std::min(top_row_shown() + SCREEN_LINES + 1, last_top);
-    start_point.page_top = top;
     show_top(top, start_point.cursor_line);
+    start_point.page_top = top;
 }
 
 void to_start() {
@@ -422,9 +426,7 @@ int64_t start_proc(WindowHandle view, uint32_t message, int64_t first, int64_t s
 void go_to_row(int32_t row) {
     const int32_t top = top_row_shown();
     if (row >= top && row <= top + SCREEN_LINES) {
-        start_point.cursor_row = row;
-        start_point.cursor_line = row - top;
-        draw_all();
+        put_cursor(row, row - top);
         return;
     }
     const int32_t line = std::min(row, 3);
