@@ -42,7 +42,8 @@ constexpr Field COMPRESSIONS[] = {Field::COMPRESS_COMMENTS, Field::COMPRESS_SPAC
                                   Field::COMPRESS_CHARACTER_ON};
 
 constexpr int HIGHEST_DELAY = 9999;   // ms
-constexpr int HIGHEST_TIMEOUT = 100;  // s, of the arrows
+constexpr int HIGHEST_TIMEOUT = 100;  // s, at which the arrows turn round; above it they go on by 1
+constexpr int LONGEST_TIMEOUT = 999;  // s, that the field holds
 constexpr int HIGHEST_BYTE = 127;     // of a start or end string; more comes from a damaged file
 constexpr int NO_CHARACTER = -1;
 constexpr const char* RULE_TITLE = "Advanced Settings";
@@ -194,9 +195,9 @@ void step_timeout(ViewHandle view, int step) {
     if (seconds == 0)
         seconds = 1;  // the down arrow leaves it there
     else if (step < 0)
-        seconds = seconds <= 1 || seconds > HIGHEST_TIMEOUT ? HIGHEST_TIMEOUT : seconds - 1;
+        seconds = seconds <= 1 ? HIGHEST_TIMEOUT : seconds - 1;
     if (step > 0)
-        seconds = seconds >= HIGHEST_TIMEOUT ? 1 : seconds + 1;
+        seconds = seconds == HIGHEST_TIMEOUT || seconds >= LONGEST_TIMEOUT ? 1 : seconds + 1;
     put_number(view, TIMEOUT_FIELD, seconds, NO_CHARACTER);
     store_setting(Field::RECEIVE_TIMEOUT_S, seconds);
 }
