@@ -7,6 +7,8 @@
 
 namespace hexlane {
 
+using namespace platform;
+
 namespace {
 
 constexpr int HEAD_BYTES = 8;

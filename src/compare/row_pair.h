@@ -2,7 +2,7 @@
 // engine. Main thread only.
 #pragma once
 
-#include "compare/byte_window.h"
+#include "platform/byte_window.h"
 
 #include <cstdint>
 
@@ -16,21 +16,21 @@ struct FileRow {
 };
 
 // The row that begins at `start`. Bytes from `keep` on (at most `start`) will be looked at again.
-FileRow row_from(ByteWindow* window, int64_t start, int64_t keep, bool ignore_spaces);
+FileRow row_from(platform::ByteWindow* window, int64_t start, int64_t keep, bool ignore_spaces);
 
 // Whether two rows are equal by all their bytes; with `ignore_spaces` blanks and tabs do not count anywhere.
 // A row that is not there equals none.
-bool rows_equal(ByteWindow* left_window, const FileRow& left, ByteWindow* right_window, const FileRow& right,
-                bool ignore_spaces);
+bool rows_equal(platform::ByteWindow* left_window, const FileRow& left, platform::ByteWindow* right_window,
+                const FileRow& right, bool ignore_spaces);
 
 // Whether a row is CR LF and nothing else that counts.
-bool row_is_blank(ByteWindow* window, const FileRow& row, bool ignore_spaces);
+bool row_is_blank(platform::ByteWindow* window, const FileRow& row, bool ignore_spaces);
 
 // How many rows stand in front of the first byte in which the two files differ, from a row start on in each:
 // rows that are there whole in both windows and are not the last of a side. `ends` takes each row's end, in
 // bytes behind the start, at most SAME_STRETCH of them.
 constexpr int32_t SAME_STRETCH = 4096;  // bytes looked at
-int32_t equal_rows_ahead(ByteWindow* left_window, int64_t left, ByteWindow* right_window, int64_t right,
-                         int32_t ends[SAME_STRETCH]);
+int32_t equal_rows_ahead(platform::ByteWindow* left_window, int64_t left, platform::ByteWindow* right_window,
+                         int64_t right, int32_t ends[SAME_STRETCH]);
 
 }  // namespace hexlane

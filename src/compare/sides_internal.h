@@ -1,11 +1,11 @@
 // sides_internal.h: the windows that the engine and the screens read the two files through.
 #pragma once
 
-#include "compare/byte_window.h"
+#include "platform/byte_window.h"
 
 namespace hexlane {
 
-extern ByteWindow left_window;
-extern ByteWindow right_window;
+extern platform::ByteWindow left_window;
+extern platform::ByteWindow right_window;
 
 }  // namespace hexlane

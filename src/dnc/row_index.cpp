@@ -1,6 +1,7 @@
 #include "dnc/row_index.h"
 
 #include "frame/directories.h"
+#include "platform/byte_window.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -25,6 +26,23 @@ char index_path[PATH_SIZE];
 uint8_t waiting[WAITING_MAX * OFFSET_SIZE];
 int waiting_count = 0;
 int64_t index_length = 0;
+
+ByteWindow row_window;    // on viewed_file
+ByteWindow index_window;  // on index_file
+
+// Windows begin at multiples of this, so that a walk in either direction seldom moves them.
+constexpr int64_t WINDOW_STEP = WINDOW_BYTES / 2;
+
+// Where `wanted` bytes from `offset` stand in memory; `held` takes how many of them the file has.
+const char* bytes_at(ByteWindow* window, int64_t offset, int32_t wanted, int32_t* held) {
+    const int64_t end = std::min(offset + wanted, window->size);
+    const int64_t start = offset - offset % WINDOW_STEP;
+    if (offset < end && (offset < window->start || end > window->start + window->count))
+        move_window(window, start, start);
+    const char* bytes = window_at(window, offset, offset, held);
+    *held = std::min(*held, wanted);
+    return bytes;
+}
 
 bool is_row_end(char byte) {
     return byte == '\n' || byte == '\0';
@@ -92,7 +110,9 @@ int open_row_index(const char* path) {
     if (viewed_file == NO_FILE)
         return 0;
     offsets[0] = 0;
-    return scan();
+    const int scanned = scan();
+    look_at_file_again();
+    return scanned;
 }
 
 void close_row_index() {
@@ -107,6 +127,7 @@ void close_row_index() {
     count = 0;
     waiting_count = 0;
     index_length = 0;
+    look_at_file_again();
 }
 
 int32_t row_count() {
@@ -118,28 +139,33 @@ int64_t row_offset(int32_t row) {
         return -1;
     if (row < ROW_TABLE_SIZE)
         return offsets[row];
-    uint8_t bytes[OFFSET_SIZE];
     const int64_t place = static_cast<int64_t>(row - ROW_TABLE_SIZE) * OFFSET_SIZE;
-    if (file_read_at(index_file, place, bytes, sizeof bytes) != OFFSET_SIZE)
+    int32_t length = 0;
+    const char* bytes = bytes_at(&index_window, place, OFFSET_SIZE, &length);
+    if (length < OFFSET_SIZE || index_window.failed)
         return -1;
     uint32_t offset = 0;
     for (int i = 0; i < OFFSET_SIZE; i++)
-        offset |= static_cast<uint32_t>(bytes[i]) << (8 * i);
+        offset |= static_cast<uint32_t>(static_cast<uint8_t>(bytes[i])) << (8 * i);
     return offset;
 }
 
+void look_at_file_again() {
+    open_window(&row_window, viewed_file, viewed_file == NO_FILE ? 0 : file_size(viewed_file));
+    open_window(&index_window, index_file, index_length);
+}
+
+// What cannot be read is a row that is gone.
 void read_row_text(int32_t row, char* text) {
     std::memset(text, 0, ROW_TEXT_LIMIT + 1);
     const int64_t offset = row_offset(row);
     if (offset < 0 || row >= count)
         return;
-    const int64_t length = file_read_at(viewed_file, offset, text, ROW_TEXT_LIMIT);
-    if (length < 0) {
-        text[0] = '\0';
-        return;
-    }
-    char* end = std::find_if(text, text + length, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
-    std::fill(end, text + ROW_TEXT_LIMIT + 1, '\0');
+    int32_t length = 0;
+    const char* bytes = bytes_at(&row_window, offset, ROW_TEXT_LIMIT, &length);
+    const char* end =
+        std::find_if(bytes, bytes + length, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+    std::copy(bytes, end, text);
 }
 
 int64_t row_end(int32_t row) {

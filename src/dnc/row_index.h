@@ -29,7 +29,11 @@ int32_t row_count();
 int64_t row_offset(int32_t row);
 
 // The first bytes of a row, up to its line end, into text[ROW_TEXT_LIMIT + 1]; empty for a row that is gone.
+// Both this and row_offset read many rows at once.
 void read_row_text(int32_t row, char* text);
+
+// Drops what has been read, so that the next read sees the file as it is now. For each drawing and search.
+void look_at_file_again();
 
 // The place behind the end of row `row`, the end of the file as it is now for the last; -1 when it cannot be
 // told.

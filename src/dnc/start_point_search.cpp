@@ -173,6 +173,7 @@ int32_t find_by_text(ViewHandle view) {
 int32_t search(ViewHandle view) {
     search_kind = kind_picked(view);
     const PointerShape pointer = begin_wait();
+    look_at_file_again();
     const int32_t found = search_kind == ROW_KIND    ? find_by_row(view)
                           : search_kind == LINE_KIND ? find_by_line(view)
                                                      : find_by_text(view);

@@ -115,6 +115,7 @@ void set_bar() {
 }
 
 void draw_all() {
+    look_at_file_again();
     for (int32_t line = 0; line <= SCREEN_LINES; line++)
         draw_line(line);
     set_bar();
@@ -217,6 +218,7 @@ void act_on_bar(int request, int position) {
 // ---- Marks -------------------------------------------------------------------------------------------
 
 void show_labels() {
+    look_at_file_again();
     const std::pair<int16_t, int32_t> labels[] = {{START_LABEL, start_point.block_start_row},
                                                   {END_LABEL, start_point.block_end_row}};
     for (const auto& [id, row] : labels) {

@@ -1,13 +1,18 @@
 // The row index of the start point screen: where rows begin, beyond the table in memory too, and what becomes
 // of a file that changes while it is looked at.
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "dnc/row_index.h"
+#include "platform/posix/file_faults.h"
 #include "support/program_test.h"
 
 namespace hexlane {
 namespace {
+
+using namespace platform;
 
 class RowIndex : public ProgramTest {
 protected:
@@ -77,12 +82,35 @@ TEST_F(RowIndex, AChangedFileIsNotTakenForTheOneOnShow) {
     const std::string name = path("part.nc");
     EXPECT_TRUE(row_is_there(name.c_str(), 8));
     EXPECT_TRUE(row_is_there(name.c_str(), 12)) << "behind the last line end";
+    EXPECT_EQ(text(2), "N3");
     write("part.nc", "N1\r\nN2\r\n");
     EXPECT_TRUE(row_is_there(name.c_str(), 8));
     EXPECT_FALSE(row_is_there(name.c_str(), 12));
+    EXPECT_EQ(text(2), "N3") << "until the next look at the file";
+    look_at_file_again();
     EXPECT_EQ(text(2), "") << "a row that is gone shows blank";
     write("part.nc", "N1\r\nN200000\r\nN3\r\n");
     EXPECT_FALSE(row_is_there(name.c_str(), 8)) << "in the middle of a row";
+}
+
+// Rows of many lengths, so that some lie across the borders of what is read at once.
+TEST_F(RowIndex, AWalkReadsManyRowsAtOnceInBothDirections) {
+    std::string bytes;
+    std::vector<std::string> wanted;
+    for (int row = 0; row < ROW_TABLE_SIZE + 3000; row++) {
+        wanted.push_back("N" + std::to_string(row) + std::string(static_cast<std::size_t>(row % 79), 'X'));
+        bytes += wanted.back() + "\r\n";
+        wanted.back().resize(std::min<std::size_t>(wanted.back().size(), ROW_TEXT_LIMIT));
+    }
+    ASSERT_TRUE(open(bytes));
+    reset_file_faults();
+    record_file_calls();
+    for (int row = 0; row < row_count(); row++)
+        ASSERT_EQ(text(row), wanted[static_cast<std::size_t>(row)]) << row;
+    for (int row = row_count() - 1; row >= 0; row--)
+        ASSERT_EQ(text(row), wanted[static_cast<std::size_t>(row)]) << row;
+    EXPECT_LT(file_call_count(FileCall::READ), 300) << bytes.size();
+    reset_file_faults();
 }
 
 TEST_F(RowIndex, WithoutAFileThereAreNoRows) {

@@ -1,11 +1,9 @@
-#include "compare/byte_window.h"
+#include "platform/byte_window.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace hexlane {
-
-using namespace platform;
+namespace hexlane::platform {
 
 void open_window(ByteWindow* window, FileHandle file, int64_t size) {
     window->file = file;
@@ -34,4 +32,4 @@ void move_window(ByteWindow* window, int64_t offset, int64_t keep) {
     window->count = held + wanted;
 }
 
-}  // namespace hexlane
+}  // namespace hexlane::platform

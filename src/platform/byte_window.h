@@ -1,17 +1,17 @@
 // byte_window.h: a file's bytes through one window in memory, for walks that go forward and look back a
-// little. Main thread only.
+// little. One shared implementation, over files.h: common/byte_window.cpp. Main thread only.
 #pragma once
 
 #include "platform/files.h"
 
 #include <cstdint>
 
-namespace hexlane {
+namespace hexlane::platform {
 
 constexpr int32_t WINDOW_BYTES = 1 << 17;
 
 struct ByteWindow {
-    platform::FileHandle file;
+    FileHandle file;
     int64_t size;   // bytes of the file that count; none is read behind them
     int64_t start;  // bytes[0, count) are the file's from here on
     int32_t count;
@@ -19,7 +19,7 @@ struct ByteWindow {
     char bytes[WINDOW_BYTES];
 };
 
-void open_window(ByteWindow* window, platform::FileHandle file, int64_t size);
+void open_window(ByteWindow* window, FileHandle file, int64_t size);
 
 // Moves the window so that it holds the byte at `offset`, which is below `size`. Bytes from `keep` (at most
 // `offset`) on stay in it if they are there and leave room.
@@ -39,4 +39,4 @@ inline const char* window_at(ByteWindow* window, int64_t offset, int64_t keep, i
     return window->bytes + at;
 }
 
-}  // namespace hexlane
+}  // namespace hexlane::platform
