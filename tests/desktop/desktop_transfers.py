@@ -158,6 +158,32 @@ def look_at_parameters(shop):
     shop.open(TITLE, "Escape")
 
 
+def machine_names(shop):
+    """The names of the first two machines, and which machine is the current one, as the file has them."""
+    data = read(os.path.join(shop.home, "ZOLT", "INIT", "COMMPARM.INI"))
+    names = [data[start:start + 36].split(b"\0")[0].decode() for start in (0, 1108)]
+    return names, data[102]
+
+
+def rename_to_a_name_that_is_taken(shop):
+    """A typed name names the machine on show, and picks no other one that is called so."""
+    display = shop.display
+    for name, *leave in (("LATHE", "Return"), ("LATHE", "Tab", "alt+s")):
+        shop.open(PARAMETERS, "alt+d", "p")
+        shop.press("alt+m", "ctrl+a")
+        display.type(name)
+        shop.press(*leave)
+        display.wait_active(TITLE)
+        check("the name went to the machine on show", machine_names(shop) == (["LATHE", "LATHE"], 0))
+    shop.open(PARAMETERS, "alt+d", "p")
+    shop.press("alt+m", "ctrl+a")
+    display.type("LATHE")
+    shop.press("Tab", "alt+m", "ctrl+a")
+    display.type("MILL")
+    shop.open(TITLE, "alt+s")
+    check("so did the one behind it", machine_names(shop) == (["MILL", "LATHE"], 0))
+
+
 def choose_a_block(shop):
     """The start point screen, by keyboard and mouse; the send then begins behind the marked rows."""
     display = shop.display
@@ -328,8 +354,8 @@ def end_quietly(shop):
     check("temporary files are gone", os.listdir(os.path.join(shop.home, "ZOLT", "ZOLTTMP")) == [])
 
 
-STEPS = (look_at_parameters, send_from_the_block, receive_on_the_other_port, edit_meanwhile, hold_the_end,
-         see_the_ends, talk_to_the_machine, end_quietly)
+STEPS = (look_at_parameters, rename_to_a_name_that_is_taken, send_from_the_block, receive_on_the_other_port,
+         edit_meanwhile, hold_the_end, see_the_ends, talk_to_the_machine, end_quietly)
 
 
 def main():

@@ -243,6 +243,10 @@ QWidget* make_drop_down(View* view, int index) {
         choice->setEditable(true);
         choice->setInsertPolicy(QComboBox::NoInsert);
         choice->setCompleter(nullptr);
+        // Qt would pick the row whose text is typed as soon as the field is left: a name that is another
+        // row's too is still a name for this one.
+        QObject::disconnect(choice->lineEdit(), &QLineEdit::editingFinished, choice, nullptr);
+        QObject::disconnect(choice->lineEdit(), &QLineEdit::returnPressed, choice, nullptr);
         if (spec.rule != nullptr && spec.rule->limit > 0) {
             choice->lineEdit()->setMaxLength(spec.rule->limit);
         }
