@@ -2,6 +2,7 @@
 
 #include "cli/cli.h"
 
+#include "dnc/machine_fields.h"
 #include "dnc/machine_table.h"
 #include "frame/directories.h"
 #include "platform/files.h"
@@ -35,8 +36,8 @@ int find_machine(const std::string& text) {
         return static_cast<int>(number) - 1;
     int found = -1;
     for (int i = 0; i < MACHINE_COUNT; i++) {
-        char name[MACHINE_NAME_SIZE];
-        copy_text(name, sizeof name, machine_table[i].name);
+        char name[MACHINE_NAME_TEXT_SIZE];
+        machine_name(machine_table[i], name);
         if (!equal_ignoring_case(name, text.c_str()))
             continue;
         if (found >= 0)

@@ -125,14 +125,12 @@ std::string field_line(const MachineParams& machine, Field field) {
 }
 
 std::string set_name(MachineParams* machine, const std::string& value) {
-    if (value.empty() || value.size() >= MACHINE_NAME_SIZE)
-        return "has 1 to 35 characters";
     for (const char c : value) {
         if (static_cast<unsigned char>(c) < ' ')
             return "has no control characters";
     }
-    std::memset(machine->name, 0, sizeof machine->name);
-    std::memcpy(machine->name, value.data(), value.size());
+    if (value.empty() || !set_machine_name(machine, value.c_str()))
+        return "has 1 to 35 characters of those that a machine's name can hold (Windows-1252)";
     return "";
 }
 
@@ -188,8 +186,8 @@ std::string set_value(MachineParams* machine, const std::string& name, const std
 }  // namespace
 
 std::string machine_text(const MachineParams& machine, bool first) {
-    char name[MACHINE_NAME_SIZE];
-    platform::copy_text(name, sizeof name, machine.name);
+    char name[MACHINE_NAME_TEXT_SIZE];
+    machine_name(machine, name);
     std::string text = std::string(name[0] != '\0' ? "name=" : "# no name") + name + "\n";
     for (int i = 0; i < FIELD_COUNT; i++) {
         const auto field = static_cast<Field>(i);

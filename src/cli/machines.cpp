@@ -74,6 +74,14 @@ int no_machine(const std::string& word) {
     return refuse_use("there is no machine '" + word + "', or more than one of that name");
 }
 
+// Bytes of the list's column that a name takes: the column has 35 characters.
+int name_width(const char* name) {
+    int width = MACHINE_NAME_SIZE - 1;
+    for (; *name != '\0'; name++)
+        width += (static_cast<unsigned char>(*name) & 0xC0) == 0x80 ? 1 : 0;
+    return width;
+}
+
 int list_machines(const Words& words) {
     if (words.size() != 1)
         return refuse_use("list takes nothing behind it");
@@ -81,11 +89,12 @@ int list_machines(const Words& words) {
                 "eob");
     for (int i = 0; i < MACHINE_COUNT; i++) {
         const MachineParams& m = machine_table[i];
-        char name[MACHINE_NAME_SIZE];
-        copy_text(name, sizeof name, m.name);
-        std::printf("%c %2d %-35s  COM%d  %-10s  %-6s  %-9s  %s\n", i == slot_machine[0] ? '*' : ' ', i + 1,
-                    name, machine_setting(m, Field::PORT_INDEX) + 1, protocol_word(m).c_str(),
-                    data_type_word(m).c_str(), line_form(m).c_str(), eob_word(m).c_str());
+        char name[MACHINE_NAME_TEXT_SIZE];
+        machine_name(m, name);
+        std::printf("%c %2d %-*s  COM%d  %-10s  %-6s  %-9s  %s\n", i == slot_machine[0] ? '*' : ' ', i + 1,
+                    name_width(name), name, machine_setting(m, Field::PORT_INDEX) + 1,
+                    protocol_word(m).c_str(), data_type_word(m).c_str(), line_form(m).c_str(),
+                    eob_word(m).c_str());
     }
     return EXIT_COMPLETE;
 }

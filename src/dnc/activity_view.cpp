@@ -97,8 +97,8 @@ void fill_machines(ViewHandle view, int slot) {
     const int list = id_of(slot, MACHINE_LIST);
     view_clear_list(view, list);
     for (const MachineParams& machine : machine_table) {
-        char name[MACHINE_NAME_SIZE];
-        copy_text(name, sizeof name, machine.name);
+        char name[MACHINE_NAME_TEXT_SIZE];
+        machine_name(machine, name);
         view_add_to_list(view, list, name);
     }
 }

@@ -50,6 +50,8 @@ constexpr BoxText DNC_BOXES[] = {
     {"File Transmission Terminated.\n\nReceived data could not be written to %s: %s. What came before is in "
      "the file.",
      "Communications", BoxIcon::STOP, BUTTONS_OK},
+    {"%s has a character that the name of a machine cannot hold.", "Communications Parameter Settings",
+     BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"The machines could not be saved: %s.\n\nThe file is as it was.", "Communications", BoxIcon::STOP,
      BUTTONS_OK},
     {"The file is too large to be sent: 2,147,483,647 bytes are the most.", "Communications Error",

@@ -22,11 +22,12 @@ enum class DncBox {
     NO_TERMINAL,
     RECEIVE_CONNECTION_FAILED,  // reason, or empty
     // Our own.
-    LINE_GONE,        // port
-    SOURCE_CHANGED,   // file
-    CANNOT_READ,      // file
-    CANNOT_WRITE,     // file, reason
-    TABLE_NOT_SAVED,  // reason
+    LINE_GONE,          // port
+    SOURCE_CHANGED,     // file
+    CANNOT_READ,        // file
+    CANNOT_WRITE,       // file, reason
+    NAME_NOT_IN_TABLE,  // name
+    TABLE_NOT_SAVED,    // reason
     TOO_LARGE_TO_SEND,
     START_POINT_GONE,
     CANNOT_MAKE_FILE,  // file, reason

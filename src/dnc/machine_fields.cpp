@@ -1,6 +1,9 @@
 #include "dnc/machine_fields.h"
 
+#include "platform/text.h"
+
 #include <cstddef>
+#include <cstring>
 
 namespace hexlane {
 
@@ -69,6 +72,22 @@ void set_field(MachineParams* machine, Field field, int value) {
     place[0] = static_cast<uint8_t>(value & 0xFF);
     if (entry.form == FieldForm::INT16)
         place[1] = static_cast<uint8_t>(value >> 8 & 0xFF);
+}
+
+// A damaged record may lack the name's end.
+void machine_name(const MachineParams& machine, char text[MACHINE_NAME_TEXT_SIZE]) {
+    char bytes[MACHINE_NAME_SIZE];
+    std::memcpy(bytes, machine.name, sizeof bytes);
+    bytes[MACHINE_NAME_SIZE - 1] = '\0';
+    platform::bytes_to_text(text, MACHINE_NAME_TEXT_SIZE, bytes);
+}
+
+int set_machine_name(MachineParams* machine, const char* text) {
+    char bytes[MACHINE_NAME_SIZE] = "";
+    if (!platform::text_to_bytes(bytes, sizeof bytes, text))
+        return 0;
+    std::memcpy(machine->name, bytes, sizeof bytes);
+    return 1;
 }
 
 }  // namespace hexlane

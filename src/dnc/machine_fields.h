@@ -99,4 +99,11 @@ int machine_setting(const MachineParams& machine, Field field);
 // Writes a number into the record as it is.
 void set_field(MachineParams* machine, Field field, int value);
 
+// The record has a name in bytes of the Windows-1252 table; people type and read text.
+constexpr int MACHINE_NAME_TEXT_SIZE = 3 * (MACHINE_NAME_SIZE - 1) + 1;
+void machine_name(const MachineParams& machine, char text[MACHINE_NAME_TEXT_SIZE]);
+
+// 1; 0 when the text is too long or has a character that the table lacks: then the name stays as it was.
+int set_machine_name(MachineParams* machine, const char* text);
+
 }  // namespace hexlane

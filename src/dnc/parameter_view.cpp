@@ -13,7 +13,6 @@
 #include "frame/command_state.h"
 #include "frame/view_controls.h"
 #include "frame/views.h"
-#include "platform/text.h"
 
 #include <array>
 #include <iterator>
@@ -42,7 +41,14 @@ constexpr int PROTOCOL_COUNT = static_cast<int>(std::size(PROTOCOL_TEXTS));
 constexpr int BAUD_COUNT = static_cast<int>(std::size(BAUD_TEXTS));
 constexpr int EOB_COUNT = static_cast<int>(std::size(EOB_TEXTS));
 
-constexpr InputRule NAME_RULE = {MACHINE_NAME_SIZE - 1, nullptr, 0, 0, nullptr, nullptr, nullptr};
+constexpr InputRule NAME_RULE = {.limit = MACHINE_NAME_SIZE - 1,
+                                 .allowed = nullptr,
+                                 .low = 0,
+                                 .high = 0,
+                                 .high_field = nullptr,
+                                 .message = nullptr,
+                                 .message_title = nullptr,
+                                 .characters = true};
 
 constexpr auto TOP_CONTROLS = std::to_array<ControlSpec>({
     {201, ControlKind::TEXT, "&Machine ", 0, 0, 1, 2, 0, 0, nullptr},
@@ -83,12 +89,21 @@ constexpr auto CONTROLS =
 constexpr ViewSpec SETTINGS_VIEW = {"COMMSETTINGS", "Communications Parameter Settings", 0, CONTROLS.data(),
                                     CONTROLS.size()};
 
-// A name is edited in place: what the box holds is the name of the record on show.
+// A name is edited in place: what the box holds is the name of the record on show. A character that no name
+// can hold is not taken.
 void take_name(ViewHandle view) {
-    char name[MACHINE_NAME_SIZE];
+    char name[MACHINE_NAME_TEXT_SIZE];
     view_get_text(view, MACHINE_BOX, name, sizeof name);
-    const BothSlotsGuard guard;
-    copy_text(edited_machine().name, MACHINE_NAME_SIZE, name);
+    int taken = 0;
+    {
+        const BothSlotsGuard guard;
+        taken = set_machine_name(&edited_machine(), name);
+    }
+    if (taken)
+        return;
+    show_dnc_box(DncBox::NAME_NOT_IN_TABLE, name);
+    machine_name(edited_machine(), name);
+    put_text(view, MACHINE_BOX, name);
 }
 
 void drop_delay() {
@@ -112,8 +127,8 @@ void fill_list(ViewHandle view, int id, const char* const (&texts)[COUNT], int s
 void fill_machines(ViewHandle view) {
     view_clear_list(view, MACHINE_BOX);
     for (const MachineParams& machine : machine_table) {
-        char name[MACHINE_NAME_SIZE];
-        copy_text(name, sizeof name, machine.name);
+        char name[MACHINE_NAME_TEXT_SIZE];
+        machine_name(machine, name);
         view_add_to_list(view, MACHINE_BOX, name);
     }
     view_select(view, MACHINE_BOX, edit_machine);

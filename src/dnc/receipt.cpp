@@ -23,10 +23,10 @@ void small_word(char word[WORD_SIZE], const char* text) {
 }
 
 void machine_entry(const Receipt& r, ReceiptEntry* entry) {
-    char name[MACHINE_NAME_SIZE];
+    char name[MACHINE_NAME_TEXT_SIZE];
     char protocol[WORD_SIZE];
     char data_type[WORD_SIZE];
-    copy_text(name, sizeof name, r.settings->name);
+    machine_name(*r.settings, name);
     small_word(protocol, PROTOCOL_TEXTS[machine_setting(*r.settings, Field::PROTOCOL)]);
     small_word(data_type, DATA_TYPE_TEXTS[machine_setting(*r.settings, Field::DATA_TYPE)]);
     format_text(entry->text, sizeof entry->text, "%d, %s, %s, %s", r.machine + 1, name, protocol, data_type);

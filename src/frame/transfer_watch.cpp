@@ -1,7 +1,6 @@
 #include "frame/transfer_watch.h"
 
-#include <cstring>
-
+#include "dnc/machine_fields.h"
 #include "dnc/machine_table.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
@@ -42,10 +41,9 @@ void watch_transfers() {
 }
 
 void label_send_this() {
-    char text[MACHINE_NAME_SIZE + 16];
-    char name[MACHINE_NAME_SIZE];  // in a damaged file it may lack its end
-    std::memcpy(name, machine_of_slot(0).name, sizeof name);
-    name[sizeof name - 1] = '\0';
+    char text[MACHINE_NAME_TEXT_SIZE + 16];
+    char name[MACHINE_NAME_TEXT_SIZE];
+    machine_name(machine_of_slot(0), name);
     platform::format_text(text, sizeof text, "Send This - %s", name);
     platform::set_menu_text(COMMAND_SEND_THIS, text);
 }

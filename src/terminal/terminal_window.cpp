@@ -1,6 +1,7 @@
 #include "terminal/terminal_window.h"
 
 #include "dnc/control_names.h"
+#include "dnc/machine_fields.h"
 #include "dnc/machine_table.h"
 #include "platform/text.h"
 #include "terminal/line_counters.h"
@@ -36,8 +37,8 @@ constexpr int WIDTH = 760;
 constexpr int HEIGHT = 520;
 
 QString machine_name(int machine) {
-    char name[MACHINE_NAME_SIZE];
-    copy_text(name, sizeof name, machine_table[machine].name);
+    char name[MACHINE_NAME_TEXT_SIZE];
+    hexlane::machine_name(machine_table[machine], name);
     return QString::fromUtf8(name);
 }
 

@@ -42,6 +42,14 @@ class MachinesTest(Case):
         self.assertEqual(struct.unpack_from('<h', record, 104), (999,))
         self.assertEqual(self.shown('lathe 3')['start_string'], '1,-,3')
 
+    def test_a_name_is_in_the_table_of_the_rows_in_the_file_and_a_text_for_people(self):
+        name = 35 * '\u00c4'
+        self.run_well('machines', 'set', 3, 'name=' + name)
+        self.assertEqual(self.table()[2 * RECORD:2 * RECORD + 36], 35 * b'\xc4' + b'\0')
+        self.assertEqual(self.shown(name)['name'], name)
+        rows = self.run_well('machines', 'list').splitlines()
+        self.assertEqual(rows[3].index('COM1'), rows[2].index('COM1'))
+
     def test_what_a_data_type_forces_is_put_in_and_told(self):
         done = self.home.run('machines', 'set', 1, 'parity=even', 'data_type=eia', 'eob=cr', 'xoff_char=147')
         self.assertEqual(done.returncode, 0, done.stderr)
@@ -63,8 +71,9 @@ class MachinesTest(Case):
     def test_refused_settings_change_nothing(self):
         self.run_well('machines', 'list')
         before = self.table()
-        settings = ('stop_bits=3', 'baud=9601', 'protocol=4', 'name=' + 36 * 'x', 'name=', 'start_string=128',
-                    'start_string=1,2,3,4,5,6,7,8,9', 'xoff_char=20', 'receive_timeout_s=0', 'color=red', 'protocol')
+        settings = ('stop_bits=3', 'baud=9601', 'protocol=4', 'name=' + 36 * 'x', 'name=', 'name=M\u03a9LL',
+                    'start_string=128', 'start_string=1,2,3,4,5,6,7,8,9', 'xoff_char=20', 'receive_timeout_s=0',
+                    'color=red', 'protocol')
         for words in (*(('set', 1, 'protocol=phillips', setting) for setting in settings), ('set', 1),
                       ('set', 17, 'port=COM2'), ('set', 'no such', 'port=COM2'), ('show', 0), ('list', 1),
                       ('import',), ('drop', 1)):

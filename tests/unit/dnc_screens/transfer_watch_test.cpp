@@ -1,7 +1,9 @@
 // The main window's look at the transfers, once a second.
 
+#include "dnc/machine_fields.h"
 #include "dnc/transfer_state.h"
 #include "frame/command_state.h"
+#include "frame/commands.h"
 #include "frame/status_line.h"
 #include "frame/transfer_watch.h"
 #include "platform/clock.h"
@@ -44,6 +46,14 @@ TEST_F(TransferWatch, GoesOnUntilBothSlotsAreQuiet) {
             EXPECT_FALSE(status_shown(ICON));
         }
     }
+}
+
+TEST_F(TransferWatch, SendThisNamesTheMachineByTheTableOfTheRows) {
+    start();
+    set_machine_name(&machine_table[0], "FR\xC3\x84SE");
+    EXPECT_STREQ(machine_table[0].name, "FR\xC4SE");
+    label_send_this();
+    EXPECT_EQ(menu_text(COMMAND_SEND_THIS), "Send This - FR\xC3\x84SE");
 }
 
 }  // namespace
