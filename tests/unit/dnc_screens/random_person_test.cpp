@@ -1,6 +1,7 @@
-// A person who presses whatever is there, and machines that send, stop, answer and vanish, at random but the
-// same in each run. Between any two acts: a row's buttons agree with its state, a port is open only for a
-// reason, a file is held only by a receive, and the file in the editor is as it was.
+// A person who edits and presses whatever is there, and machines that send, stop, answer and vanish, at
+// random but the same in each run. Between any two acts: a row's buttons agree with its state, a port is open
+// only for a reason, a file is held only by a receive, the document is what was typed, and its file changes
+// only by a save.
 
 #include <cstdlib>
 #include <filesystem>
@@ -126,19 +127,65 @@ protected:
     }
 
     void act_in_editor() {
-        static const int COMMANDS[] = {1032, 1033, 1033, 1033, 1042, 1035};
+        static const int COMMANDS[] = {1032, 1033, 1033, 1033, 1042, 1035, 1002, 1003};
         if (desktop.main.minimized)
             must(person_starts_again(""));
+        // A save gives a file without a last line end more than what is typed.
+        if (child[0].file_open && document.ends_with("\r\n") && chance(40)) {
+            edit();
+            return;
+        }
         if (busy_sending_or_receiving() && chance(10)) {
             last_act = "close";
             must(person_closes_window());
             return;
         }
-        const int id = COMMANDS[below(6)];
+        const int id = COMMANDS[below(8)];
         last_act = "command " + std::to_string(id);
+        may_save = id == 1002 || id == 1003;
+        may_drop = false;
+        if (id == 1032)
+            receive_given_up[0] = receive_given_up[1] = false;
+        if (id == 1042)
+            receive_given_up[0] = false;
         if (id == 1035 || !child[0].file_open)
             must(person_starts_again(path("edited.nc")));
         must(person_chooses_command(id));
+    }
+
+    // One change of a row of the document and of its model. The end row stays as it is, with no row made
+    // ahead of it by Enter: that would write one more line end.
+    void edit() {
+        static const char* const TYPED[] = {"X", " Y5", "(A)", "G2"};
+        const int last = static_cast<int>(model.size()) - 1;
+        must(person_presses("Ctrl+Home"));
+        const int wanted = below(last + 1);
+        for (int row = 0; row < wanted; row++)
+            must(person_presses("Down"));
+        const bool at_end = chance(50);
+        must(person_presses(at_end ? "End" : "Home"));
+        const auto row = static_cast<std::size_t>(child[0].current_row);
+        ASSERT_LT(row, model.size());
+        std::string& text = model[row];
+        const int kind = static_cast<int>(row) == last || text.size() > 40 ? 3 : below(4);
+        if (kind == 0 && at_end && !text.empty()) {
+            last_act = "Backspace";
+            must(person_presses("Backspace"));
+            text.pop_back();
+        } else if (kind == 1 && !at_end && !text.empty()) {
+            last_act = "Delete";
+            must(person_presses("Delete"));
+            text.erase(0, 1);
+        } else if (kind == 2 && last < 12 && (!at_end || static_cast<int>(row) < last - 1)) {
+            last_act = "Enter";
+            must(person_presses("Enter"));
+            model.insert(model.begin() + static_cast<std::ptrdiff_t>(at_end ? row + 1 : row), "");
+        } else if (static_cast<int>(row) != last && text.size() <= 40) {
+            const std::string typed = TYPED[below(4)];
+            last_act = "type " + typed;
+            must(person_types(typed));
+            text.insert(at_end ? text.size() : 0, typed);
+        }
     }
 
     void act_in(const Modal& modal) {
@@ -147,6 +194,10 @@ protected:
             const std::string& button =
                 modal.buttons[static_cast<std::size_t>(below(static_cast<int>(modal.buttons.size())))];
             last_act += " " + button;
+            if (modal.name.find("Save current changes?") != std::string::npos) {
+                may_save = button == "Yes";
+                may_drop = button == "No";
+            }
             must(person_clicks({button}));
         } else if (modal.kind == ModalKind::FILE_DIALOG) {
             answer_dialog();
@@ -176,6 +227,7 @@ protected:
         last_act += " @" + std::to_string(control.spec->id);
         switch (control.spec->kind) {
         case ControlKind::BUTTON:
+            note_row_button(view, control.spec->id);
             if ((control.spec->flags & CONTROL_CANCEL) == 0 || chance(40))
                 must(person_clicks(name));
             break;
@@ -197,6 +249,17 @@ protected:
         default:
             break;
         }
+    }
+
+    // Behind Receive a row's port stays open though the person gives up, until another button closes it.
+    void note_row_button(const View& view, int id) {
+        const int slot = id / 100 - 1;
+        if (std::string(view.spec->name) != "COMMDLG" || slot < 0 || slot >= SLOT_COUNT)
+            return;
+        if (id % 100 == 7)
+            receive_given_up[slot] = true;
+        else if (id % 100 == 6 || id % 100 == 8)
+            receive_given_up[slot] = false;
     }
 
     void use_pane(const ControlName& name) {
@@ -258,16 +321,54 @@ protected:
             check_buttons(slot);
         }
         check_ports();
-        const std::string open_path = child[0].file_open ? child[0].file_path : "";
-        if (open_path != document_path) {
-            document_path = open_path;
-            document = read_bytes(open_path);
-        }
-        EXPECT_EQ(open_path.empty() ? "" : read_bytes(open_path), document) << last_act;
+        check_document();
         EXPECT_FALSE(child[0].file_open && is_active_file(child[0].file_path)) << last_act;
     }
 
-    static void check_slot(int slot) {
+    // A row that is being typed is in its buffer only, and the rows are read behind it.
+    static std::vector<std::string> rows_on_show() {
+        std::vector<std::string> texts = rows();
+        fetch_row(child[0].current_row);
+        return texts;
+    }
+
+    void check_document() {
+        const Modal* modal = top_modal();
+        if (modal != nullptr && modal->kind != ModalKind::VIEW)
+            return;  // a save or a close may be under way
+        const std::string open_path = child[0].file_open ? child[0].file_path : "";
+        const std::string on_disk = open_path.empty() ? "" : read_bytes(open_path);
+        const std::vector<std::string> shown =
+            open_path.empty() ? std::vector<std::string>() : rows_on_show();
+        if (open_path != document_path || (may_drop && !child[0].modified)) {
+            document_path = open_path;
+            document = on_disk;
+            model = shown;
+            may_drop = false;
+        }
+        EXPECT_EQ(shown, model) << last_act;
+        if (on_disk != document) {
+            EXPECT_TRUE(may_save) << last_act;
+            EXPECT_EQ(with_line_end(on_disk), joined(model)) << last_act;
+            document = on_disk;
+        }
+        if (!open_path.empty() && !child[0].modified) {
+            EXPECT_EQ(with_line_end(on_disk), joined(model)) << last_act;
+        }
+    }
+
+    static std::string with_line_end(const std::string& text) {
+        return text.empty() || text.ends_with("\r\n") ? text : text + "\r\n";
+    }
+
+    static std::string joined(const std::vector<std::string>& rows) {
+        std::string text;
+        for (const std::string& row : rows)
+            text += &row == &rows.back() ? row : row + "\r\n";
+        return text;
+    }
+
+    void check_slot(int slot) {
         const TransferState& t = transfer_state[slot];
         const bool receives = t.status == RECEIVING || t.status == RECEIVE_STANDBY;
         EXPECT_NE(t.status, XON_SEEN);
@@ -280,6 +381,19 @@ protected:
         }
         if (in_properties && !view_is_up("StartPoint")) {
             EXPECT_FALSE(port_slot[slot].connected);
+        }
+        check_idle_port(slot, in_properties);
+    }
+
+    // An open port without a transfer: the start point screen has it, or a Receive was given up. A box stands
+    // in the middle of an act.
+    void check_idle_port(int slot, bool in_properties) {
+        const Modal* modal = top_modal();
+        const bool in_box = modal != nullptr && modal->kind == ModalKind::BOX;
+        if (slot_is_busy(slot)) {
+            receive_given_up[slot] = false;  // the transfer's end closes the port
+        } else if (!in_box && !in_properties) {
+            EXPECT_TRUE(!port_slot[slot].connected || receive_given_up[slot]);
         }
     }
 
@@ -319,8 +433,12 @@ protected:
     std::mt19937 random;
     int steps_taken = 0;
     std::string last_act;
-    std::string document_path;  // of the file that is open in the editor
-    std::string document;       // what it held then
+    std::string document_path;       // of the file that is open in the editor
+    std::string document;            // what it holds
+    std::vector<std::string> model;  // the rows that should be on show
+    bool may_save = false;           // the last act lets the file change ...
+    bool may_drop = false;           // ... or the document go back to its file
+    bool receive_given_up[SLOT_COUNT] = {};
     bool was_busy[SLOT_COUNT] = {};
     int64_t since_us[SLOT_COUNT] = {};
 };
