@@ -113,9 +113,7 @@ std::string write_report(const Options& options) {
     if (written && begin_replacement(&output, options.report.c_str())) {
         written = write_compare_report(output.file, options.differences_only) &&
                   compare_was_disturbed() == nullptr && finish_replacement(&output, old);
-        const FileError reason = last_file_error();
         abandon_replacement(&output);
-        set_last_file_error(reason);
     } else {
         written = false;
     }

@@ -124,8 +124,10 @@ Ending press_enter(int) {
         return Ending::REFUSED;
     }
     // A row of text that was typed into the end row must not stay the last one.
-    if (was_last && !row_is_empty(child[0].last_file_row))
-        add_end_row(true);
+    if (was_last && !row_is_empty(child[0].last_file_row) && !(room_for_rows(1) && add_end_row(true))) {
+        paint_view();
+        return Ending::REFUSED;
+    }
     move_to_next_row();
     return Ending::SETTLED;
 }

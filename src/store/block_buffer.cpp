@@ -217,6 +217,12 @@ void paste_text(const char* text) {
     update_scrollbar(child[0].main_window);
 }
 
+// Rows that go ahead of a paste. A document keeps one.
+int32_t rows_that_give_way() {
+    return child[0].block_active && block_holds_rows() ? std::min(row_count(block), child[0].last_file_row)
+                                                       : 0;
+}
+
 }  // namespace
 
 void clear_cut_block() {
@@ -253,10 +259,13 @@ void command_paste() {
     // Read before a block gives way to it: that may be the very text that was copied.
     char text[ROW_BUFFER_SIZE];
     text_to_paste(text);
+    const Block& source = copy_block.start.row >= 0 ? copy_block : cut_block;
+    const bool whole_rows = source.start.row >= 0 && source.end.row >= 0;
+    if (whole_rows && !room_for_rows(row_count(source) - rows_that_give_way()))
+        return;
     if (child[0].block_active && !delete_block())
         return;
-    const Block& source = copy_block.start.row >= 0 ? copy_block : cut_block;
-    if (source.start.row >= 0 && source.end.row >= 0)
+    if (whole_rows)
         paste_rows(row_count(source));
     else
         paste_text(text);

@@ -38,9 +38,13 @@ int part_row(int32_t row, int32_t column, const RowRecord& record, const RowSpan
 
 }  // namespace
 
+int room_for_rows(int32_t count) {
+    return count <= MAX_ROWS - 1 - child[0].last_file_row ? 1 : fail_full_table();
+}
+
 int insert_blank_rows(int32_t row, int32_t count) {
-    if (count > MAX_ROWS - 1 - child[0].last_file_row)
-        return fail_full_table();
+    if (!room_for_rows(count))
+        return 0;
     if (row > child[0].last_file_row || (row == child[0].last_file_row && row_is_empty(row)))
         return append_blank_records(count) ? 1 : fail_edit(child[0].segment_path);
     if (locate_row(row) < 0)

@@ -11,8 +11,12 @@
 
 namespace hexlane {
 
+// Whether the document may grow by so many rows (negative: it shrinks first). Gives 1; 0 when it would have
+// more than MAX_ROWS, which has been told.
+int room_for_rows(int32_t count);
+
 // Puts `count` blank rows into the table in front of `row`; behind the last row if that row is empty or `row`
-// lies behind it. Refused, and told, when the document would have more than MAX_ROWS rows.
+// lies behind it. Refused when there is no room_for_rows.
 int insert_blank_rows(int32_t row, int32_t count);
 
 // Breaks a row in two; sets `modified`. At column 0 a blank row comes in front; at or past the text's end a
@@ -35,7 +39,8 @@ int drop_segment_head(int segment, int32_t count);
 void remove_segments(int first, int last);
 
 // Appends an empty row behind the last one: always with `force`; otherwise only when the last row has text
-// and the row before it did not end in a line end.
+// and the row before it did not end in a line end. Does not ask for room: a deletion passes the limit until
+// its rows are out.
 int add_end_row(bool force);
 int add_end_row_after_join();
 

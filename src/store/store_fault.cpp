@@ -82,6 +82,9 @@ void show_store_fault() {
     if (store_fault.table_full) {
         char limit[24];
         format_text(limit, sizeof limit, "%d", MAX_ROWS);
+        store_fault.damaged = unsaved_row.row >= 0;  // no file has failed, and the next failure is news
+        store_fault.told = 0;
+        store_fault.table_full = 0;
         show_store_box(StoreBox::TABLE_FULL, limit);
         return;
     }

@@ -167,9 +167,11 @@ bool put_in_place() {
     if (!file_close(job.file)) {
         note_failure();
     }
-    if (!job.failed &&
-        !(rename_file(job.path.c_str(), job.target.c_str()) && flush_folder_of(job.target.c_str()))) {
+    if (!job.failed && !rename_file(job.path.c_str(), job.target.c_str())) {
         note_failure();
+    }
+    if (!job.failed) {
+        (void)flush_folder_of(job.target.c_str());  // not every folder can; the new file is whole either way
     }
     return !job.failed;
 }

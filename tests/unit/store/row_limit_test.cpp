@@ -3,6 +3,7 @@
 
 #ifdef HEXLANE_TINY_LIMITS
 
+#include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
 #include "store/cut_file.h"
 #include "store/load.h"
@@ -68,6 +69,47 @@ TEST_F(RowLimitTest, EntersAtTheEndStopAtTheLimitAndASaveLoadsAgain) {
     command(1002);
     EXPECT_TRUE(child[0].file_open);
     EXPECT_EQ(shown_boxes().size(), 2U);
+}
+
+// Overwriting makes no row but the end row, behind text that was typed into the last one.
+TEST_F(RowLimitTest, OverwritingStopsAtTheLimitToo) {
+    start_with(line_ends(MAX_ROWS - 2));
+    press_key("Ctrl+End");
+    press_key("Insert");
+    for (int i = 0; i < 2; i++) {
+        type_text("X");
+        press_key("Enter");
+    }
+    EXPECT_EQ(child[0].last_file_row, MAX_ROWS - 1);
+    EXPECT_NE(told().find("No row was put in"), std::string::npos);
+}
+
+// A refused row is no failed file: what fails behind it is told.
+TEST_F(RowLimitTest, AFailureBehindARefusedRowIsTold) {
+    start_with("A\r\n" + line_ends(MAX_ROWS - 2));
+    EXPECT_FALSE(insert_blank_rows(1, 1));
+    EXPECT_NE(told().find("No row was put in"), std::string::npos);
+    forget_cached_rows();
+    ASSERT_TRUE(arm_file_faults_from_text("fail read 1 EIO"));
+    EXPECT_FALSE(fetch_row(0));
+    reset_file_faults();
+    EXPECT_NE(told().find("could not be read"), std::string::npos);
+}
+
+TEST_F(RowLimitTest, APasteWithoutRoomLeavesTheBlock) {
+    start_with("A\r\nB\r\n" + line_ends(MAX_ROWS - 3));
+    ASSERT_EQ(child[0].last_file_row, MAX_ROWS - 1);
+    const std::vector<std::string> before = rows();
+    press_key("Ctrl+Home");
+    press_key("Shift+Down");
+    press_key("Shift+Down");
+    command(1009);
+    press_key("Esc");
+    press_key("Shift+Down");
+    command(1010);
+    EXPECT_NE(told().find("No row was put in"), std::string::npos);
+    EXPECT_EQ(rows(), before);
+    command(1010);  // now the rows of the block are as many as those that come
 }
 
 TEST_F(RowLimitTest, AFileHasPlaceForItsEndRowOrIsRefused) {
