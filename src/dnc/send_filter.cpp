@@ -246,6 +246,10 @@ int take_plain(Filter& f, int limit) {
     const int most = std::min(limit, OUTPUT_FILL_LIMIT - f.t.out_count);
     const int dropped = f.dropped;
     int count = 0;
+    if (!f.t.eob_on && dropped < 0) {  // line ends go out as they are, too
+        std::copy_n(from, most, to);
+        count = most;
+    }
     for (; count < most && from[count] != '\r' && from[count] != '\n' && from[count] != dropped; count++)
         to[count] = from[count];
     if (count > 0)
