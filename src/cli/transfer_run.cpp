@@ -61,7 +61,7 @@ void note_end() {
     take_numbers();
 }
 
-// Closing may find that the medium did not take the last of a received file.
+// Closing may find that the medium did not take the last of a received file, or that the line has lost bytes.
 void stop_transfer() {
     note_end();
     port_close(SLOT);
@@ -69,6 +69,8 @@ void stop_transfer() {
     run.fault = t.fault;
     if (t.fault == TransferFault::CANNOT_WRITE)
         show_dnc_box(DncBox::CANNOT_WRITE, t.file_name, file_error_text(t.fault_error));
+    if (t.fault == TransferFault::BYTES_LOST)
+        show_dnc_box(DncBox::BYTES_LOST, t.file_name);
     post_quit(0);
 }
 

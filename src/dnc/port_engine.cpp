@@ -115,6 +115,12 @@ void tell_end(int slot) {
     }
 }
 
+// Ahead of the line's end, whose counters tell whether bytes were lost.
+void close_received_file_locked(int slot) {
+    const LockGuard guard(port_slot[slot].step_lock);
+    close_received_file(slot);
+}
+
 }  // namespace
 
 BothSlotsGuard::BothSlotsGuard() {
@@ -186,8 +192,8 @@ void port_close(int slot) {
     if (!port_slot[slot].connected)
         return;
     disconnect(slot);
+    close_received_file_locked(slot);
     release_port(slot);
-    close_received_file(slot);
 }
 
 int port_close_and_report(int slot) {
@@ -202,10 +208,7 @@ int port_close_and_report(int slot) {
         return 0;
     }
     disconnect(slot);
-    {
-        const LockGuard guard(port.step_lock);
-        close_received_file(slot);
-    }
+    close_received_file_locked(slot);
     end_log_entry(slot);
     tell_end(slot);
     release_port(slot);

@@ -105,7 +105,6 @@ protected:
         name_file(slot);
         TransferState& t = transfer_state[slot];
         send_now = 1;
-        t.total_bytes = static_cast<int32_t>(program(slot).size());
         t.start_offset = 0;
         t.file_position = 0;
         ASSERT_EQ(prepare_send(slot), 1);

@@ -308,6 +308,17 @@ TEST_F(EngineTest, AReceiveThatHasLostBytesIsNotComplete) {
     EXPECT_EQ(bytes("got.nc").size(), 6U);
 }
 
+// A close without a word leaves the fault for its caller.
+TEST_F(EngineTest, AClosedReceiveKeepsThatBytesWereLost) {
+    begin_receive("got.nc");
+    feed_line(1, "N1\r\nN2\r\n");
+    lose_line_bytes(1, 2);
+    advance_clock(20);
+    port_close(0);
+    EXPECT_EQ(transfer_state[0].fault, TransferFault::BYTES_LOST);
+    EXPECT_EQ(bytes("got.nc").size(), 6U);
+}
+
 TEST_F(EngineTest, WhatComesDuringASendDoesNotBarTheAnswers) {
     write("part.nc", "N1\r\nN2\r\n");
     machine().protocol = PROTOCOL_HEIDENHAIN;
