@@ -3,6 +3,7 @@
 #include "cli/cli.h"
 #include "frame/directories.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace hexlane {
@@ -56,7 +57,7 @@ int run_words(const Words& words) {
     for (const Command& command : COMMANDS) {
         if (words[0] != command.name)
             continue;
-        if (words.size() == 2 && words[1] == "--help") {
+        if (std::find(words.begin() + 1, words.end(), "--help") != words.end()) {
             std::fputs(*command.help, stdout);
             return EXIT_COMPLETE;
         }

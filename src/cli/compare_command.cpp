@@ -27,7 +27,8 @@ Options
     --differences-only    the report leaves equal rows out
 
 Standard output has the numbers of matches, modified, inserted (in RIGHT alone) and deleted (in LEFT alone)
-rows, as the editor's window counts them.
+rows, as the editor's window counts them. In the report, <-INS marks a row of LEFT alone, DEL-> one of
+RIGHT alone.
 
 Exit code
     0   the files are identical

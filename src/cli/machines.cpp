@@ -56,6 +56,11 @@ Settings
     current_machine=        of machine 1: the current machine, counted from 0
 
 A desktop program that is open keeps its own copy of the sets; its Save writes over what was set here.
+
+Exit code
+    0   done
+    2   the command line or the text makes no sense
+    3   a file could not be read or written
 )";
 
 namespace {

@@ -22,6 +22,11 @@ Each device that has hardware behind it has a line with its state: free, in use 
 as far as the system shows it), or no permission. Below it stand its stable names, which stay the same
 whatever is plugged in first: give one of them to --port, to HEXLANE_COM1 to HEXLANE_COM4, or to the
 file `ports` in the program's folder ("COM1 /dev/serial/by-id/...", one line each).
+
+Exit code
+    0   done
+    2   the command line makes no sense
+    3   there is no folder for the program's files
 )";
 
 int run_ports(const Words& words) {

@@ -1,6 +1,6 @@
 // desktop.h: the main window, its menu, the message queue, timers, boxes, file dialogs, pointer and help.
 // Main thread only, but for post_message and send_message. Back ends: qt/ (Qt 6 Widgets), scripted/ (a
-// desktop in memory, played by a script).
+// desktop in memory, played by a script), console/ (messages, timers and boxes alone).
 #pragma once
 
 #include "platform/keys.h"

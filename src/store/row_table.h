@@ -12,8 +12,7 @@
 //   3. A text row of origin 'O' is never the last row.
 //   4. Rows are numbered from 0 to last_file_row; there is always at least one.
 //   5. The bytes of a row that row_text does not show (behind ROW_FETCH_MAX characters, or behind a 0x1A)
-//   stay
-//      with the row: each commit carries them along.
+//      stay with the row: each commit carries them along.
 //   6. While unsaved_row is set no record changes.
 //   7. Segments that share a file lie in it in the order of the table, so that nothing that is in use stands
 //      behind the last one: the table's last segment may grow in place.
