@@ -59,8 +59,8 @@ A desktop program that is open keeps its own copy of the sets; its Save writes o
 
 Exit code
     0   done
-    2   the command line or the text makes no sense
-    3   a file could not be read or written
+    2   the command line makes no sense
+    3   a file could not be read or written, or what it holds makes no sense
 )";
 
 namespace {

@@ -146,6 +146,9 @@ def keep_compare(pictures):
     pictures.open("Compare Results", "Return")
     pictures.display.key("Return")
     pictures.keep_active("compare-results")
+    pictures.open("Print Compare Results", "alt+p")
+    pictures.keep_active("print-results")
+    pictures.open("Compare Results", "Escape")
     pictures.close("Escape")
 
 
@@ -201,6 +204,11 @@ def keep_transfer(pictures, control, example):
     pictures.open(ACTIVITY, "Return")
     wait_for("a part of the program at the machine", lambda: control.taken >= HELD_AT)
     pictures.keep_active("activity")
+    pictures.close("Escape")
+    pictures.open("Communications", "alt+F4")
+    pictures.keep_active("minimize")
+    pictures.close("Escape")
+    pictures.open(ACTIVITY, "alt+d", "a")
     pictures.open("File Conflict", "alt+t")
     pictures.open("Communications", "y")
     pictures.open(ACTIVITY, "Return")
