@@ -57,7 +57,8 @@ int run_words(const Words& words) {
     for (const Command& command : COMMANDS) {
         if (words[0] != command.name)
             continue;
-        if (std::find(words.begin() + 1, words.end(), "--help") != words.end()) {
+        const auto options_end = std::find(words.begin() + 1, words.end(), "--");  // only files follow it
+        if (std::find(words.begin() + 1, options_end, "--help") != options_end) {
             std::fputs(*command.help, stdout);
             return EXIT_COMPLETE;
         }

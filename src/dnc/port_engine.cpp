@@ -193,6 +193,7 @@ void port_close(int slot) {
         return;
     disconnect(slot);
     close_received_file_locked(slot);
+    end_log_entry(slot);
     release_port(slot);
 }
 

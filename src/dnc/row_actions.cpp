@@ -161,7 +161,6 @@ void leave_receive_standby(int slot) {
         transfer_state[slot].status = PORT_IDLE;
         close_received_file(slot);
     }
-    end_log_entry(slot);
 }
 
 // Opens the slot's port as a test and closes it again. 0 after a message.

@@ -253,7 +253,7 @@ int take_plain(Filter& f, int limit) {
     for (; count < most && from[count] != '\r' && from[count] != '\n' && from[count] != dropped; count++)
         to[count] = from[count];
     if (count > 0)
-        f.t.line_has_output = 1;
+        f.t.line_has_output = to[count - 1] != '\n';
     f.t.out_count += count;
     f.t.in_index += count;
     f.t.source_count += count;

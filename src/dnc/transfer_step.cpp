@@ -289,9 +289,7 @@ int prepare_receive(int slot) {
     if (!begin_replacement(&output, t.file_name))
         return 0;
     if (!file_adopt_mode(output.file, NO_FILE) || !rename_file(output.output, output.target)) {
-        const FileError reason = last_file_error();
         abandon_replacement(&output);
-        set_last_file_error(reason);
         return 0;
     }
     t.file_handle = output.file;

@@ -109,7 +109,12 @@ TEST_F(RowLimitTest, APasteWithoutRoomLeavesTheBlock) {
     command(1010);
     EXPECT_NE(told().find("No row was put in"), std::string::npos);
     EXPECT_EQ(rows(), before);
-    command(1010);  // now the rows of the block are as many as those that come
+    press_key("Shift+Down");  // as many rows give way as come
+    command(1010);
+    EXPECT_TRUE(shown_boxes().empty());
+    EXPECT_EQ(child[0].last_file_row, MAX_ROWS - 1);
+    EXPECT_EQ(rows()[0] + rows()[1], "AB");
+    ASSERT_NO_FATAL_FAILURE(check_table());
 }
 
 TEST_F(RowLimitTest, AFileHasPlaceForItsEndRowOrIsRefused) {
