@@ -55,8 +55,8 @@ constexpr InputRule COUNT_RULE = {
     4, DIGITS, 0, 1000, nullptr, "Please enter a value between 0 and 1000", RULE_TITLE, false, true, true};
 constexpr InputRule BYTE_RULE = {
     3, DIGITS, 0, 127, nullptr, "Please enter a value between 0 and 127", RULE_TITLE, false, true, true};
-constexpr InputRule DELAY_RULE = {4, DIGITS, 0, 0, nullptr, nullptr, nullptr};
-constexpr InputRule TIMEOUT_RULE = {3, DIGITS, 0, 0, nullptr, nullptr, nullptr};
+constexpr InputRule DELAY_RULE = {4, DIGITS};
+constexpr InputRule TIMEOUT_RULE = {3, DIGITS};
 
 // The fields of a start or end string, side by side.
 constexpr auto byte_fields(int first_id, uint8_t row) {

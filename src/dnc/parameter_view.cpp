@@ -41,14 +41,7 @@ constexpr int PROTOCOL_COUNT = static_cast<int>(std::size(PROTOCOL_TEXTS));
 constexpr int BAUD_COUNT = static_cast<int>(std::size(BAUD_TEXTS));
 constexpr int EOB_COUNT = static_cast<int>(std::size(EOB_TEXTS));
 
-constexpr InputRule NAME_RULE = {.limit = MACHINE_NAME_SIZE - 1,
-                                 .allowed = nullptr,
-                                 .low = 0,
-                                 .high = 0,
-                                 .high_field = nullptr,
-                                 .message = nullptr,
-                                 .message_title = nullptr,
-                                 .characters = true};
+constexpr InputRule NAME_RULE = {.limit = MACHINE_NAME_SIZE - 1, .characters = true};
 
 constexpr auto TOP_CONTROLS = std::to_array<ControlSpec>({
     {201, ControlKind::TEXT, "&Machine ", 0, 0, 1, 2, 0, 0, nullptr},

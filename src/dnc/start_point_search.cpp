@@ -28,9 +28,10 @@ constexpr int16_t TEXT_FIELD = 104;
 constexpr int16_t NUMBER_FIELD = 105;
 constexpr int16_t MESSAGE_LINE = 106;
 
-constexpr std::size_t FIELD_SIZE = 50;
+constexpr int LONGEST_TEXT = 30;                          // characters
+constexpr std::size_t FIELD_SIZE = 3 * LONGEST_TEXT + 1;  // in UTF-8
 
-constexpr InputRule TEXT_RULE = {30, nullptr, 0, 0, nullptr, nullptr, nullptr};
+constexpr InputRule TEXT_RULE = {.limit = LONGEST_TEXT, .characters = true};
 constexpr InputRule NUMBER_RULE = {10, DIGITS, 0, 0, nullptr, "Please enter in a number", "Search For"};
 
 constexpr ControlSpec CONTROLS[] = {
@@ -163,8 +164,8 @@ int32_t find_by_line(ViewHandle view) {
 int32_t find_by_text(ViewHandle view) {
     view_get_text(view, TEXT_FIELD, search_text, sizeof search_text);
     char bytes[FIELD_SIZE];
-    text_to_bytes(bytes, sizeof bytes, search_text);
-    const int32_t found = find_text_row(bytes);
+    // A character that no row can hold makes the text one that no row holds.
+    const int32_t found = text_to_bytes(bytes, sizeof bytes, search_text) ? find_text_row(bytes) : -1;
     if (found < 0)
         say(view, TEXT_NOT_FOUND, search_text);
     return found;

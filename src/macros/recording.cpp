@@ -25,15 +25,7 @@ constexpr int16_t NAME_FIELD = 101;
 constexpr int16_t RECORD_BUTTON = 1;
 constexpr int16_t DELETE_BUTTON = 3;
 
-constexpr InputRule NAME_RULE = {.limit = MACRO_NAME_SIZE - 1,
-                                 .allowed = nullptr,
-                                 .low = 0,
-                                 .high = 0,
-                                 .high_field = nullptr,
-                                 .message = nullptr,
-                                 .message_title = nullptr,
-                                 .capitals = true,
-                                 .characters = true};
+constexpr InputRule NAME_RULE = {.limit = MACRO_NAME_SIZE - 1, .capitals = true, .characters = true};
 
 constexpr ControlSpec RECORD_CONTROLS[] = {
     {100, ControlKind::TEXT, "Macro &Name:", 0, 0, 1, 1, 0, 0, nullptr},

@@ -21,9 +21,9 @@ constexpr int16_t DIGITS_FIELD = 103;
 constexpr int16_t LIMIT_FIELD = 104;
 constexpr int16_t UNNUMBERED_BOX = 105;
 
-constexpr InputRule NINE_DIGITS = {9, DIGITS, 0, 0, nullptr, nullptr, nullptr};
-constexpr InputRule FIVE_DIGITS = {5, DIGITS, 0, 0, nullptr, nullptr, nullptr};
-constexpr InputRule ONE_DIGIT = {1, DIGITS, 0, 0, nullptr, nullptr, nullptr};
+constexpr InputRule NINE_DIGITS = {9, DIGITS};
+constexpr InputRule FIVE_DIGITS = {5, DIGITS};
+constexpr InputRule ONE_DIGIT = {1, DIGITS};
 
 constexpr ControlSpec RENUMBER_CONTROLS[] = {
     {201, ControlKind::TEXT, "&STARTING NUMBER:", 0, 0, 1, 1, 0, 0, nullptr},

@@ -30,9 +30,9 @@ constexpr const char* LETTER_LABELS[] = {"&A", "&B", "&C", "&D", "&E", "&F", "&G
                                          "&S", "&T", "&U", "&V", "&W", "&X", "&Y", "&Z"};
 constexpr int LETTERS_IN_A_ROW = 6;
 
-constexpr InputRule OPERAND_RULE = {9, "0123456789.-", 0, 0, nullptr, nullptr, nullptr};
+constexpr InputRule OPERAND_RULE = {9, "0123456789.-"};
 // One digit is in the range of 0 to 9, and an emptied field means 0: no value can be outside.
-constexpr InputRule PRECISION_RULE = {1, DIGITS, 0, 0, nullptr, nullptr, nullptr};
+constexpr InputRule PRECISION_RULE = {1, DIGITS};
 
 // A view's controls: the operand, if it has a label, the precision, the boxes in a frame, the buttons.
 template <std::size_t LetterCount, bool HasOperand>

@@ -30,12 +30,13 @@ enum class ControlKind : uint8_t {
 
 // What may stand in a field, and what happens when it does not. All-zero means: anything, as long as it fits.
 struct InputRule {
-    int16_t limit;              // at most this many bytes of UTF-8; 0 for no limit
-    const char* allowed;        // only these characters; nullptr for all
-    int32_t low, high;          // number range, when they differ
-    const int32_t* high_field;  // the range's upper end is in this field (plus `high`), when not nullptr
-    const char* message;        // box at a bad value; nullptr for a beep
-    const char* message_title;
+    int16_t limit = 0;              // at most this many bytes of UTF-8; 0 for no limit
+    const char* allowed = nullptr;  // only these characters; nullptr for all
+    int32_t low = 0, high = 0;      // number range, when they differ
+    const int32_t* high_field =
+        nullptr;                    // the range's upper end is in this field (plus `high`), when not nullptr
+    const char* message = nullptr;  // box at a bad value; nullptr for a beep
+    const char* message_title = nullptr;
     bool capitals = false;      // letters a to z become capitals
     bool may_be_empty = false;  // no text at all counts as in the range
     bool beeps = false;         // at a bad value, ahead of the message

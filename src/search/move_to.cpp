@@ -29,7 +29,7 @@ namespace {
 constexpr int16_t NUMBER_FIELD = 101;
 constexpr int NUMBER_LIMIT = 9;  // digits of a number that is typed
 
-constexpr InputRule NUMBER_RULE = {NUMBER_LIMIT, DIGITS, 0, 0, nullptr, nullptr, nullptr};
+constexpr InputRule NUMBER_RULE = {NUMBER_LIMIT, DIGITS};
 
 constexpr ControlSpec ROW_CONTROLS[] = {
     {100, ControlKind::TEXT, "&ROW NO:", 0, 0, 1, 1, 0, 0, nullptr},

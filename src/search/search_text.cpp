@@ -19,14 +19,7 @@ using namespace platform;
 
 SearchTexts search_texts;
 
-const InputRule SEARCH_TEXT_RULE = {.limit = SEARCH_TEXT_SIZE - 1,
-                                    .allowed = nullptr,
-                                    .low = 0,
-                                    .high = 0,
-                                    .high_field = nullptr,
-                                    .message = nullptr,
-                                    .message_title = nullptr,
-                                    .characters = true};
+const InputRule SEARCH_TEXT_RULE = {.limit = SEARCH_TEXT_SIZE - 1, .characters = true};
 
 namespace {
 
