@@ -5,16 +5,18 @@
 set -euo pipefail
 
 # The one list of what this project needs beyond a fresh Debian 12: a group, then its packages.
-#   build    compile the programs, tests and benchmarks
+#   build    compile the programs
 #   desktop  compile and show the window
-#   display  show it where there is no screen: virtual display, small window manager, keys, pictures and PDF pages
-#   test     clang for the fuzzers, the formatter, and a peer for serial lines
+#   display  show it where there is no screen: virtual display, small window manager, keys, pictures and PDF pages,
+#            and what drives them
+#   test     beyond these: compile and run tests and benchmarks, clang for the fuzzers, the formatter, a peer for
+#            serial lines, and a memory of what has been compiled
 packages() {
     cat <<'LIST'
-build    cmake ninja-build g++ ccache python3 libgtest-dev libbenchmark-dev
+build    cmake ninja-build g++
 desktop  qt6-base-dev fonts-dejavu-core
-display  xvfb xauth openbox xdotool x11-utils imagemagick poppler-utils
-test     clang libclang-rt-dev clang-format socat
+display  xvfb openbox xdotool x11-utils imagemagick poppler-utils python3
+test     python3 libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format socat ccache
 LIST
 }
 

@@ -1,4 +1,4 @@
-# Checks of the code's own rules, included by tests/CMakeLists.txt. They run in the release build, once.
+# Checks of the code's own rules, included by tests/CMakeLists.txt. They run in the preset `check`, once.
 if(NOT HEXLANE_DESKTOP)
   return()
 endif()
