@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# tools/setup.sh GROUP...: makes sure that the Debian packages of these groups are installed.
+# tools/setup.sh [--list] GROUP...: makes sure that the Debian packages of these groups are installed.
 # Installs only what is missing, through sudo when not root. Exit code 0: everything is there; 1: something is
-# missing and could not be installed, and a message has said what and why.
+# missing and could not be installed, and a message has said what and why. --list only prints the packages' names.
 set -euo pipefail
 
 # The one list of what this project needs beyond a fresh Debian 12: a group, then its packages.
@@ -22,8 +22,13 @@ LIST
 
 say() { printf 'setup: %s\n' "$*" >&2; }
 
+list=
+if [ "${1:-}" = --list ]; then
+    list=yes
+    shift
+fi
 if [ $# -eq 0 ]; then
-    say "usage: tools/setup.sh GROUP... (build, desktop, display, test)"
+    say "usage: tools/setup.sh [--list] GROUP... (build, desktop, display, test)"
     exit 1
 fi
 
@@ -37,6 +42,11 @@ for group in "$@"; do
     read -r -a words <<<"$line"
     wanted+=("${words[@]:1}")
 done
+
+if [ -n "$list" ]; then
+    printf '%s\n' "${wanted[@]}"
+    exit 0
+fi
 
 if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
     say "this is no Debian system; install what these Debian packages hold: ${wanted[*]}"

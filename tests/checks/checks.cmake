@@ -26,6 +26,9 @@ add_test(NAME check.install
          COMMAND Python3::Interpreter ${checks}/check_install.py ${CMAKE_COMMAND} ${CMAKE_BINARY_DIR}
                  ${CMAKE_BINARY_DIR}/installed)
 
+add_test(NAME check.packages COMMAND Python3::Interpreter ${checks}/check_packages.py ${top} ${CMAKE_BINARY_DIR}/packages)
+set_tests_properties(check.packages PROPERTIES SKIP_RETURN_CODE 77)
+
 add_test(NAME check.letters COMMAND Python3::Interpreter ${checks}/check_letters.py ${top}/tests/scripted)
 
 # Each header compiles alone, and twice in a row: one source file for each header, part of every build.
