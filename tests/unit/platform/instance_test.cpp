@@ -13,12 +13,19 @@
 #include <memory>
 #include <poll.h>
 #include <sys/file.h>
-#include <sys/fsuid.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
+
+// Only root can start a process of another user; what stands in for it holds for everybody: while users_apart
+// is not 0, this process takes itself for another user than the one it runs as.
+static uid_t users_apart = 0;
+extern "C" uid_t geteuid() noexcept {
+    return static_cast<uid_t>(syscall(SYS_geteuid)) + users_apart;
+}
 
 namespace hexlane::platform {
 namespace {
@@ -308,22 +315,13 @@ TEST_F(Instance, RequestsDuringARequest) {
     EXPECT_EQ(requests, (std::vector<InstanceRequest>{InstanceRequest::OPEN, InstanceRequest::RAISE}));
 }
 
-// Another user who got as far as the socket (here: one who can still look into our folder) is sent away
-// unheard.
+// Another user who got as far as the socket is sent away unheard.
 TEST_F(Instance, PeersOfAnotherUserAreRefused) {
-    if (geteuid() != 0) {
-        GTEST_SKIP() << "only root can play another user";
-    }
-    OtherProcess stranger([&] {
-        const std::string before = socket_path();
-        if (seteuid(65534) != 0) {
-            return -1;
-        }
-        setfsuid(0);
-        return before.empty() || talk("open\n", false) != "" ? 0 : 1;
-    });
+    OtherProcess stranger([&] { return socket_path().empty() || talk("open\n", false) != "" ? 0 : 1; });
     ASSERT_EQ(claim(), 1);
+    users_apart = 1;
     EXPECT_EQ(stranger.run(), 1);
+    users_apart = 0;
     EXPECT_TRUE(requests.empty());
 }
 
