@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# tools/fresh_root.sh COMMAND...: runs a command of the tree as a new machine would.
+# tools/fresh_root.sh [--user] COMMAND...: runs a command of the tree as on a new machine.
 # Makes a minimal Debian 12 in a folder, from the mirror that this machine's own apt uses, clones HEAD into it and runs
-# COMMAND there, in the clone's top folder, as root. The clone's path has a blank and an umlaut. The folder is taken
-# away whatever happens. Exit code: the command's own; 125: it did not get so far, and a message has said why.
+# COMMAND there, in the clone's top folder, as root; with --user as an ordinary user who may use sudo. The clone's path
+# has a blank and an umlaut. The folder is taken away whatever happens. Needs root.
+# Exit code: the command's own; 125: it did not get so far, or the folder stays, and a message has said why.
 # TMPDIR names the place of the folder, /var/tmp without it; ./test needs about 6 GB there.
 set -euo pipefail
 top=$(CDPATH='' cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
@@ -15,7 +16,13 @@ give_up() {
     exit 125
 }
 
-[ $# -gt 0 ] || give_up "usage: tools/fresh_root.sh COMMAND..."
+arguments=("$@")
+user=root
+if [ "${1:-}" = --user ]; then
+    user=turner
+    shift
+fi
+[ $# -gt 0 ] || give_up "usage: tools/fresh_root.sh [--user] COMMAND..."
 [ "$(id -u)" -eq 0 ] || give_up "needs root: it makes a system of its own and changes into it"
 for program in debootstrap git unshare apt-get; do
     command -v "$program" >/dev/null || give_up "$program is not installed"
@@ -23,7 +30,7 @@ done
 # What is mounted from here on is this script's own: the machine does not see it, and it goes with the last process.
 if [ -z "${FRESH_ROOT_APART:-}" ]; then
     unshare --mount true 2>/dev/null || give_up "this root may not mount anything (a container?)"
-    FRESH_ROOT_APART=yes exec unshare --mount --propagation private -- "${BASH_SOURCE[0]}" "$@"
+    FRESH_ROOT_APART=yes exec unshare --mount --propagation private -- "${BASH_SOURCE[0]}" "${arguments[@]}"
 fi
 unset FRESH_ROOT_APART
 
@@ -101,6 +108,7 @@ for scheme in http https; do
         export "$name=$proxy"
     fi
     unset proxy
+    [ -z "${!name:-}" ] || apt_config+=$'\n'"Acquire::$scheme::Proxy \"${!name}\";"
 done
 
 say "making a minimal $suite in $folder from $mirror"
@@ -122,12 +130,25 @@ mkdir -p "$root$clone"
 GIT_CONFIG_GLOBAL=$folder/gitconfig git clone --quiet --no-local -- "$top" "$root$clone" ||
     give_up "the clone failed"
 
+if [ "$user" != root ]; then
+    chroot "$root" sh -ec "apt-get -q update && apt-get -q -y install --no-install-recommends sudo
+        useradd --create-home '$user' && echo '$user ALL=(ALL) NOPASSWD: ALL' >/etc/sudoers.d/fresh
+        chown -R '$user' '$(dirname "$clone")'" >"$folder/log" 2>&1 || {
+        tail -n 20 "$folder/log" >&2
+        give_up "the user could not be made (see above)"
+    }
+fi
+
 packages() {  # how many, and their megabytes
     chroot "$root" dpkg-query -W -f '${db:Status-Status} ${Installed-Size}\n' |
         awk '$1 == "installed" {n++; kb += $2} END {printf "%d %d\n", n, kb / 1024}'
 }
-environment=(HOME=/root USER=root LOGNAME=root SHELL=/bin/sh "TERM=${TERM:-dumb}"
-    PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin)
+environment=("USER=$user" "LOGNAME=$user" SHELL=/bin/bash "TERM=${TERM:-dumb}")
+if [ "$user" = root ]; then
+    environment+=(HOME=/root PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin)
+else
+    environment+=("HOME=/home/$user" PATH=/usr/local/bin:/usr/bin:/bin)
+fi
 for name in http_proxy https_proxy no_proxy; do
     [ -z "${!name:-}" ] || environment+=("$name=${!name}")
 done
@@ -138,7 +159,8 @@ status=0
 # Process numbers of its own: whatever the command leaves behind ends with it.
 # shellcheck disable=SC2016
 run_child unshare --pid --fork --kill-child --mount-proc="$root/proc" chroot "$root" env -i "${environment[@]}" \
-    sh -c 'cd "$1" && shift && exec "$@"' sh "$clone" "$@" || status=$?
+    setpriv --reuid "$user" --regid "$user" --init-groups -- sh -c 'cd "$1" && shift && exec "$@"' sh "$clone" "$@" ||
+    status=$?
 seconds=$((SECONDS - begin))
 read -r packages_after mb_after < <(packages)
 tree_mb=$(du -smx -- "$root$clone" | cut -f1)
