@@ -64,12 +64,13 @@ mounted_below() {  # what is mounted at or below the folder, the last first
 take_away() {
     local status=$?
     trap '' INT TERM HUP
-    if [ -n "$child" ]; then  # and with it all that it has started
-        kill -KILL "$child" 2>/dev/null || true
+    local first point left
+    if [ -n "$child" ]; then
+        read -r first _ <"/proc/$child/task/$child/children" || true
+        kill -KILL "${first:-$child}" 2>/dev/null || true
         wait "$child" 2>/dev/null || true
     fi
     [ -n "$folder" ] || exit "$status"
-    local point left
     mounted_below | while IFS= read -r point; do umount -- "$point" || true; done
     if ! left=$(mounted_below) || [ -n "$left" ]; then
         say "$folder stays, since something may still be mounted there: $left"
@@ -83,10 +84,11 @@ trap take_away EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 
-# In the background, so that a signal is answered at once.
-run_child() {
+# run_apart PROC COMMAND...: with process numbers of its own, shown at PROC: all that the command has started ends with
+# its first process. In the background, so that a signal is answered at once.
+run_apart() {
     local status=0
-    "$@" <&0 &
+    unshare --pid --fork --kill-child --mount-proc="$1" -- "${@:2}" <&0 &
     child=$!
     wait "$child" || status=$?
     child=
@@ -112,7 +114,7 @@ for scheme in http https; do
 done
 
 say "making a minimal $suite in $folder from $mirror"
-run_child debootstrap --variant=minbase --force-check-gpg "$suite" "$root" "$mirror" >"$folder/log" 2>&1 || {
+run_apart /proc debootstrap --variant=minbase --force-check-gpg "$suite" "$root" "$mirror" >"$folder/log" 2>&1 || {
     tail -n 20 "$folder/log" >&2
     give_up "debootstrap could not make the root (see above)"
 }
@@ -131,7 +133,8 @@ GIT_CONFIG_GLOBAL=$folder/gitconfig git clone --quiet --no-local -- "$top" "$roo
     give_up "the clone failed"
 
 if [ "$user" != root ]; then
-    chroot "$root" sh -ec "apt-get -q update && apt-get -q -y install --no-install-recommends sudo
+    run_apart "$root/proc" chroot "$root" sh -ec "apt-get -q update
+        apt-get -q -y install --no-install-recommends sudo
         useradd --create-home '$user' && echo '$user ALL=(ALL) NOPASSWD: ALL' >/etc/sudoers.d/fresh
         chown -R '$user' '$(dirname "$clone")'" >"$folder/log" 2>&1 || {
         tail -n 20 "$folder/log" >&2
@@ -156,9 +159,8 @@ done
 read -r packages_before mb_before < <(packages)
 begin=$SECONDS
 status=0
-# Process numbers of its own: whatever the command leaves behind ends with it.
 # shellcheck disable=SC2016
-run_child unshare --pid --fork --kill-child --mount-proc="$root/proc" chroot "$root" env -i "${environment[@]}" \
+run_apart "$root/proc" chroot "$root" env -i "${environment[@]}" \
     setpriv --reuid "$user" --regid "$user" --init-groups -- sh -c 'cd "$1" && shift && exec "$@"' sh "$clone" "$@" ||
     status=$?
 seconds=$((SECONDS - begin))
