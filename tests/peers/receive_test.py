@@ -104,7 +104,9 @@ class ReceiveTest(Case):
 
     def test_ctrl_c_tells_a_file_that_the_disk_did_not_take(self):
         self.home.write('part.nc', PROGRAM)
-        failing = self.home.environment(LD_PRELOAD=str(programs.flush_fails),
+        preload = self.home.path('flush_fails.so')  # a path without blanks, which would end it
+        preload.symlink_to(programs.flush_fails)
+        failing = self.home.environment(LD_PRELOAD=str(preload),
                                         ASAN_OPTIONS='verify_asan_link_order=0')
         with Simulator(self.home, '--send', 'part.nc', '--rate', 9600, '--start-key') as machine, \
                 Cli(self.home, 'receive', '--port', machine.line, 'got.nc', environment=failing) as cli:

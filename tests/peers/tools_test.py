@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Sends to and receives from the usual tools, and compares with cmp: cat on a pty, and socat between two ptys."""
 
+import fcntl
 import os
 import shutil
 import subprocess
@@ -9,6 +10,7 @@ import station
 from station import TOP, Case, Cli, Simulator, wait_for
 
 PROGRAM = TOP / 'examples' / 'stepped-shaft.nc'
+TIOCGEXCL = 0x80045440  # not in termios
 
 
 class ToolsTest(Case):
@@ -79,6 +81,9 @@ class ToolsTest(Case):
             done = self.home.run('send', '--port', ours, PROGRAM)
             self.assertEqual((done.returncode, simulator.finish()), (0, 0), done.stderr + simulator.report['text'])
         self.assert_same(self.home.path('got.nc'), PROGRAM)
+        with open(machine, 'rb', buffering=0) as line:  # root could open it all the same
+            alone = fcntl.ioctl(line, TIOCGEXCL, bytes(4))
+        self.assertEqual(alone, bytes(4), 'the device is still for one program alone')
         with Cli(self.home, 'receive', '--port', ours, '--timeout', 1, 'back.nc') as cli, \
                 Simulator(self.home, '--send', PROGRAM, '--start-after', '0', '--idle', '300', machine) as simulator:
             self.assertEqual((cli.finish(), simulator.finish()), (0, 0), cli.error_text())

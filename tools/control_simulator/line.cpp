@@ -93,8 +93,10 @@ std::string open_line(const Options& options, Line* line) {
 }
 
 void close_line(Line* line) {
-    if (line->fd >= 0)
+    if (line->fd >= 0) {
         restore_settings(line->fd);
+        ioctl(line->fd, TIOCNXCL);  // a pty lives on, and would be nobody's any more but root's
+    }
     char target[64];
     const ssize_t length = line->link.empty() ? -1 : readlink(line->link.c_str(), target, sizeof target);
     if (length >= 0 && line->name == std::string_view(target, static_cast<std::size_t>(length)))
