@@ -16,7 +16,7 @@ packages() {
 build    cmake ninja-build g++
 desktop  qt6-base-dev fonts-dejavu-core
 display  xvfb openbox xdotool x11-utils imagemagick poppler-utils python3
-test     python3 libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format socat ccache
+test     libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format socat ccache
 LIST
 }
 
