@@ -5,6 +5,7 @@ fixed time: every wait is for a condition, with a generous limit.
 """
 
 import os
+import shlex
 import shutil
 import subprocess
 import tempfile
@@ -91,8 +92,12 @@ class Display:
         self.environment["DISPLAY"] = ":" + number
 
     def _start_window_manager(self):
-        self.start(["openbox", "--sm-disable"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        wait_for("the window manager", lambda: "window id" in self.output("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+        # A window that is shown while openbox still starts never becomes active, and openbox announces itself on the
+        # root window before that: only its start-up command comes when it is ready.
+        ready = os.path.join(self.scratch, "window-manager-ready")
+        self.start(["openbox", "--sm-disable", "--startup", shlex.join(["touch", ready])], stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL)
+        wait_for("the window manager", lambda: os.path.exists(ready))
 
     def start(self, command, **options):
         """A process on this display that ends with it."""
