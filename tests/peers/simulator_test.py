@@ -4,6 +4,7 @@
 import os
 import select
 import subprocess
+import termios
 
 import station
 from station import TIMEOUT_S, Case, Simulator, programs, wait_for
@@ -52,6 +53,13 @@ class SimulatorTest(Case):
             os.close(line)
             machine.finish()
         return machine
+
+    def read_all(self, line, count):
+        """So many bytes of the machine's, or what came before it hung up."""
+        got = b''
+        while len(got) < count and (piece := os.read(line, 4096)):
+            got += piece
+        return got
 
     def test_faults_on_the_line_are_told(self):
         for name, options, stream, told in FAULTS:
@@ -114,12 +122,27 @@ class SimulatorTest(Case):
             machine.press_start()
             self.assertEqual(select.select([line], [], [], 0.05)[0], [])
             os.write(line, b'\x11')
-            got = b''
-            while len(got) < len(program):
-                got += os.read(line, 4096)
+            got = self.read_all(line, len(program))
             os.close(line)
             self.assertEqual(machine.finish(), 0, machine.report['text'])
         self.assertEqual((got, machine.report['held by XOFF']), (program, 1))
+
+    def test_send_waits_as_long_as_it_takes(self):
+        program = b'G1 X1\r\n' * 100
+        self.home.write('part.nc', program)
+        for name, options in (('for its time, longer than the silence that ends a run',
+                               ('--start-after', '1600', '--idle', '1500')),
+                              ('for its other side, with the key pressed ahead', ('--start-key',))):
+            with self.subTest(name), Simulator(self.home, '--send', 'part.nc', '--log', 'log', *options) as machine:
+                if '--start-key' in options:
+                    machine.press_start()
+                    wait_for(lambda: 'start key' in self.home.path('log').read_text())
+                line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+                termios.tcflush(line, termios.TCIFLUSH)  # as the station does
+                got = self.read_all(line, len(program))
+                os.close(line)
+                self.assertEqual(machine.finish(), 0, machine.report['text'])
+                self.assertEqual(got, program)
 
     def test_bytes_behind_xoff_are_counted(self):
         for more, code in ((5, 0), (6, 1)):

@@ -142,7 +142,9 @@ constexpr Entry TIME_ENTRIES[] = {
      [](Options& o, const char* text) { return read_ms(text, &o.dc1_after); }},
     {"--start-after", "MS", "The same for the first byte of --send. Default 250.",
      [](Options& o, const char* text) { return read_ms(text, &o.start_after); }},
-    {"--start-key", nullptr, "DC1 or --send wait for Enter on standard input instead, once.",
+    {"--start-key", nullptr,
+     "DC1 or --send wait for Enter on standard input instead, once. Pressed before the other side has opened "
+     "the pty, it counts from the opening.",
      [](Options& o, const char*) { return o.start_key = true; }},
     {"--ack-delay", "MS", "Answers a block MS milliseconds after its end. Default 0.",
      [](Options& o, const char* text) { return read_ms(text, &o.ack_delay); }},

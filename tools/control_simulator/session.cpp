@@ -39,6 +39,7 @@ void put_out(Session* s, uint8_t character) {
 void send_answers(Session* s, int64_t now) {
     while (!s->answers_due.empty() && s->answers_due.front() <= now) {
         s->answers_due.pop_front();
+        s->last_event = now;
         if (++s->answer_count == s->options.drop_ack) {
             log_note(s->log, "an answer is left out");
             continue;
@@ -58,11 +59,13 @@ void let_go_on(Session* s, int64_t now) {
     put_out(s, XON);
 }
 
-// With --send the start is the caller's; here it is only noted.
+// With --send the start is the caller's; here it is only noted. Silence counts from it: the wait for it was
+// none.
 void start_if_due(Session* s, int64_t now) {
     if (s->start_due == 0 || s->start_due > now)
         return;
     s->started = true;
+    s->last_event = now;
     s->start_due = 0;
     if (receiving(*s)) {
         put_out(s, XON);
@@ -115,7 +118,8 @@ void see_watch(Session* s) {
         log_note(s->log, "the other side was opened");
         s->closed_at = 0;
         const int64_t after = receiving(*s) ? s->options.dc1_after : s->options.start_after;
-        if (after != NOT_GIVEN && !s->options.start_key && !anything_moved(*s))
+        const bool waits_for_key = s->options.start_key && !s->key_came;
+        if (after != NOT_GIVEN && !waits_for_key && !anything_moved(*s))
             s->start_due = now_ns() + after * MS;
     }
     if (s->line.openings == 0 && s->closed_at == 0) {
@@ -134,7 +138,11 @@ void see_key(Session* s) {
         s->key_open = false;
         return;
     }
-    if (key == '\n' && !s->started)
+    if (key != '\n' || s->key_came)
+        return;
+    log_note(s->log, "the start key was pressed");
+    s->key_came = true;
+    if (!s->options.device.empty() || s->line.openings > 0)
         s->start_due = now_ns();
 }
 
@@ -225,7 +233,7 @@ void wait_once(Session* s, int64_t until, bool for_room) {
     const int64_t rest = std::max<int64_t>(time - now_ns(), 0);
     const timespec limit = {rest / 1000000000, rest % 1000000000};
     const bool wants_room = for_room || !s->out.empty();
-    const bool wants_key = s->options.start_key && s->key_open && !s->started;
+    const bool wants_key = s->options.start_key && s->key_open && !s->key_came;
     pollfd polled[] = {
         {s->line.fd, static_cast<short>(POLLIN | (wants_room ? POLLOUT : 0)), 0},
         {s->line.watch, POLLIN, 0},

@@ -43,12 +43,14 @@ struct Session {
     bool started = false;       // DC1 was sent, or --send has begun
     bool held = false;          // the other side has sent XOFF (--send)
     bool key_open = true;       // standard input may still bring the start key
+    bool key_came = false;      // it was pressed
 };
 
 // Makes the process ready for ppoll: SIGINT, SIGTERM and SIGHUP end the run in order.
 void catch_signals();
 
-// On a device the start counts from here; on a pty from its opening by the other side.
+// On a device the start counts from here; on a pty from its opening by the other side, for which it waits
+// with the start key pressed too.
 void begin_session(Session* session);
 
 // Closes the line as an unplugged cable does; the run is over.
