@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The simulator sees what is wrong on the line, and says no to what it cannot do. Streams are written by hand."""
 
+import fcntl
 import os
 import select
 import subprocess
@@ -88,6 +89,23 @@ class SimulatorTest(Case):
             os.close(line)
             self.assertEqual(machine.finish(), 0, machine.report['text'])
         self.assertEqual(self.home.path('machine.nc').read_bytes(), b'M30\r\n')
+
+    def test_a_machine_with_a_slow_disk_takes_all_that_came_before_the_closing(self):
+        program = b'G1 X1\r\n' * 3140  # as much as line, machine and pipe hold together
+        os.mkfifo(self.home.path('disk'))
+        disk = os.open(self.home.path('disk'), os.O_RDONLY | os.O_NONBLOCK)
+        fcntl.fcntl(disk, fcntl.F_SETPIPE_SZ, 4096)
+        with Simulator(self.home, '--receive', 'disk', '--protocol', 'phillips') as machine:
+            line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+            os.write(line, program + b'\x04')
+            os.close(line)
+            got = b''
+            while select.select([disk], [], [], TIMEOUT_S)[0] and (piece := os.read(disk, 4096)):
+                got += piece
+                select.select([], [], [], 0.15)  # stands still for longer than a closed line is watched
+            self.assertEqual(machine.finish(), 0, machine.report['text'])
+        os.close(disk)
+        self.assertEqual(got, program)
 
     def test_silence_ends_a_run_whose_line_stays_open(self):
         with Simulator(self.home, '--receive', 'machine.nc', '--idle', '50') as machine:

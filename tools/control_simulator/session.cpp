@@ -101,11 +101,20 @@ int64_t over_at(const Session& s, End* why) {
     return s.options.patience == 0 ? INT64_MAX : s.log.start_ns + s.options.patience * MS;
 }
 
+// What the line has not been asked for yet: bytes, or an opening. A poll of a pty hands up what is on its
+// way.
+bool something_waits(const Session& s) {
+    pollfd polled[] = {{s.line.fd, POLLIN, 0}, {s.line.watch, POLLIN, 0}};
+    return poll(polled, std::size(polled), 0) > 0;
+}
+
+// The time alone tells nothing: the computer, or a slow disk, may have kept this program from reading
+// meanwhile.
 void see_whether_over(Session* s) {
     End why = End::NOT_YET;
     if (signal_came != 0)
         s->end = End::STOPPED;
-    else if (over_at(*s, &why) <= now_ns())
+    else if (over_at(*s, &why) <= now_ns() && !something_waits(*s))
         s->end = why;
 }
 
