@@ -89,13 +89,17 @@ void reset_line(Line& line) {
     line.sending = {};
 }
 
-// Output is dropped only while a write runs. Behind its end nothing should wait any more, and where the
-// driver cannot tell (a pty whose other side reads slowly) what still waits belongs to a transfer that counts
-// as complete.
-void drop_everything(Line& line) {
-    const bool writing = line.sending.running;
+// Output is dropped only where the driver tells that bytes wait, and those are of the write that runs. What a
+// pty has taken is on the line: a flush would take what the machine has not read yet, and with it the end of
+// writes that were told as sent.
+bool drop_output(Line& line) {
+    const bool waits = line.sending.running && line.driver.queued(line.tty) > 0;
     stop_write(line);
-    flush_tty(line.tty, writing);
+    return waits;
+}
+
+void drop_everything(Line& line) {
+    flush_tty(line.tty, drop_output(line));
     line.ring_used = 0;
     line.pending &= EV_GONE;
     wake_worker(line);
@@ -281,10 +285,9 @@ void line_purge(LineHandle handle) {
 void line_close(LineHandle handle) {
     const OpenLine open(handle);
     if (open.line != nullptr) {
-        const bool writing = open.line->sending.running;
-        stop_write(*open.line);
+        const bool flush_output = drop_output(*open.line);
         close_wakers(open.line->wake, open.line->edges);
-        close_tty(open.line->tty, writing);
+        close_tty(open.line->tty, flush_output);
         open.line->tty = -1;
     }
 }
