@@ -77,7 +77,6 @@ void reset_line(Line& line) {
     line.driver = line_driver;
     line.settings = {};
     line.has_modem_lines = true;
-    line.tells_register = true;
     line.paced = pacing_is_on();
     line.mask = 0;
     line.pending = 0;

@@ -13,7 +13,7 @@ namespace hexlane::platform {
 struct LineDriver {
     ssize_t (*write)(int tty, const void* data, std::size_t count);  // as write(2), without waiting
     int (*queued)(int tty);  // bytes accepted and not yet sent; 0 also when the driver doesn't tell
-    int (*transmitter_empty)(int tty);  // 1 or 0; -1 when the driver doesn't tell
+    int (*transmitter_empty)(int tty);  // 1 or 0; behind an empty queue
     int (*clear_to_send)(int tty);      // 1 or 0; -1 when there are no modem lines
     int (*error_counts)(int tty,
                         LineErrors* errors);  // since the driver's start; 1, or 0 when it counts none

@@ -66,7 +66,6 @@ struct Line {
     LineDriver driver{};
     LineSettings settings{};
     bool has_modem_lines = true;  // until the driver says otherwise
-    bool tells_register = true;   // the same, of the shift register
     int64_t char_time = 0;        // of one character with its start, parity and stop bits
     bool paced = true;
     int in_flight_limit = IN_FLIGHT_MIN;  // bytes

@@ -94,19 +94,10 @@ bool nothing_moves(const Line& line, int64_t now) {
     return now - std::max(sending.moved_at, sending.busy_until) > HELD_CHARACTERS * line.char_time;
 }
 
-// A driver that doesn't tell is asked once.
-bool register_is_empty(Line& line) {
-    if (!line.tells_register) {
-        return true;
-    }
-    const int empty = line.driver.transmitter_empty(line.tty);
-    line.tells_register = empty >= 0;
-    return empty != 0;
-}
-
-bool all_has_left(Line& line, int64_t now) {
+bool all_has_left(const Line& line, int64_t now) {
     const Sending& sending = line.sending;
-    return all_handed(sending) && sending.queued == 0 && sending.busy_until <= now && register_is_empty(line);
+    return all_handed(sending) && sending.queued == 0 && sending.busy_until <= now &&
+           line.driver.transmitter_empty(line.tty) != 0;
 }
 
 void plan_next_look(Line& line, int64_t now) {

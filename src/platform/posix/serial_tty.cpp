@@ -2,6 +2,7 @@
 
 #include "platform/posix/serial_tty.h"
 
+#include "platform/posix/serial_drain.h"
 #include "platform/posix/serial_driver.h"
 #include "platform/posix/serial_problem.h"
 #include "platform/text.h"
@@ -111,7 +112,7 @@ int tty_queued(int tty) {
 int tty_transmitter_empty(int tty) {
     int state = 0;
     if (ioctl(tty, TIOCSERGETLSR, &state) != 0) {
-        return -1;
+        return drain_tty(tty);
     }
     return (state & TIOCSER_TEMT) != 0 ? 1 : 0;
 }

@@ -1,6 +1,8 @@
 // Writes: pacing, EV_TXEMPTY, a stop by the machine, purging, and drivers that tell more than a pty does.
 
+#include "platform/posix/serial_drain.h"
 #include "platform/posix/serial_driver.h"
+#include "platform/threads.h"
 #include "serial_fixture.h"
 
 #include <algorithm>
@@ -162,12 +164,34 @@ TEST(Sending, APurgeDropsTheWriteAndTheLineGoesOn) {
     line_close(line);
 }
 
+TEST(Sending, WhatWasToldAsSentArrivesThoughTheMachineStopsTheNextWrite) {
+    const PacingOff off;
+    for (const bool purged : {false, true}) {
+        SCOPED_TRACE(purged);
+        Machine machine;
+        const LineHandle line = open_line(machine, 9600);
+        const std::string bytes = pattern(8000);  // more than the far side takes in ahead of a read
+        {
+            Worker worker(line);
+            ASSERT_EQ(line_write(line, bytes.data(), 8000), 1);
+            ASSERT_TRUE(worker.waits_for(EV_TXEMPTY));
+            machine.send("\x13");
+            ASSERT_EQ(line_write(line, "next", 4), 1);
+            ASSERT_TRUE(wait_for([&] { return line_held(line); }));
+        }
+        if (purged) {
+            line_purge(line);
+        }
+        line_close(line);
+        EXPECT_EQ(machine.take().substr(0, 8000), bytes);
+    }
+}
+
 // ---- A driver with a queue, a shift register and modem lines, moved by the test ---------------------------
 
 std::atomic<int> driver_queue{0};
 std::atomic<int> most_queued{0};
 std::atomic<int> register_empty{1};
-std::atomic<int> register_looks{0};
 std::atomic<int> cts_line{1};
 std::atomic<int> cts_looks{0};
 
@@ -183,14 +207,10 @@ protected:
         driver_queue = 0;
         most_queued = 0;
         register_empty = 1;
-        register_looks = 0;
         cts_line = 1;
         cts_looks = 0;
         line_driver = {queue_write, [](int) { return driver_queue.load(); },
-                       [](int) {
-                           register_looks++;
-                           return register_empty.load();
-                       },
+                       [](int) { return register_empty.load(); },
                        [](int) {
                            cts_looks++;
                            return cts_line.load();
@@ -231,17 +251,25 @@ TEST_F(ToldQueue, EmptyWaitsForTheQueueAndTheShiftRegister) {
     EXPECT_TRUE(worker.waits_for(EV_TXEMPTY));
 }
 
-TEST_F(ToldQueue, ADriverThatDoesNotTellItsRegisterIsAskedOnce) {
-    register_empty = -1;
-    Worker worker(line);
-    for (int i = 0; i < 3; i++) {
-        worker.seen = 0;
-        ASSERT_EQ(line_write(line, bytes.data(), 1), 1);
-        ASSERT_TRUE(wait_for([] { return driver_queue == 1; }));
-        driver_queue = 0;
-        EXPECT_TRUE(worker.waits_for(EV_TXEMPTY));
-    }
-    EXPECT_EQ(register_looks, 1);
+// As a worker: with all signals blocked.
+TEST(Sending, AWaitForTheChipOfAnAdapterEndsInTime) {
+    static int chip[2];
+    static int (*const take_byte)(int) = [](int file) {
+        char byte;
+        return static_cast<int>(::read(file, &byte, 1));
+    };
+    ASSERT_EQ(pipe(chip), 0);
+    const auto asks = [](int64_t) {
+        constexpr int64_t MINUTE = 60'000'000'000;
+        EXPECT_EQ(end_in_time(take_byte, chip[0], 5'000'000), 0) << "the machine holds the line";
+        EXPECT_EQ(::write(chip[1], "x", 1), 1);
+        EXPECT_EQ(end_in_time(take_byte, chip[0], MINUTE), 1);
+        EXPECT_EQ(end_in_time(take_byte, -1, MINUTE), 1) << "what can't be asked holds nothing";
+        return int64_t{0};
+    };
+    thread_join(thread_start(asks, 0, ThreadPriority::NORMAL));
+    close(chip[0]);
+    close(chip[1]);
 }
 
 TEST_F(ToldQueue, AHeldQueueIsNotFilledUpAndCostsNothing) {
