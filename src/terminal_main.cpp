@@ -2,6 +2,8 @@
 
 #include "dnc/machine_table.h"
 #include "frame/directories.h"
+#include "platform/desktop.h"
+#include "platform/files.h"
 #include "platform/qt/application.h"
 #include "terminal/terminal_window.h"
 
@@ -38,6 +40,16 @@ int machine_number(const char* text) {
                                                                                                   : -1;
 }
 
+// Without the machines nobody knows the line's settings.
+void tell_unread() {
+    using namespace hexlane::platform;
+    char text[2 * PATH_SIZE];
+    format_text(text, sizeof text, "%s cannot be read: %s.", hexlane::directories.parameter_file_path,
+                file_error_text(last_file_error()));
+    std::fprintf(stderr, "hexlane-terminal: %s\n", text);
+    message_box(text, "Terminal", BoxIcon::STOP, BUTTONS_OK);
+}
+
 int show_terminal(char* program, int machine) {
     if (!hexlane::platform::start_desktop(program))
         return START_FAILED;
@@ -46,7 +58,11 @@ int show_terminal(char* program, int machine) {
         return START_FAILED;
     }
     hexlane::create_directories();
-    hexlane::load_machine_table();
+    hexlane::set_machine_defaults();
+    if (hexlane::load_machine_table() == hexlane::TableState::NOT_READ) {
+        tell_unread();
+        return START_FAILED;
+    }
     int code = 0;
     {
         hexlane::TerminalWindow window(machine >= 0 ? machine : hexlane::slot_machine[0]);

@@ -51,14 +51,10 @@ std::string load_machines() {
     if (!find_home())
         return "there is no folder for the program's files: set HEXLANE_HOME to one";
     create_directories();
-    const char* path = directories.parameter_file_path;
-    if (path_kind(path) != PathKind::NONE) {
-        const FileHandle file = file_open(path, FileAccess::READ_WRITE);
-        if (file == NO_FILE)
-            return std::string("cannot open ") + path + ": " + file_error_text(last_file_error());
-        file_close(file);
-    }
-    load_machine_table();
+    set_machine_defaults();
+    if (load_machine_table() == TableState::NOT_READ)
+        return std::string("cannot read ") + directories.parameter_file_path + ": " +
+               file_error_text(last_file_error());
     return "";
 }
 

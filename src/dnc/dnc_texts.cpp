@@ -66,6 +66,12 @@ constexpr BoxText DNC_BOXES[] = {
      "sent "
      "faster than the port could take them. The file is not the whole program.",
      "Communications", BoxIcon::STOP, BUTTONS_OK},
+    {"The file of the machine settings could not be read: %s.\n\nIt is left as it is. What the machines have "
+     "here does not come from it: look at them before a transfer.",
+     "Communications", BoxIcon::STOP, BUTTONS_OK},
+    {"The file of the machine settings was gone. It has been made anew, and all machines have their default "
+     "settings.",
+     "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
 };
 
 }  // namespace

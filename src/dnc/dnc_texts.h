@@ -34,6 +34,8 @@ enum class DncBox {
     NO_ROW_INDEX,      // file, reason
     LOG_NOT_WRITTEN,   // reason
     BYTES_LOST,        // file
+    TABLE_NOT_READ,    // reason
+    TABLE_MADE_ANEW,
 };
 
 // Shows a box and gives the index of the button pressed.

@@ -11,6 +11,7 @@ namespace hexlane {
 
 constexpr int MACHINE_COUNT = 16;
 constexpr int MACHINE_RECORD_SIZE = 1108;
+constexpr int MACHINE_FILE_SIZE = MACHINE_COUNT * MACHINE_RECORD_SIZE;
 constexpr int MACHINE_NAME_SIZE = 36;   // bytes, the NUL included
 constexpr int MACHINE_STRING_SIZE = 8;  // bytes of a start or end string
 constexpr uint8_t BLANK_BYTE = 0xFF;    // a string entry without a character

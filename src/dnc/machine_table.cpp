@@ -1,5 +1,6 @@
 #include "dnc/machine_table.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "dnc/machine_fields.h"
@@ -18,43 +19,60 @@ int32_t slot_machine[SLOT_COUNT] = {0, 0};
 
 namespace {
 
-void read_records(FileHandle file) {
-    for (int i = 0; i < MACHINE_COUNT; i++) {
-        const int64_t length = file_read_at(file, static_cast<int64_t>(i) * MACHINE_RECORD_SIZE,
-                                            &machine_table[i], sizeof machine_table[i]);
-        if (length <= 0)
-            return;
-        machine_table[i].name[MACHINE_NAME_SIZE - 1] = '\0';  // a damaged file may lack it
-        uint8_t& xoff = machine_table[i].xoff_char;
-        if (xoff != XOFF_DEFAULT && xoff != XOFF_EIA_ALTERNATE)
-            xoff = XOFF_DEFAULT;
-    }
+// The records of a file, as many of their bytes as it has.
+struct TableImage {
+    MachineParams records[MACHINE_COUNT];
+    int64_t length;
+};
+static_assert(sizeof TableImage::records == MACHINE_FILE_SIZE);
+
+// 1; 0 when there is no file or it cannot be read.
+int read_image(TableImage* image) {
+    const FileHandle file = file_open(directories.parameter_file_path, FileAccess::READ);
+    if (file == NO_FILE)
+        return 0;
+    image->length = file_read_at(file, 0, image->records, sizeof image->records);
+    const FileError reason = last_file_error();
+    file_close(file);
+    set_last_file_error(reason);
+    return image->length >= 0;
 }
 
-void make_file() {
-    FileHandle file = file_create(directories.parameter_file_path, FileCreate::NEW);
-    if (file == NO_FILE && last_file_error() != FileError::EXISTS)
+// Record `i` from what the file has of it. A damaged one may lack the name's end.
+void take_record(const TableImage& image, int i) {
+    const int64_t length = std::min<int64_t>(image.length - i * MACHINE_RECORD_SIZE, MACHINE_RECORD_SIZE);
+    if (length <= 0)
         return;
-    if (file != NO_FILE)
-        file_close(file);
+    MachineParams& machine = machine_table[i];
+    std::memcpy(static_cast<void*>(&machine), &image.records[i], static_cast<std::size_t>(length));
+    machine.name[MACHINE_NAME_SIZE - 1] = '\0';
+    if (machine.xoff_char != XOFF_DEFAULT && machine.xoff_char != XOFF_EIA_ALTERNATE)
+        machine.xoff_char = XOFF_DEFAULT;
+}
+
+TableState read_table() {
+    TableImage image;
+    if (read_image(&image)) {
+        for (int i = 0; i < MACHINE_COUNT; i++)
+            take_record(image, i);
+        return TableState::READ;
+    }
+    if (last_file_error() != FileError::NOT_FOUND)
+        return TableState::NOT_READ;
     set_machine_defaults();
-    save_machine_table();
+    (void)save_machine_table();
+    return TableState::MADE;
 }
 
 }  // namespace
 
-void load_machine_table() {
-    FileHandle file = file_open(directories.parameter_file_path, FileAccess::READ_WRITE);
-    if (file == NO_FILE) {
-        make_file();
-    } else {
-        read_records(file);
-        file_close(file);
-    }
+TableState load_machine_table() {
+    const TableState state = read_table();
     const int current = machine_setting(machine_table[0], Field::CURRENT_MACHINE);
     edit_machine = static_cast<int16_t>(current);
     slot_machine[0] = current;
     slot_machine[1] = current;
+    return state;
 }
 
 void set_machine_defaults() {
@@ -72,16 +90,7 @@ void set_machine_defaults() {
 }
 
 int save_machine_table() {
-    Replacement output;
-    if (!begin_replacement(&output, directories.parameter_file_path))
-        return 0;
-    FileHandle old = file_open(directories.parameter_file_path, FileAccess::READ);
-    const int saved =
-        replacement_write(&output, machine_table, sizeof machine_table) && finish_replacement(&output, old);
-    if (old != NO_FILE)
-        file_close(old);
-    abandon_replacement(&output);
-    return saved;
+    return replace_whole_file(directories.parameter_file_path, machine_table, sizeof machine_table);
 }
 
 const MachineParams& machine_of_slot(int slot) {

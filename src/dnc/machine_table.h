@@ -15,15 +15,24 @@ extern MachineParams machine_table[MACHINE_COUNT];
 extern int16_t edit_machine;              // the record that the parameter dialog shows
 extern int32_t slot_machine[SLOT_COUNT];  // the machine chosen for each slot
 
-// Fills machine_table from parameter_file_path as far as the file goes, or makes the file with defaults. Sets
-// edit_machine and slot_machine to the current machine of record 0. Nothing is reported.
-void load_machine_table();
+// How the file was found.
+enum class TableState : uint8_t {
+    READ,
+    MADE,      // there was none: it is there now, with the defaults
+    NOT_READ,  // it is there and cannot be read: it is left alone, and the table is as it was
+};
+
+// Fills machine_table from parameter_file_path as far as the file goes, or makes the file with defaults when
+// there is none. Sets edit_machine and slot_machine to the current machine of record 0. Nothing is reported;
+// for NOT_READ the reason is in platform::last_file_error().
+[[nodiscard]] TableState load_machine_table();
 
 // Fills all records with the defaults. Touches no file.
 void set_machine_defaults();
 
-// Writes all records, complete and then in place. Gives 1, or 0 on failure, when the old file stays.
-int save_machine_table();
+// Writes all records, complete and then in place. Gives 1; 0 on failure, when the old file stays and the
+// reason is in platform::last_file_error(). One that may not be read and written is not replaced.
+[[nodiscard]] int save_machine_table();
 
 // The record that slot `slot` works with.
 const MachineParams& machine_of_slot(int slot);

@@ -5,6 +5,7 @@
 #include "dnc/machine_fields.h"
 #include "dnc/machine_presets.h"
 #include "dnc/machine_table.h"
+#include "dnc/machine_watch.h"
 #include "dnc/parameter_views.h"
 #include "dnc/parameter_views_internal.h"
 #include "dnc/port_engine.h"
@@ -15,6 +16,7 @@
 #include "frame/views.h"
 
 #include <array>
+#include <cstring>
 #include <iterator>
 
 namespace hexlane {
@@ -81,6 +83,9 @@ constexpr auto CONTROLS =
 
 constexpr ViewSpec SETTINGS_VIEW = {"COMMSETTINGS", "Communications Parameter Settings", 0, CONTROLS.data(),
                                     CONTROLS.size()};
+
+// All records as they were when the view came up, for a Cancel that finds no file to read.
+MachineParams machines_before[MACHINE_COUNT];
 
 // A name is edited in place: what the box holds is the name of the record on show. A character that no name
 // can hold is not taken.
@@ -215,10 +220,7 @@ void save_and_end(ViewHandle view) {
 }
 
 void drop_and_end(ViewHandle view) {
-    {
-        const BothSlotsGuard guard;
-        load_machine_table();
-    }
+    reload_machine_table(machines_before);
     view_end(view, 0);
 }
 
@@ -281,6 +283,7 @@ void store_setting(Field field, int value) {
 }
 
 void show_parameters() {
+    std::memcpy(static_cast<void*>(machines_before), machine_table, sizeof machines_before);
     for (int slot = 0; slot < SLOT_COUNT; slot++) {
         if (port_slot[slot].connected && transfer_state[slot].status == PORT_IDLE)
             port_close_and_report(slot);

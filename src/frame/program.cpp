@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "dnc/machine_table.h"
+#include "dnc/machine_watch.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer_state.h"
 #include "frame/child.h"
@@ -101,7 +102,7 @@ void set_up_state() {
     clear_copy_block();
     block_clear();
     set_caret_visible(false);
-    load_machine_table();
+    start_machine_table();
     for (int slot = 0; slot < SLOT_COUNT; slot++)
         port_init(slot, machine_of_slot(slot));
     send_continuous = 0;
@@ -149,6 +150,7 @@ int program_main(const char* file) {
     set_up_state();
     end_wait(pointer);
     show_program();
+    tell_machine_file();
     open_first_file();
     const int code = run_message_loop();
     release_instance();

@@ -64,23 +64,6 @@ bool name_is_taken(const char* file_name, int32_t but) {
     return false;
 }
 
-int write_image(const char* path) {
-    const FileHandle old = file_open(path, FileAccess::READ);
-    Replacement replacement;
-    int written = begin_replacement(&replacement, path);
-    if (written) {
-        written = replacement_write(&replacement, macros.block.bytes, sizeof macros.block.bytes) &&
-                  finish_replacement(&replacement, old);
-    }
-    const FileError reason = last_file_error();
-    if (!written)
-        abandon_replacement(&replacement);
-    if (old != NO_FILE)
-        file_close(old);
-    set_last_file_error(reason);
-    return written;
-}
-
 }  // namespace
 
 void reset_macros() {
@@ -113,7 +96,8 @@ int write_macro(int32_t entry) {
     put_macro_count(&macros.block, macros.event_count);
     std::memcpy(macros.block.bytes, macros.table[entry].name, MACRO_NAME_SIZE);
     char path[PATH_SIZE];
-    return macro_file_path(entry, path) && write_image(path);
+    return macro_file_path(entry, path) &&
+           replace_whole_file(path, macros.block.bytes, sizeof macros.block.bytes);
 }
 
 MacroRead read_macro(int32_t entry) {

@@ -42,8 +42,8 @@ void scan_macros();
 // The path of the entry's file. 1; 0 when it does not fit (NAME_TOO_LONG): then it is cut.
 int macro_file_path(int32_t entry, char path[platform::PATH_SIZE]);
 
-// Writes name, count and ring, complete or not at all. 1; 0 on failure, with the reason in
-// platform::last_file_error().
+// Writes name, count and ring, complete or not at all; a file that may not be written stays. 1; 0 on failure,
+// with the reason in platform::last_file_error().
 [[nodiscard]] int write_macro(int32_t entry);
 
 enum class MacroRead : uint8_t {

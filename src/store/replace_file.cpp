@@ -81,4 +81,20 @@ void abandon_replacement(Replacement* replacement) {
     set_last_file_error(reason);
 }
 
+int replace_whole_file(const char* path, const void* data, std::size_t size) {
+    const FileHandle old = file_open(path, FileAccess::READ_WRITE);
+    if (old == NO_FILE && last_file_error() != FileError::NOT_FOUND)
+        return 0;
+    Replacement output;
+    const int written = begin_replacement(&output, path) && replacement_write(&output, data, size) &&
+                        finish_replacement(&output, old);
+    abandon_replacement(&output);
+    if (old != NO_FILE) {
+        const FileError reason = last_file_error();
+        file_close(old);
+        set_last_file_error(reason);
+    }
+    return written;
+}
+
 }  // namespace hexlane

@@ -28,4 +28,9 @@ struct Replacement {
 // none.
 void abandon_replacement(Replacement* replacement);
 
+// A small file of the program's own, replaced as a whole. One that is there and may not be read and written
+// is left alone: renaming would get round its mode. Gives 1; 0 on failure, when the old file stays and the
+// reason is in platform::last_file_error().
+[[nodiscard]] int replace_whole_file(const char* path, const void* data, std::size_t size);
+
 }  // namespace hexlane

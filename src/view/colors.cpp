@@ -24,20 +24,12 @@ constexpr int NC_MODE_ID = 1019;
 // The file as it was read or written last. It keeps the reserved bytes from one to the next.
 ColorFileImage image;
 
+// The file is there and could not be read: what it holds is not in the image, so it must not be replaced.
+bool file_unread = false;
+
 // Gives 1, or 0 when the path does not fit.
 int color_file_path(char* path) {
     return platform::format_text(path, platform::PATH_SIZE, "%s/ZOLT.INI", directories.start_dir);
-}
-
-int write_image(const char* path, FileHandle old) {
-    Replacement replacement;
-    if (!begin_replacement(&replacement, path))
-        return 0;
-    if (!replacement_write(&replacement, image.bytes, sizeof image.bytes)) {
-        abandon_replacement(&replacement);
-        return 0;
-    }
-    return finish_replacement(&replacement, old);
 }
 
 void show_modes() {
@@ -52,15 +44,19 @@ void show_modes() {
 
 void load_colors() {
     char path[platform::PATH_SIZE];
-    const FileHandle file = color_file_path(path)
-                                ? platform::file_open(path, platform::FileAccess::READ_WRITE)
-                                : platform::NO_FILE;
-    if (file == platform::NO_FILE) {
+    const FileHandle file =
+        color_file_path(path) ? platform::file_open(path, platform::FileAccess::READ) : platform::NO_FILE;
+    file_unread = file == platform::NO_FILE && platform::last_file_error() != platform::FileError::NOT_FOUND;
+    ColorFileImage read = image;
+    if (file != platform::NO_FILE) {
+        file_unread = platform::file_read_at(file, 0, read.bytes, sizeof read.bytes) < 0;
+        platform::file_close(file);
+    }
+    if (file == platform::NO_FILE || file_unread) {
         make_default_colors();
         return;
     }
-    platform::file_read_at(file, 0, image.bytes, sizeof image.bytes);
-    platform::file_close(file);
+    image = read;
     for (int slot = 0; slot < COLOR_SLOTS; ++slot)
         child[0].color_table[slot] = color_slot_from(image, slot);
 }
@@ -69,16 +65,7 @@ int save_colors() {
     for (int slot = 0; slot < COLOR_SLOTS; ++slot)
         color_slot_into(&image, slot, child[0].color_table[slot]);
     char path[platform::PATH_SIZE];
-    if (!color_file_path(path))
-        return 0;
-    // A file that may not be written must not be replaced either.
-    const FileHandle old = platform::file_open(path, platform::FileAccess::READ_WRITE);
-    if (old == platform::NO_FILE && platform::path_kind(path) != platform::PathKind::NONE)
-        return 0;
-    const int written = write_image(path, old);
-    if (old != platform::NO_FILE)
-        platform::file_close(old);
-    return written;
+    return !file_unread && color_file_path(path) && replace_whole_file(path, image.bytes, sizeof image.bytes);
 }
 
 void make_default_colors() {

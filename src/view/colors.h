@@ -6,13 +6,13 @@
 
 namespace hexlane {
 
-// Fills color_table from ZOLT.INI in start_dir, or makes that file with defaults when it is missing or cannot
-// be opened for reading and writing. A short file fills the slots it reaches; the others stay as they were
-// read or written last. Tells nothing.
+// Fills color_table from ZOLT.INI in start_dir, or makes that file with defaults when it is missing. One that
+// cannot be read counts as all black, and is left alone. A short file fills the slots it reaches; the others
+// stay as they were read or written last. Tells nothing.
 void load_colors();
 
 // Writes color_table and the reserved bytes, complete and then in place. Gives 1, or 0 when the file could
-// not be written: then it is as it was.
+// not be written, or not be read at the last load: then it is as it was.
 int save_colors();
 
 // All slots black, reserved bytes zero, then save_colors.

@@ -26,7 +26,7 @@ protected:
 TEST_F(MachineTest, AMissingFileIsMadeWithDefaults) {
     std::memset(static_cast<void*>(machine_table), 0x55, sizeof machine_table);
     std::filesystem::remove(file);
-    load_machine_table();
+    ASSERT_EQ(load_machine_table(), TableState::MADE);
     const std::string bytes = read_bytes(file);
     ASSERT_EQ(bytes.size(), 17728U);
     EXPECT_STREQ(machine_table[5].name, "Machine 6");
@@ -43,7 +43,7 @@ TEST_F(MachineTest, AFileIsReadAsFarAsItGoesAndKeptAsItIs) {
     bytes[103] = 0;
     bytes[112] = '\x93';
     write_bytes(file, bytes);
-    load_machine_table();
+    ASSERT_EQ(load_machine_table(), TableState::READ);
     EXPECT_EQ(machine_table[0].xoff_char, XOFF_EIA_ALTERNATE);
     EXPECT_EQ(machine_table[1].xoff_char, XOFF_DEFAULT);
     EXPECT_EQ(slot_machine[1], 7);
@@ -57,7 +57,7 @@ TEST_F(MachineTest, AFileIsReadAsFarAsItGoesAndKeptAsItIs) {
 
     set_machine_defaults();
     write_bytes(file, std::string(3000, '\x22'));
-    load_machine_table();
+    ASSERT_EQ(load_machine_table(), TableState::READ);
     EXPECT_EQ(machine_table[2].reserved_113[784 - 113 - 1], 0x22);
     EXPECT_EQ(machine_table[2].reserved_113[784 - 113], 0);
     EXPECT_STREQ(machine_table[3].name, "Machine 4");

@@ -75,7 +75,7 @@ protected:
             set_field(&machine_table[i], Field::HANDSHAKE,
                       i % 7 == 6 ? HANDSHAKE_HARDWARE : HANDSHAKE_SOFTWARE);
         }
-        save_machine_table();
+        ASSERT_EQ(save_machine_table(), 1);
         slot_machine[1] = 4;
     }
 

@@ -6,6 +6,7 @@
 #include "view/color_file_format.h"
 #include "view/colors.h"
 
+#include <cerrno>
 #include <iterator>
 
 namespace hexlane {
@@ -72,9 +73,23 @@ TEST_F(ColorFileTest, AFileThatMayNotBeWrittenIsLeftAlone) {
     write_file(bytes);
     platform::deny_path(path().c_str(), platform::DENY_WRITE);
     load_colors();
-    EXPECT_EQ(child[0].color_table[0].color, 0u) << "defaults, for this run";
+    EXPECT_EQ(child[0].color_table[0].color, 0x10101010u);
     EXPECT_EQ(save_colors(), 0);
     EXPECT_EQ(read_file(), bytes);
+}
+
+TEST_F(ColorFileTest, AFileThatCouldNotBeReadIsNotWritten) {
+    const std::string bytes(COLOR_FILE_SIZE, '\x10');
+    write_file(bytes);
+    platform::fail_file_call(platform::FileCall::READ, 1, EIO);
+    load_colors();
+    EXPECT_EQ(child[0].color_table[0].color, 0u) << "black, for now";
+    child[0].color_table[0].color = 0xFF;
+    EXPECT_EQ(save_colors(), 0) << "the other colors would be lost";
+    EXPECT_EQ(read_file(), bytes);
+    load_colors();
+    EXPECT_EQ(child[0].color_table[0].color, 0x10101010u);
+    EXPECT_EQ(save_colors(), 1);
 }
 
 int64_t ignore_message(platform::WindowHandle, uint32_t, int64_t, int64_t) {
