@@ -46,7 +46,8 @@ bool read_number(const std::string& text, int64_t low, int64_t high, int64_t* va
 int find_machine(const std::string& text);
 
 // Finds the program's folders and loads the machine table. Gives the reason when that cannot be done, else
-// "". A machine file that is there but cannot be read is left alone.
+// "". A machine file that is there but cannot be read is left alone; one that is incomplete or cannot be made
+// is told on standard error.
 std::string load_machines();
 
 }  // namespace hexlane

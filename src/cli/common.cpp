@@ -15,8 +15,16 @@ namespace hexlane {
 
 using namespace platform;
 
+namespace {
+
+void remark(const std::string& text) {
+    std::fprintf(stderr, "hexlane-cli: %s\n", text.c_str());
+}
+
+}  // namespace
+
 int refuse(int code, const std::string& reason) {
-    std::fprintf(stderr, "hexlane-cli: %s\n", reason.c_str());
+    remark(reason);
     return code;
 }
 
@@ -52,9 +60,15 @@ std::string load_machines() {
         return "there is no folder for the program's files: set HEXLANE_HOME to one";
     create_directories();
     set_machine_defaults();
-    if (load_machine_table() == TableState::NOT_READ)
-        return std::string("cannot read ") + directories.parameter_file_path + ": " +
-               file_error_text(last_file_error());
+    const TableState state = load_machine_table();
+    const std::string path = directories.parameter_file_path;
+    const std::string reason = file_error_text(last_file_error());
+    if (state == TableState::NOT_READ)
+        return "cannot read " + path + ": " + reason;
+    if (state == TableState::NOT_MADE)
+        remark("cannot make " + path + ": " + reason + ". All machines have their default settings");
+    if (state == TableState::SHORT)
+        remark(path + " is incomplete. What it lacks has the default settings");
     return "";
 }
 

@@ -72,6 +72,12 @@ constexpr BoxText DNC_BOXES[] = {
     {"The file of the machine settings was gone. It has been made anew, and all machines have their default "
      "settings.",
      "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"The file of the machine settings could not be made: %s.\n\nWhat is set here is lost at the end of the "
+     "program, unless a Save succeeds.",
+     "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"The file of the machine settings is incomplete.\n\nWhat it has counts; what it lacks has the default: "
+     "look at the machines before a transfer. Save makes the file complete.",
+     "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
 };
 
 }  // namespace

@@ -36,6 +36,8 @@ enum class DncBox {
     BYTES_LOST,        // file
     TABLE_NOT_READ,    // reason
     TABLE_MADE_ANEW,
+    TABLE_NOT_MADE,  // reason
+    TABLE_SHORT,
 };
 
 // Shows a box and gives the index of the button pressed.

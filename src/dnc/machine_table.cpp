@@ -1,6 +1,5 @@
 #include "dnc/machine_table.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "dnc/machine_fields.h"
@@ -19,18 +18,33 @@ int32_t slot_machine[SLOT_COUNT] = {0, 0};
 
 namespace {
 
-// The records of a file, as many of their bytes as it has.
+// A file in memory: what it has of the records, and defaults behind that.
 struct TableImage {
     MachineParams records[MACHINE_COUNT];
-    int64_t length;
+    int64_t length;  // of the file, at most MACHINE_FILE_SIZE
 };
 static_assert(sizeof TableImage::records == MACHINE_FILE_SIZE);
+
+void fill_defaults(MachineParams machines[MACHINE_COUNT]) {
+    std::memset(static_cast<void*>(machines), 0, MACHINE_FILE_SIZE);
+    for (int i = 0; i < MACHINE_COUNT; i++) {
+        MachineParams& machine = machines[i];
+        format_text(machine.name, sizeof machine.name, "Machine %d", i + 1);
+        for (int field = 0; field < FIELD_COUNT; field++) {
+            if (MACHINE_FIELDS[field].form != FieldForm::STRING)
+                set_field(&machine, static_cast<Field>(field), MACHINE_FIELDS[field].fallback);
+        }
+        std::memset(machine.start_string, BLANK_BYTE, sizeof machine.start_string);
+        std::memset(machine.end_string, BLANK_BYTE, sizeof machine.end_string);
+    }
+}
 
 // 1; 0 when there is no file or it cannot be read.
 int read_image(TableImage* image) {
     const FileHandle file = file_open(directories.parameter_file_path, FileAccess::READ);
     if (file == NO_FILE)
         return 0;
+    fill_defaults(image->records);
     image->length = file_read_at(file, 0, image->records, sizeof image->records);
     const FileError reason = last_file_error();
     file_close(file);
@@ -38,29 +52,32 @@ int read_image(TableImage* image) {
     return image->length >= 0;
 }
 
-// Record `i` from what the file has of it. A damaged one may lack the name's end.
-void take_record(const TableImage& image, int i) {
-    const int64_t length = std::min<int64_t>(image.length - i * MACHINE_RECORD_SIZE, MACHINE_RECORD_SIZE);
-    if (length <= 0)
-        return;
-    MachineParams& machine = machine_table[i];
-    std::memcpy(static_cast<void*>(&machine), &image.records[i], static_cast<std::size_t>(length));
-    machine.name[MACHINE_NAME_SIZE - 1] = '\0';
-    if (machine.xoff_char != XOFF_DEFAULT && machine.xoff_char != XOFF_EIA_ALTERNATE)
-        machine.xoff_char = XOFF_DEFAULT;
+// Puts the image in the table. A name that the file breaks off ends there; a damaged record may lack its end.
+void take_image(TableImage* image) {
+    const auto last = static_cast<int>(image->length / MACHINE_RECORD_SIZE);
+    const auto of_last = static_cast<int>(image->length % MACHINE_RECORD_SIZE);
+    if (of_last > 0 && of_last < MACHINE_NAME_SIZE)
+        image->records[last].name[of_last] = '\0';
+    for (MachineParams& machine : image->records) {
+        machine.name[MACHINE_NAME_SIZE - 1] = '\0';
+        if (machine.xoff_char != XOFF_DEFAULT && machine.xoff_char != XOFF_EIA_ALTERNATE)
+            machine.xoff_char = XOFF_DEFAULT;
+    }
+    std::memcpy(static_cast<void*>(machine_table), image->records, sizeof machine_table);
 }
 
 TableState read_table() {
     TableImage image;
     if (read_image(&image)) {
-        for (int i = 0; i < MACHINE_COUNT; i++)
-            take_record(image, i);
-        return TableState::READ;
+        take_image(&image);
+        return image.length < MACHINE_FILE_SIZE ? TableState::SHORT : TableState::READ;
     }
     if (last_file_error() != FileError::NOT_FOUND)
         return TableState::NOT_READ;
+    fill_defaults(image.records);
+    if (!replace_whole_file(directories.parameter_file_path, image.records, sizeof image.records))
+        return TableState::NOT_MADE;
     set_machine_defaults();
-    (void)save_machine_table();
     return TableState::MADE;
 }
 
@@ -76,17 +93,7 @@ TableState load_machine_table() {
 }
 
 void set_machine_defaults() {
-    std::memset(static_cast<void*>(machine_table), 0, sizeof machine_table);
-    for (int i = 0; i < MACHINE_COUNT; i++) {
-        MachineParams& machine = machine_table[i];
-        format_text(machine.name, sizeof machine.name, "Machine %d", i + 1);
-        for (int field = 0; field < FIELD_COUNT; field++) {
-            if (MACHINE_FIELDS[field].form != FieldForm::STRING)
-                set_field(&machine, static_cast<Field>(field), MACHINE_FIELDS[field].fallback);
-        }
-        std::memset(machine.start_string, BLANK_BYTE, sizeof machine.start_string);
-        std::memset(machine.end_string, BLANK_BYTE, sizeof machine.end_string);
-    }
+    fill_defaults(machine_table);
 }
 
 int save_machine_table() {

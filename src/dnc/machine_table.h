@@ -18,13 +18,15 @@ extern int32_t slot_machine[SLOT_COUNT];  // the machine chosen for each slot
 // How the file was found.
 enum class TableState : uint8_t {
     READ,
+    SHORT,     // what it lacks has the default
     MADE,      // there was none: it is there now, with the defaults
+    NOT_MADE,  // there is none and none can be made: the table is as it was
     NOT_READ,  // it is there and cannot be read: it is left alone, and the table is as it was
 };
 
-// Fills machine_table from parameter_file_path as far as the file goes, or makes the file with defaults when
-// there is none. Sets edit_machine and slot_machine to the current machine of record 0. Nothing is reported;
-// for NOT_READ the reason is in platform::last_file_error().
+// Fills machine_table from parameter_file_path, or makes the file with defaults when there is none. Sets
+// edit_machine and slot_machine to the current machine of record 0. Nothing is reported; for NOT_MADE and
+// NOT_READ the reason is in platform::last_file_error().
 [[nodiscard]] TableState load_machine_table();
 
 // Fills all records with the defaults. Touches no file.

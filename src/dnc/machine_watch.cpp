@@ -13,7 +13,7 @@ using namespace platform;
 
 namespace {
 
-// What the last load found, and what of it the user has been told. A file that was made is no news at the
+// What the last load found, and what the user has been told last. A file that was made is no news at the
 // program's start.
 TableState found;
 FileError found_error;
@@ -42,6 +42,12 @@ void tell_machine_file() {
     if (!fresh)
         return;
     switch (found) {
+    case TableState::SHORT:
+        show_dnc_box(DncBox::TABLE_SHORT);
+        break;
+    case TableState::NOT_MADE:
+        show_dnc_box(DncBox::TABLE_NOT_MADE, file_error_text(found_error));
+        break;
     case TableState::MADE:
         show_dnc_box(DncBox::TABLE_MADE_ANEW);
         break;
