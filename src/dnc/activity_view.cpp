@@ -197,13 +197,13 @@ void on_tick(ViewHandle view) {
     activity_busy = false;
 }
 
-void choose_machine(ViewHandle view, int slot) {
+void on_machine_list(ViewHandle view, int slot) {
     const int selected = view_selection(view, id_of(slot, MACHINE_LIST));
     if (selected < 0 || selected >= MACHINE_COUNT || selected == slot_machine[slot])
         return;
     {
-        const BothSlotsGuard guard;
-        slot_machine[slot] = selected;
+        const LockGuard guard(port_slot[slot].step_lock);
+        choose_machine(slot, selected);
     }
     refresh_rows(view);
 }
@@ -211,7 +211,7 @@ void choose_machine(ViewHandle view, int slot) {
 void on_control(ViewHandle view, int slot, int control) {
     switch (control) {
     case MACHINE_LIST:
-        choose_machine(view, slot);
+        on_machine_list(view, slot);
         return;
     case FILE_BUTTON:
         press_file(slot);

@@ -7,7 +7,6 @@
 #include "dnc/machine_table.h"
 #include "dnc/parameter_views.h"
 #include "dnc/parameter_views_internal.h"
-#include "dnc/port_engine.h"
 #include "frame/view_controls.h"
 #include "frame/views.h"
 
@@ -134,11 +133,8 @@ void put_bytes(ViewHandle view, int first_id, const uint8_t* bytes) {
 }
 
 void take_bytes(ViewHandle view, int first_id, uint8_t* bytes) {
-    for (int i = 0; i < MACHINE_STRING_SIZE; i++) {
-        const int number = take_number(view, first_id + i, BLANK_BYTE);
-        const BothSlotsGuard guard;
-        bytes[i] = static_cast<uint8_t>(number);
-    }
+    for (int i = 0; i < MACHINE_STRING_SIZE; i++)
+        bytes[i] = static_cast<uint8_t>(take_number(view, first_id + i, BLANK_BYTE));
 }
 
 void show_settings(ViewHandle view) {

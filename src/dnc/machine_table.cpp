@@ -18,6 +18,13 @@ int32_t slot_machine[SLOT_COUNT] = {0, 0};
 
 namespace {
 
+// The settings of a slot whose port is open.
+struct HeldMachine {
+    bool held;
+    MachineParams settings;
+};
+HeldMachine held_machine[SLOT_COUNT];
+
 // A file in memory: what it has of the records, and defaults behind that.
 struct TableImage {
     MachineParams records[MACHINE_COUNT];
@@ -87,8 +94,10 @@ TableState load_machine_table() {
     const TableState state = read_table();
     const int current = machine_setting(machine_table[0], Field::CURRENT_MACHINE);
     edit_machine = static_cast<int16_t>(current);
-    slot_machine[0] = current;
-    slot_machine[1] = current;
+    for (int slot = 0; slot < SLOT_COUNT; slot++) {
+        if (!held_machine[slot].held)
+            slot_machine[slot] = current;
+    }
     return state;
 }
 
@@ -100,9 +109,26 @@ int save_machine_table() {
     return replace_whole_file(directories.parameter_file_path, machine_table, sizeof machine_table);
 }
 
-const MachineParams& machine_of_slot(int slot) {
+const MachineParams& chosen_machine(int slot) {
     const int32_t machine = slot_machine[slot];
     return machine_table[machine >= 0 && machine < MACHINE_COUNT ? machine : 0];
+}
+
+const MachineParams& machine_of_slot(int slot) {
+    return held_machine[slot].held ? held_machine[slot].settings : chosen_machine(slot);
+}
+
+void hold_machine(int slot) {
+    held_machine[slot] = {true, chosen_machine(slot)};
+}
+
+void let_go_machine(int slot) {
+    held_machine[slot].held = false;
+}
+
+void choose_machine(int slot, int machine) {
+    slot_machine[slot] = machine;
+    held_machine[slot].settings = chosen_machine(slot);
 }
 
 }  // namespace hexlane

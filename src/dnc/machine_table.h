@@ -1,5 +1,5 @@
 // machine_table.h: the sixteen machines, which of them each port uses, and their file COMMPARM.INI.
-// Main thread writes, under both slots' locks once ports are open (port_engine.h); workers read.
+// Main thread, but for machine_of_slot, which the slot's worker calls too.
 #pragma once
 
 #include "dnc/machine_format.h"
@@ -25,8 +25,8 @@ enum class TableState : uint8_t {
 };
 
 // Fills machine_table from parameter_file_path, or makes the file with defaults when there is none. Sets
-// edit_machine and slot_machine to the current machine of record 0. Nothing is reported; for NOT_MADE and
-// NOT_READ the reason is in platform::last_file_error().
+// edit_machine and the slot_machine of each closed port to the current machine of record 0. Nothing is
+// reported; for NOT_MADE and NOT_READ the reason is in platform::last_file_error().
 [[nodiscard]] TableState load_machine_table();
 
 // Fills all records with the defaults. Touches no file.
@@ -36,7 +36,16 @@ void set_machine_defaults();
 // reason is in platform::last_file_error(). One that may not be read and written is not replaced.
 [[nodiscard]] int save_machine_table();
 
-// The record that slot `slot` works with.
+// The record of the slot's machine in the table.
+const MachineParams& chosen_machine(int slot);
+
+// The settings that the slot works with. From hold_machine to let_go_machine, which is while its port is
+// open, they are a copy: what is edited, dropped or read anew meanwhile counts from the next opening on, and
+// a load leaves the slot its machine. Another choice counts at once; call choose_machine under the slot's
+// lock.
 const MachineParams& machine_of_slot(int slot);
+void hold_machine(int slot);
+void let_go_machine(int slot);
+void choose_machine(int slot, int machine);
 
 }  // namespace hexlane

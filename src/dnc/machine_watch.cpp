@@ -2,7 +2,6 @@
 
 #include "dnc/dnc_texts.h"
 #include "dnc/machine_table.h"
-#include "dnc/port_engine.h"
 #include "platform/files.h"
 
 #include <cstring>
@@ -20,7 +19,6 @@ FileError found_error;
 TableState told;
 
 void load_over(const MachineParams* fallback) {
-    const BothSlotsGuard guard;
     if (fallback == nullptr)
         set_machine_defaults();
     else

@@ -11,8 +11,8 @@ namespace hexlane {
 void start_machine_table();
 void tell_machine_file();
 
-// Drops what was changed: the table of the file again. When there is none to be read, `fallback` counts. What
-// is wrong with the file is told, but not twice in a row.
+// Drops what was changed: the table of the file again, as load_machine_table. When there is none to be read,
+// `fallback` counts. What is wrong with the file is told, but not twice in a row.
 void reload_machine_table(const MachineParams fallback[MACHINE_COUNT]);
 
 }  // namespace hexlane

@@ -92,12 +92,7 @@ MachineParams machines_before[MACHINE_COUNT];
 void take_name(ViewHandle view) {
     char name[MACHINE_NAME_TEXT_SIZE];
     view_get_text(view, MACHINE_BOX, name, sizeof name);
-    int taken = 0;
-    {
-        const BothSlotsGuard guard;
-        taken = set_machine_name(&edited_machine(), name);
-    }
-    if (taken)
+    if (set_machine_name(&edited_machine(), name))
         return;
     show_dnc_box(DncBox::NAME_NOT_IN_TABLE, name);
     machine_name(edited_machine(), name);
@@ -105,12 +100,7 @@ void take_name(ViewHandle view) {
 }
 
 void drop_delay() {
-    bool dropped = false;
-    {
-        const BothSlotsGuard guard;
-        dropped = drop_delay_without_conversion(&edited_machine());
-    }
-    if (dropped)
+    if (drop_delay_without_conversion(&edited_machine()))
         show_dnc_box(DncBox::DELAY_DROPPED);
 }
 
@@ -139,10 +129,7 @@ void show_machine(ViewHandle view) {
     put_text(view, BAUD_TEXT, BAUD_TEXTS[machine_setting(machine, Field::BAUD_INDEX)]);
     const int data_type = machine_setting(machine, Field::DATA_TYPE);
     tick_radio(view, DATA_TYPE_RADIOS, data_type);
-    {
-        const BothSlotsGuard guard;
-        apply_data_type(&edited_machine());
-    }
+    apply_data_type(&edited_machine());
     const DataTypeRule& rule = data_type_rule(data_type);
     view_enable_control(view, EOB_LIST, rule.conversion_free);
     enable_controls(view, PARITY_RADIOS, 3, rule.parity_and_bits_free);
@@ -193,10 +180,7 @@ void on_protocol(ViewHandle view) {
     const int protocol = view_selection(view, PROTOCOL_LIST);
     if (protocol < 0 || protocol >= PROTOCOL_COUNT)
         return;
-    {
-        const BothSlotsGuard guard;
-        apply_protocol_preset(&edited_machine(), protocol);
-    }
+    apply_protocol_preset(&edited_machine(), protocol);
     show_machine(view);
 }
 
@@ -210,10 +194,7 @@ void step_baud(ViewHandle view, int step) {
 
 void save_and_end(ViewHandle view) {
     collect_machine(view);
-    {
-        const BothSlotsGuard guard;
-        machine_table[0].current_machine = edit_machine;
-    }
+    machine_table[0].current_machine = edit_machine;
     if (!save_machine_table())
         show_dnc_box(DncBox::TABLE_NOT_SAVED, file_error_text(last_file_error()));
     view_end(view, 1);
@@ -278,7 +259,6 @@ MachineParams& edited_machine() {
 }
 
 void store_setting(Field field, int value) {
-    const BothSlotsGuard guard;
     set_field(&edited_machine(), field, value);
 }
 

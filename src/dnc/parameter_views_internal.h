@@ -9,7 +9,7 @@ namespace hexlane {
 // The record of edit_machine.
 MachineParams& edited_machine();
 
-// Stores one of its settings, under both slots' locks.
+// Stores one of its settings.
 void store_setting(Field field, int value);
 
 }  // namespace hexlane

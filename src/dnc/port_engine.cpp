@@ -46,7 +46,9 @@ int open_with_worker(int slot, bool for_blocks) {
     port.write_running = 0;
     port.write_count = 0;
     line_set_mask(line, PORT_EVENT_MASK);
+    hold_machine(slot);
     if (!port_configure(slot)) {
+        let_go_machine(slot);
         line_close(line);
         return 0;
     }
@@ -55,6 +57,7 @@ int open_with_worker(int slot, bool for_blocks) {
     transfer_step(slot, STEP_NONE);
     if (!start_worker(slot, for_blocks)) {
         port.connected = 0;
+        let_go_machine(slot);
         line_close(line);
         show_dnc_box(DncBox::WORKER_FAILED);
         return 0;
@@ -70,6 +73,7 @@ void release_port(int slot) {
     line_set_dtr(port.port_handle, false);
     line_purge(port.port_handle);
     line_close(port.port_handle);
+    let_go_machine(slot);
     port.port_handle = NO_LINE;
     port.write_running = 0;
 }
@@ -122,20 +126,6 @@ void close_received_file_locked(int slot) {
 }
 
 }  // namespace
-
-BothSlotsGuard::BothSlotsGuard() {
-    for (const PortSlot& port : port_slot) {
-        if (port.step_lock != NO_LOCK)
-            lock_take(port.step_lock);
-    }
-}
-
-BothSlotsGuard::~BothSlotsGuard() {
-    for (const PortSlot& port : port_slot) {
-        if (port.step_lock != NO_LOCK)
-            lock_give(port.step_lock);
-    }
-}
 
 int port_init(int slot, const MachineParams& machine) {
     PortSlot& port = port_slot[slot];

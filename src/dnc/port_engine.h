@@ -82,15 +82,6 @@ int port_read(uint8_t* buffer, int size, int slot);
 // Starts a write; EV_TXEMPTY tells its end.
 void port_write(const uint8_t* bytes, int count, int slot);
 
-// Holds both slots' locks for a scope: around every change of machine_table and slot_machine. No message is
-// sent and no box shown inside.
-struct BothSlotsGuard {
-    BothSlotsGuard();
-    ~BothSlotsGuard();
-    BothSlotsGuard(const BothSlotsGuard&) = delete;
-    BothSlotsGuard& operator=(const BothSlotsGuard&) = delete;
-};
-
 // The worker's thread (port_worker.cpp).
 int64_t port_worker(int64_t slot);
 

@@ -342,10 +342,7 @@ void press_file(int slot) {
 void press_terminal(int slot) {
     if (slot_is_busy(slot))
         return;
-    {
-        const BothSlotsGuard guard;
-        machine_table[0].current_machine = slot_machine[slot];
-    }
+    machine_table[0].current_machine = slot_machine[slot];
     if (!save_machine_table())
         show_dnc_box(DncBox::TABLE_NOT_SAVED, file_error_text(last_file_error()));
     const bool told = path_kind(directories.terminal_path) == PathKind::FILE;

@@ -43,7 +43,7 @@ void watch_transfers() {
 void label_send_this() {
     char text[MACHINE_NAME_TEXT_SIZE + 16];
     char name[MACHINE_NAME_TEXT_SIZE];
-    machine_name(machine_of_slot(0), name);
+    machine_name(chosen_machine(0), name);
     platform::format_text(text, sizeof text, "Send This - %s", name);
     platform::set_menu_text(COMMAND_SEND_THIS, text);
 }
