@@ -39,8 +39,10 @@ int start_worker(int slot, bool for_blocks) {
 int open_with_worker(int slot, bool for_blocks) {
     PortSlot& port = port_slot[slot];
     const LineHandle line = line_open(port.port_number);
-    if (line == NO_LINE)
+    if (line == NO_LINE) {
+        log_failed_open(slot);
         return 0;
+    }
     port.port_handle = line;
     port.last_in_queue = 0;
     port.write_running = 0;
@@ -49,6 +51,7 @@ int open_with_worker(int slot, bool for_blocks) {
     hold_machine(slot);
     if (!port_configure(slot)) {
         let_go_machine(slot);
+        log_failed_open(slot);
         line_close(line);
         return 0;
     }

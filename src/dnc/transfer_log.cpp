@@ -79,13 +79,26 @@ FileHandle open_log(int64_t* length) {
     return file;
 }
 
-int write_line(const char* line) {
+int append_line(const char* line) {
     int64_t length = 0;
     FileHandle file = open_log(&length);
     if (file == NO_FILE)
         return 0;
     const int written = length >= 0 && file_write_at(file, length, line, std::strlen(line));
     return file_close(file) && written;
+}
+
+// Takes a text without its line end. A failure is told.
+void write_line(char line[LINE_SIZE]) {
+    for (char* at = line; *at != '\0'; at++) {
+        if (*at == '\n' || *at == '\r')
+            *at = ' ';  // a file's name may hold one
+    }
+    append_text(line, LINE_SIZE, "\n");
+    if (!append_line(line) && !failure_told) {
+        failure_told = true;
+        show_dnc_box(DncBox::LOG_NOT_WRITTEN, file_error_text(last_file_error()));
+    }
 }
 
 // "sent /home/me/part.nc; machine 3, LATHE, heidenhain, ascii; ..."
@@ -99,11 +112,6 @@ void join_entries(const Receipt& receipt, char line[LINE_SIZE]) {
         append_text(line, LINE_SIZE, " ");
         append_text(line, LINE_SIZE, parts[i].text);
     }
-    for (char* at = line; *at != '\0'; at++) {
-        if (*at == '\n' || *at == '\r')
-            *at = ' ';  // a file's name may hold one
-    }
-    append_text(line, LINE_SIZE, "\n");
 }
 
 }  // namespace
@@ -153,10 +161,20 @@ void end_log_entry(int slot) {
     receipt.took_s = (tick_ms() - entry.start_tick) / 1000.0;
     char line[LINE_SIZE];
     join_entries(receipt, line);
-    if (!write_line(line) && !failure_told) {
-        failure_told = true;
-        show_dnc_box(DncBox::LOG_NOT_WRITTEN, file_error_text(last_file_error()));
-    }
+    write_line(line);
+}
+
+void log_failed_open(int slot) {
+    char port[PATH_SIZE + 16];
+    char machine[MACHINE_NAME_TEXT_SIZE];
+    char now[TIME_SIZE];
+    char line[LINE_SIZE];
+    name_port(port_slot[slot].port_number, port, sizeof port);
+    machine_name(machine_of_slot(slot), machine);
+    time_of_day(now, sizeof now);
+    format_text(line, sizeof line, "not opened %s; machine %d, %s; at %s; reason %s", port,
+                slot_machine[slot] + 1, machine, now, line_problem_text());
+    write_line(line);
 }
 
 void format_row_tip(int slot, char* text, std::size_t size) {

@@ -1,7 +1,7 @@
 // transfer_log.h: how a transfer of the screens goes, beyond what the engine counts: when it began and how
 // long the machine held the line. At its end a receipt goes into transfers.log in the launch directory, one
-// line each; a log that has grown to LOG_LIMIT becomes transfers.old, in the place of the one before. Main
-// thread only.
+// line each, and a line for each port that could not be opened; a log that has grown to LOG_LIMIT becomes
+// transfers.old, in the place of the one before. Main thread only.
 #pragma once
 
 #include <cstddef>
@@ -20,6 +20,9 @@ void watch_line(int slot);
 // The slot's port is being closed: writes the receipt of the transfer that was begun, if there is one. The
 // line is still open, its worker has stopped.
 void end_log_entry(int slot);
+
+// The slot's port could not be opened: a line with the reason, as platform::line_problem_text tells it.
+void log_failed_open(int slot);
 
 // Text of the row's tooltip: device, rate asked and set, bytes, blocks, answers, time held.
 void format_row_tip(int slot, char* text, std::size_t size);

@@ -207,6 +207,7 @@ class SendTest(Case):
             done = self.home.run('send', '--port', machine.line, source)
             self.assertEqual(done.returncode, 3)
             self.assertIn(f'in use by process {first.process.pid}', done.stderr)
+            self.assertIn(f'in use by process {first.process.pid}', self.home.path('transfers.log').read_text())
             first.interrupt()
             self.assertEqual(first.finish(), 4)
 

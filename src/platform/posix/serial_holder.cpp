@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -16,6 +17,12 @@
 namespace hexlane::platform {
 
 namespace {
+
+// devices.txt of the kernel: our sides of ptys, and the file that makes one and is its machine's side.
+constexpr unsigned PTY_MAJOR_FIRST = 136;
+constexpr unsigned PTY_MAJOR_LAST = 143;
+constexpr unsigned MACHINE_SIDE_MAJOR = 5;
+constexpr unsigned MACHINE_SIDE_MINOR = 2;
 
 // The process that has locked the file, from lines like "1: FLOCK  ADVISORY  WRITE 23203 00:1a:3 0 EOF". 0
 // for none.
@@ -43,24 +50,68 @@ int lock_holder(const struct stat& device) {
     return holder;
 }
 
-bool has_device_open(const char* process, const struct stat& device) {
+// What a process has to do with a device.
+struct Part {
+    bool has_it;         // open, under whatever name
+    bool is_other_side;  // of a pty: it is the line's far end itself, even when it has our side open too
+};
+
+// Nothing is asked of the medium: a file of a server that doesn't answer must not hold the search.
+bool look_at(int folder, const char* name, struct statx* file) {
+    return statx(folder, name, AT_STATX_DONT_SYNC, STATX_TYPE | STATX_INO, file) == 0 &&
+           S_ISCHR(file->stx_mode);
+}
+
+// Ptys of two containers may share a number, so for them the entry counts too.
+bool is_device(const struct statx& file, const struct stat& device) {
+    const bool same_number = makedev(file.stx_rdev_major, file.stx_rdev_minor) == device.st_rdev;
+    return same_number && (!is_pty_device(device.st_rdev) ||
+                           (file.stx_ino == device.st_ino &&
+                            makedev(file.stx_dev_major, file.stx_dev_minor) == device.st_dev));
+}
+
+// Whether the file is the machine's side of the pty `device`: its fdinfo tells "tty-index:" and the number.
+bool is_machine_side(const struct statx& file, const char* process, const char* name,
+                     const struct stat& device) {
+    char path[96];
+    if (file.stx_rdev_major != MACHINE_SIDE_MAJOR || file.stx_rdev_minor != MACHINE_SIDE_MINOR ||
+        !is_pty_device(device.st_rdev) ||
+        !format_text(path, sizeof path, "/proc/%s/fdinfo/%s", process, name)) {
+        return false;
+    }
+    std::FILE* info = std::fopen(path, "re");
+    if (info == nullptr) {
+        return false;
+    }
+    char line[256];
+    unsigned number = 0;
+    bool found = false;
+    while (!found && std::fgets(line, sizeof line, info) != nullptr) {
+        found = std::sscanf(line, "tty-index: %u", &number) == 1 && number == minor(device.st_rdev);
+    }
+    std::fclose(info);
+    return found;
+}
+
+Part part_of(const char* process, const struct stat& device) {
+    Part part = {false, false};
     char folder[64];
     if (!format_text(folder, sizeof folder, "/proc/%s/fd", process)) {
-        return false;
+        return part;
     }
     DIR* files = opendir(folder);
     if (files == nullptr) {
-        return false;
+        return part;
     }
-    bool found = false;
-    for (const dirent* entry = readdir(files); entry != nullptr && !found; entry = readdir(files)) {
-        struct stat file;
-        found = entry->d_name[0] != '.' && fstatat(dirfd(files), entry->d_name, &file, 0) == 0 &&
-                S_ISCHR(file.st_mode) && file.st_rdev == device.st_rdev && file.st_ino == device.st_ino &&
-                file.st_dev == device.st_dev;
+    for (const dirent* entry = readdir(files); entry != nullptr; entry = readdir(files)) {
+        struct statx file;
+        if (entry->d_name[0] != '.' && look_at(dirfd(files), entry->d_name, &file)) {
+            part.has_it |= is_device(file, device);
+            part.is_other_side |= is_machine_side(file, process, entry->d_name, device);
+        }
     }
     closedir(files);
-    return found;
+    return part;
 }
 
 int first_user(const struct stat& device) {
@@ -72,9 +123,11 @@ int first_user(const struct stat& device) {
     for (const dirent* entry = readdir(processes); entry != nullptr && user == 0;
          entry = readdir(processes)) {
         const int process = std::atoi(entry->d_name);
-        if (process > 0 && process != getpid() && has_device_open(entry->d_name, device)) {
-            user = process;
+        if (process <= 0 || process == getpid()) {
+            continue;
         }
+        const Part part = part_of(entry->d_name, device);
+        user = part.has_it && !part.is_other_side ? process : 0;
     }
     closedir(processes);
     return user;
@@ -95,6 +148,15 @@ void program_name(int process, char* name, std::size_t size) {
 }
 
 }  // namespace
+
+bool is_pty_device(dev_t device) {
+    return major(device) >= PTY_MAJOR_FIRST && major(device) <= PTY_MAJOR_LAST;
+}
+
+bool device_has_user(const char* device) {
+    struct stat entry;
+    return stat(device, &entry) == 0 && first_user(entry) != 0;
+}
 
 int device_holder(const char* device, char* name, std::size_t size) {
     struct stat entry;

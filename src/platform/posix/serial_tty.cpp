@@ -4,6 +4,7 @@
 
 #include "platform/posix/serial_drain.h"
 #include "platform/posix/serial_driver.h"
+#include "platform/posix/serial_holder.h"
 #include "platform/posix/serial_problem.h"
 #include "platform/text.h"
 
@@ -15,7 +16,6 @@
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace hexlane::platform {
@@ -24,14 +24,9 @@ namespace {
 
 constexpr uint32_t RATE_TOLERANCE = 33;  // a 33rd, 3 per cent: beyond it a frame's last bits are misread
 
-// Majors of the program's side of ptys (devices.txt of the kernel).
-constexpr unsigned PTY_MAJOR_FIRST = 136;
-constexpr unsigned PTY_MAJOR_LAST = 143;
-
 bool is_pty(int tty) {
     struct stat entry;
-    return fstat(tty, &entry) == 0 && major(entry.st_rdev) >= PTY_MAJOR_FIRST &&
-           major(entry.st_rdev) <= PTY_MAJOR_LAST;
+    return fstat(tty, &entry) == 0 && is_pty_device(entry.st_rdev);
 }
 
 // Bytes pass as they are. A read gives 0 bytes only when the line has hung up (VMIN 1), and modem status
@@ -90,14 +85,33 @@ int refuse_form(const char* device) {
     return note_line_problem(text);
 }
 
+// Keeps others out from now on, and finds who has come before: a program that has the device open without a
+// lock would take some of the machine's bytes and leave us the rest. Nothing of the line is changed. 0 with
+// errno set.
+int claim(int tty, const char* device) {
+    int was_exclusive = 0;
+    if (flock(tty, LOCK_EX | LOCK_NB) != 0 || ioctl(tty, TIOCGEXCL, &was_exclusive) != 0 ||
+        ioctl(tty, TIOCEXCL) != 0) {
+        return 0;
+    }
+    if (!device_has_user(device)) {
+        return 1;
+    }
+    if (!was_exclusive) {
+        ioctl(tty, TIOCNXCL);
+    }
+    errno = EBUSY;
+    return 0;
+}
+
 // Makes the opened device ours alone, and raw. 0 with errno set.
-int take_over(int tty) {
+int take_over(int tty, const char* device) {
     termios2 form;
-    if (ioctl(tty, TCGETS2, &form) != 0 || flock(tty, LOCK_EX | LOCK_NB) != 0) {
+    if (ioctl(tty, TCGETS2, &form) != 0 || !claim(tty, device)) {
         return 0;
     }
     make_raw(&form);
-    if (ioctl(tty, TIOCEXCL) != 0 || ioctl(tty, TCSETS2, &form) != 0) {
+    if (ioctl(tty, TCSETS2, &form) != 0) {
         return 0;
     }
     flush_tty(tty, false);
@@ -156,9 +170,10 @@ int open_tty(const char* device) {
         note_device_error(device, errno);
         return -1;
     }
-    if (!take_over(tty)) {
-        note_device_error(device, errno);
-        close(tty);
+    if (!take_over(tty, device)) {
+        const int error = errno;
+        close(tty);  // the search for the holder must not find our own lock
+        note_device_error(device, error);
         return -1;
     }
     return tty;

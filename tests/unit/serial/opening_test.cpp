@@ -158,17 +158,24 @@ TEST(Opening, WithoutPermissionTheGroupThatHasItIsNamed) {
     line_close(line);
 }
 
-// A process of its own that has the device, locked or only open, until it is ended.
+// A process of its own that has the machine's line open until it is ended: locked, only open, or, only open,
+// as the machine itself does, whose side of the pty it has too.
+enum class Part { LOCKED, OPEN, MACHINE };
+
 class Holder {
 public:
-    Holder(const std::string& device, bool locked) {
+    Holder(const Machine& machine, Part part) {
         int ready[2];
         if (pipe(ready) != 0 || (pid = fork()) < 0) {
             std::abort();
         }
         if (pid == 0) {
-            const int tty = open(device.c_str(), O_RDWR | O_NOCTTY);
-            if (tty < 0 || (locked && flock(tty, LOCK_EX | LOCK_NB) != 0) || ::write(ready[1], "x", 1) != 1) {
+            if (part != Part::MACHINE) {
+                close(machine.pty);
+            }
+            const int tty = open(machine.device.c_str(), O_RDWR | O_NOCTTY);
+            if (tty < 0 || (part == Part::LOCKED && flock(tty, LOCK_EX | LOCK_NB) != 0) ||
+                ::write(ready[1], "x", 1) != 1) {
                 _exit(1);
             }
             for (;;) {
@@ -181,24 +188,30 @@ public:
         close(ready[0]);
     }
     Holder(const Holder&) = delete;
-    ~Holder() { end(); }
-    void end() {
-        if (pid > 0) {
-            kill(pid, SIGKILL);
-            waitpid(pid, nullptr, 0);
-            pid = 0;
-        }
+    ~Holder() {
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
     }
     pid_t pid;
 };
 
-TEST(Opening, TheProcessThatHasTheLineIsNamed) {
+TEST(Opening, TheProcessThatHasTheLineIsNamedAndKeepsIt) {
     Machine machine;
     line_set_device(1, machine.device.c_str());
-    Holder simulator(machine.device, false);  // one that only has it open keeps nobody out
-    Holder holder(machine.device, true);
-    expect_problem("in use by process " + std::to_string(holder.pid) + " (serial_test)");
-    holder.end();
+    const Holder simulator(machine, Part::MACHINE);
+    for (const Part part : {Part::LOCKED, Part::OPEN}) {
+        SCOPED_TRACE(static_cast<int>(part));
+        const Holder holder(machine, part);
+        expect_problem("in use by process " + std::to_string(holder.pid) + " (serial_test)");
+        termios2 form;
+        int exclusive = 1;
+        ASSERT_EQ(ioctl(machine.pty, TCGETS2, &form), 0);
+        EXPECT_NE(form.c_lflag & ICANON, 0u);
+        const int another = open(machine.device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        EXPECT_EQ(ioctl(another, TIOCGEXCL, &exclusive), 0);
+        EXPECT_EQ(exclusive, 0);
+        close(another);
+    }
     const LineHandle line = line_open(1);
     EXPECT_NE(line, NO_LINE) << line_problem_text();
     line_close(line);
