@@ -41,8 +41,10 @@ int run_ports(const Words& words) {
     }
     for (int com = 1; com <= PORT_COUNT; com++) {
         char device[PATH_SIZE];
-        line_device(com, device, sizeof device);
-        std::printf("COM%d  %-18s  %s\n", com, device, device_state(device).c_str());
+        if (line_device(com, device, sizeof device))
+            std::printf("COM%d  %-18s  %s\n", com, device, device_state(device).c_str());
+        else
+            std::printf("COM%d  %s\n", com, line_problem_text());
     }
     return EXIT_COMPLETE;
 }

@@ -44,7 +44,7 @@ void begin_progress() {
     if (on_terminal)
         return;
     std::fprintf(stderr, run.sending ? "sending %s to %s\n" : "receiving %s from %s\n",
-                 run.options.file.c_str(), port_text().c_str());
+                 run.options.file.c_str(), run.port);
 }
 
 void show_progress(int64_t now_ns) {

@@ -26,7 +26,6 @@ const char* result_text() {
 }  // namespace
 
 void print_receipt() {
-    const std::string port = port_text();
     const char* result = result_text();
     Receipt receipt = {};
     receipt.sending = run.sending;
@@ -34,7 +33,7 @@ void print_receipt() {
     receipt.file = run.file;
     receipt.machine = run.machine;
     receipt.settings = &machine_table[run.machine];
-    receipt.port = port.c_str();
+    receipt.port = run.port;
     receipt.rate = run.rate;
     receipt.tally = run.tally;
     receipt.cut_bytes = run.cut_bytes;

@@ -142,17 +142,18 @@ int com_number(const std::string& port) {
     return 0;
 }
 
-// For this run alone: the table is not saved.
-void use_options(MachineParams* machine) {
+// For this run alone: the table is not saved. False when the port's name is too long.
+bool use_options(MachineParams* machine) {
     const int com = com_number(run.options.port);
     if (com != 0)
         set_field(machine, Field::PORT_INDEX, com - 1);
     if (run.options.timeout_s != 0)
         set_field(machine, Field::RECEIVE_TIMEOUT_S, static_cast<int>(run.options.timeout_s));
     run.com = machine_setting(*machine, Field::PORT_INDEX) + 1;
-    if (com == 0 && !run.options.port.empty())
-        line_set_device(run.com, run.options.port.c_str());
-    line_device(run.com, run.device, sizeof run.device);
+    if (com == 0 && !run.options.port.empty() && !line_set_device(run.com, run.options.port.c_str()))
+        return false;
+    line_name(run.com, run.port, sizeof run.port);
+    return true;
 }
 
 int exit_code() {
@@ -166,16 +167,13 @@ int exit_code() {
 
 }  // namespace
 
-std::string port_text() {
-    return "COM" + std::to_string(run.com) + " (" + run.device + ")";
-}
-
 int open_transfer_port() {
     run.machine = run.options.machine.empty() ? slot_machine[SLOT] : find_machine(run.options.machine);
     if (run.machine < 0)
         return refuse_use("there is no machine '" + run.options.machine + "', or more than one of that name");
     MachineParams& machine = machine_table[run.machine];
-    use_options(&machine);
+    if (!use_options(&machine))
+        return refuse(EXIT_CANNOT, "the name of the port " + run.options.port + " is too long");
     if (run.options.queue && machine_setting(machine, Field::HANDSHAKE) == HANDSHAKE_HARDWARE)
         return refuse_use("machine " + std::to_string(run.machine + 1) +
                           " has the hardware handshake: it cannot ask with DC1, so --queue makes no sense");
@@ -188,7 +186,7 @@ int open_transfer_port() {
     if (port_init(SLOT, machine) != 1)
         return refuse(EXIT_CANNOT, "cannot make a lock");
     if (!port_open(SLOT))
-        return refuse(EXIT_CANNOT, "cannot open " + port_text() + ". " + line_problem_text());
+        return refuse(EXIT_CANNOT, std::string("cannot open ") + run.port + ". " + line_problem_text());
     LineSettings settings = {};
     run.rate = line_settings(port_slot[SLOT].port_handle, &settings) ? settings.baud_rate : 0;
     run.start_tick_ns = time_ns();

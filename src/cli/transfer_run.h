@@ -28,10 +28,10 @@ struct TransferRun {
     bool sending;
     int machine;  // from 0
     char file[platform::PATH_SIZE];
-    char device[platform::PATH_SIZE];
-    int com;            // 1 to 4
-    uint32_t rate;      // as the driver has set it
-    int64_t file_size;  // of a file that is sent, from the start point on
+    int com;                              // 1 to 4
+    char port[platform::PATH_SIZE + 16];  // "COM1 (/dev/ttyS0)"
+    uint32_t rate;                        // as the driver has set it
+    int64_t file_size;                    // of a file that is sent, from the start point on
     int64_t start_tick_ns;
     int64_t end_tick_ns;
     char started[32];  // times of day
@@ -69,8 +69,5 @@ void print_receipt();
 void begin_progress();
 void show_progress(int64_t now_ns);
 void end_progress();
-
-// "COM1 (/dev/ttyS0)".
-std::string port_text();
 
 }  // namespace hexlane

@@ -93,15 +93,11 @@ void disconnect(int slot) {
 
 void tell_end(int slot) {
     const TransferState& t = transfer_state[slot];
-    char port[8];
-    format_text(port, sizeof port, "COM%d", port_slot[slot].port_number);
     switch (t.fault) {
     case TransferFault::LINE_GONE: {
-        char device[PATH_SIZE];
-        char named[PATH_SIZE + 16];
-        line_device(port_slot[slot].port_number, device, sizeof device);
-        format_text(named, sizeof named, "%s (%s)", port, device);
-        show_dnc_box(DncBox::LINE_GONE, named);
+        char port[PATH_SIZE + 16];
+        line_name(port_slot[slot].port_number, port, sizeof port);
+        show_dnc_box(DncBox::LINE_GONE, port);
         return;
     }
     case TransferFault::SOURCE_CHANGED:

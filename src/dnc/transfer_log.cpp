@@ -45,12 +45,6 @@ uint32_t rate_set(int slot) {
     return open && line_settings(port_slot[slot].port_handle, &settings) ? settings.baud_rate : 0;
 }
 
-void name_port(int number, char* text, std::size_t size) {
-    char device[PATH_SIZE];
-    line_device(number, device, sizeof device);
-    format_text(text, size, "COM%d (%s)", number, device);
-}
-
 const char* result_of(const TransferState& t) {
     if (t.fault != TransferFault::NONE)
         return "not complete";
@@ -142,7 +136,7 @@ void end_log_entry(int slot) {
     const TransferState& t = transfer_state[slot];
     char port[PATH_SIZE + 16];
     char ended[TIME_SIZE];
-    name_port(port_slot[slot].port_number, port, sizeof port);
+    line_name(port_slot[slot].port_number, port, sizeof port);
     time_of_day(ended, sizeof ended);
     Receipt receipt = {};
     receipt.sending = entry.sending;
@@ -169,7 +163,7 @@ void log_failed_open(int slot) {
     char machine[MACHINE_NAME_TEXT_SIZE];
     char now[TIME_SIZE];
     char line[LINE_SIZE];
-    name_port(port_slot[slot].port_number, port, sizeof port);
+    line_name(port_slot[slot].port_number, port, sizeof port);
     machine_name(machine_of_slot(slot), machine);
     time_of_day(now, sizeof now);
     format_text(line, sizeof line, "not opened %s; machine %d, %s; at %s; reason %s", port,
@@ -185,7 +179,7 @@ void format_row_tip(int slot, char* text, std::size_t size) {
     const uint32_t asked =
         connected ? port_slot[slot].baud_rate : BAUD_RATES[machine_setting(machine, Field::BAUD_INDEX)];
     char port[PATH_SIZE + 16];
-    name_port(number, port, sizeof port);
+    line_name(number, port, sizeof port);
     char set[32] = "";
     if (connected)
         format_text(set, sizeof set, ", %u set", rate_set(slot));

@@ -7,7 +7,9 @@
 // what comes then and counts it (line_errors). The other operations may be called from any thread.
 //
 // COM1 to COM4 mean devices: HEXLANE_COM1 to HEXLANE_COM4 of the environment, else a text file `ports` in the
-// launch directory ("COM1 /dev/ttyUSB0" a line, '#' comments), else /dev/ttyS0 to /dev/ttyS3.
+// launch directory ("COM1 /dev/ttyUSB0" a row, "COM1=..." and "COM1:..." too, '#' comments), else /dev/ttyS0
+// to /dev/ttyS3. A port whose row can't be read has no device, and neither has one without a row while a row
+// stands there whose port can't be told: another device might be another machine.
 //
 // Back ends: posix/ (tty devices and ptys); scripted/ (a line with a rate, a FIFO, modem lines and errors,
 // all on the scripted clock).
@@ -55,19 +57,24 @@ struct LineSettings {
     uint8_t event_char;
 };
 
-// Why the last failed line_open or line_configure of this thread failed: a sentence or two for a box, with
-// the device, what is wrong and what can be done about it ("add the user to the group dialout", "in use by
-// process 4711 (picocom)"); empty when there is nothing to say.
+// Why the last failed line_open, line_configure or line_device of this thread failed: a sentence or two for a
+// box, with the device, what is wrong and what can be done about it ("add the user to the group dialout", "in
+// use by process 4711 (picocom)"); empty when there is nothing to say.
 const char* line_problem_text();
 
 // Opens COM `port` (1 to PORT_COUNT) for this program alone, raw, with nothing waiting. NO_LINE on failure.
 LineHandle line_open(int port);
 
-// The device that COM `port` means, into name[size]; empty for another number or a device that does not fit.
-void line_device(int port, char* name, std::size_t size);
+// The device that COM `port` means, into name[size]. Gives 1; 0 with an empty name when it has none, and
+// line_problem_text() tells why.
+int line_device(int port, char* name, std::size_t size);
 
-// Lets COM `port` mean `device` for the rest of the run; empty: what it means by itself.
-void line_set_device(int port, const char* device);
+// "COM1 (/dev/ttyUSB0)" for messages; "COM1" when it has no device.
+void line_name(int port, char* name, std::size_t size);
+
+// Lets COM `port` mean `device` for the rest of the run; empty: what it means by itself. Gives 1; 0 when the
+// name is too long, and nothing has changed.
+int line_set_device(int port, const char* device);
 
 int line_configure(LineHandle line, const LineSettings& settings);  // 1, or 0 on failure
 int line_settings(LineHandle line, LineSettings* settings);         // 1, or 0 on failure

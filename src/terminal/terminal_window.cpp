@@ -43,9 +43,9 @@ QString machine_name(int machine) {
 }
 
 QString port_name(int port) {
-    char device[PATH_SIZE];
-    line_device(port, device, sizeof device);
-    return QStringLiteral("COM%1 (%2)").arg(port).arg(QString::fromUtf8(device));
+    char name[PATH_SIZE + 16];
+    line_name(port, name, sizeof name);
+    return QString::fromUtf8(name);
 }
 
 }  // namespace

@@ -109,7 +109,9 @@ void drop_everything(Line& line) {
 LineHandle line_open(int port) {
     clear_line_problem();
     char device[PATH_SIZE];
-    line_device(port, device, sizeof device);
+    if (!line_device(port, device, sizeof device)) {
+        return NO_LINE;
+    }
     const int tty = open_tty(device);
     if (tty < 0) {
         return NO_LINE;

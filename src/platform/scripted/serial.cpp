@@ -60,9 +60,7 @@ void must_be_worker(const char* call) {
 LineHandle line_open(int port) {
     clear_line_problem();
     char device[PATH_SIZE];
-    line_device(port, device, sizeof device);
-    if (device[0] == '\0') {
-        note_device_error(device, ENOENT);
+    if (!line_device(port, device, sizeof device)) {
         return NO_LINE;
     }
     ScriptedLine& line = scripted_line(port);

@@ -31,8 +31,7 @@ TEST(Ports, TheRunThenTheEnvironmentThenTheFileTellTheDevice) {
     line_set_device(2, "");
     EXPECT_EQ(device_of(1), "/dev/ttyS0");
     EXPECT_EQ(device_of(4), "/dev/ttyS3");
-    std::ofstream(file)
-        << "# machines\n\nCOM11 /dev/wrong\n  com2\t/dev/serial/by id/x  # the mill\nCOM1\nCOM1 /dev/a\n";
+    std::ofstream(file) << "# machines\n\n  com2\t/dev/serial/by id/x  # the mill\nCOM1 /dev/a\n";
     EXPECT_EQ(device_of(1), "/dev/a");
     EXPECT_EQ(device_of(2), "/dev/serial/by id/x");
     EXPECT_EQ(device_of(3), "/dev/ttyS2");
@@ -47,6 +46,55 @@ TEST(Ports, TheRunThenTheEnvironmentThenTheFileTellTheDevice) {
     unsetenv("HEXLANE_COM2");
     unsetenv("HEXLANE_HOME");
     unlink(file.c_str());
+    rmdir(folder);
+}
+
+// What a row means for COM1 and COM2: the device, or what the problem says.
+TEST(Ports, ARowThatCannotBeReadIsNeverPassedOver) {
+    const std::string unreadable = "ports, row 2: no port can be read";
+    const std::string twice = "ports, row 2: the port has a row above";
+    const std::string long_name(2 * PATH_SIZE, 'x');
+    const struct {
+        std::string rows, com1, com2;
+    } cases[] = {{"COM1=/dev/a\ncom2: /dev/b", "/dev/a", "/dev/b"},
+                 {"COM1 = /dev/a b\r\n", "/dev/a b", "/dev/ttyS1"},
+                 {"COM1 /dev/a\nCOM2", "/dev/a", unreadable},
+                 {"COM1 /dev/a\nCOM2 = # none", "/dev/a", unreadable},
+                 {"COM1 /dev/a\nCOM2/dev/b", "/dev/a", unreadable},
+                 {"COM1 /dev/a\n2 /dev/b", "/dev/a", unreadable},
+                 {"COM1 /dev/a\nCOM12 /dev/b", "/dev/a", unreadable},
+                 {"COM1 /dev/a\nCOM5 /dev/b\nCOM2 /dev/c", "/dev/a", "/dev/c"},
+                 {"COM1 /dev/a\nCOM1 /dev/b", twice, "/dev/ttyS1"},
+                 {"COM1 /dev/a\nCOM2 /" + long_name + "\n", "/dev/a", unreadable},
+                 {"\xFF\xFE\nC\nCOM1 /dev/a", "/dev/a", "ports, row 1: no port can be read"}};
+    char folder[] = "/tmp/hexlane-portsXXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    const std::string file = std::string(folder) + "/ports";
+    setenv("HEXLANE_HOME", folder, 1);
+    for (const auto& c : cases) {
+        std::ofstream(file) << c.rows;
+        for (const int port : {1, 2}) {
+            SCOPED_TRACE(c.rows + " COM" + std::to_string(port));
+            line_set_device(port, "");
+            const std::string device = device_of(port);
+            const std::string& wanted = port == 1 ? c.com1 : c.com2;
+            EXPECT_NE((device.empty() ? line_problem_text() : device).find(wanted), std::string::npos)
+                << device << line_problem_text();
+            EXPECT_EQ(device.empty(), wanted[0] != '/');
+        }
+    }
+    line_set_device(1, "/dev/mine");  // nobody asks the file then
+    EXPECT_EQ(line_set_device(1, long_name.c_str()), 0);
+    EXPECT_EQ(device_of(1), "/dev/mine");
+    unlink(file.c_str());
+    ASSERT_EQ(mkdir(file.c_str(), 0700), 0);
+    EXPECT_EQ(device_of(2), "");
+    EXPECT_NE(std::string(line_problem_text()).find(file + " can't be read"), std::string::npos);
+    setenv("HEXLANE_COM2", long_name.c_str(), 1);
+    EXPECT_EQ(device_of(2), "");
+    unsetenv("HEXLANE_COM2");
+    unsetenv("HEXLANE_HOME");
+    rmdir(file.c_str());
     rmdir(folder);
 }
 
