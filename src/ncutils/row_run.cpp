@@ -18,7 +18,7 @@ using namespace platform;
 
 RowRange row_range() {
     if (block.start.row < 0)
-        return {0, child[0].last_file_row};
+        return {0, program_end_row()};
     if (block.end.row < 0)
         return {block.start.row, 0};
     const int32_t last = std::max(block.start.row, block.end.row);

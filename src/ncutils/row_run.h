@@ -26,7 +26,7 @@ struct RowRun {
     bool stopped;        // at `row`, which could not be read or stored
 };
 
-// The rows of the block, those at its ends too; without a block all but the end row. A block inside one row
+// The rows of the block, those at its ends too; without a block all but the empty end row. A block inside one row
 // holds none.
 RowRange row_range();
 

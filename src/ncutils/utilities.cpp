@@ -55,7 +55,7 @@ int strip_line_numbers(RowRun* run) {
     char text[ROW_BUFFER_SIZE];
     while (next_row(run)) {
         // An empty end row that were stored would come out as one more row of the file.
-        if (run->row == child[0].last_file_row && child[0].row_text[0] == '\0')
+        if (run->row == child[0].last_file_row && row_is_empty(run->row))
             continue;
         strip_row_text(child[0].row_text, text);
         store_row(run, text);

@@ -161,7 +161,8 @@ void show_caret_row_at_top() {
 int32_t find_line_number(int64_t number) {
     const PointerShape pointer = begin_wait();
     int32_t found = LINE_MISSING;
-    for (int32_t row = 0; row < child[0].last_file_row && found == LINE_MISSING; ++row) {
+    const int32_t end = program_end_row();
+    for (int32_t row = 0; row < end && found == LINE_MISSING; ++row) {
         const int answer = has_line_number(row, number);
         if (answer != 0)
             found = answer > 0 ? row : LINE_UNREAD;

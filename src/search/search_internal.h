@@ -90,8 +90,8 @@ int ask_about_match(const platform::ViewSpec* dialog, int32_t row, int32_t index
                     const SearchPattern& pattern);
 
 // The first row, from the top of the document, that begins with the line number `number` (below 10^9):
-// LINE_MISSING when there is none, LINE_UNREAD when a row could not be read. The end row is not looked
-// at.
+// LINE_MISSING when there is none, LINE_UNREAD when a row could not be read. The empty end row is not
+// looked at.
 constexpr int32_t LINE_MISSING = -1;
 constexpr int32_t LINE_UNREAD = -2;
 int32_t find_line_number(int64_t number);

@@ -106,6 +106,11 @@ bool row_is_empty(int32_t row) {
     return read_record(row, &record) && row_span(record, &span) && span.length == 0;
 }
 
+int32_t program_end_row() {
+    const int32_t last = child[0].last_file_row;
+    return row_is_empty(last) ? last : last + 1;
+}
+
 const char* failed_store_file() {
     return failed_file;
 }

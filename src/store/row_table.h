@@ -100,6 +100,10 @@ int commit_pending_in_place();
 // be read counts as not empty.
 bool row_is_empty(int32_t row);
 
+// The row behind the last one that belongs to the program: the end row, or the row behind it when a deletion
+// has made a row with text the last one.
+int32_t program_end_row();
+
 // Where a row's bytes stand: `length` bytes of `origin`'s file from `position`, without the line end.
 struct RowSpan {
     char origin;

@@ -5,6 +5,7 @@
 #include "ncutils/utilities.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
+#include "search/search_internal.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"
 #include "store/save.h"
@@ -117,6 +118,24 @@ TEST_F(UtilitiesTest, StripCommitsAllRowsAndAddsNoneToTheFile) {
     EXPECT_EQ(child[0].modified, 1);
     command(1002);
     EXPECT_EQ(bytes(), "X1\r\nG1\r\n\r\n");
+}
+
+// A deletion of the end row leaves a last row with text, which is a row of the program like any other.
+TEST_F(UtilitiesTest, ALastRowWithTextBelongsToTheProgram) {
+    open({"N7 X10", "N8 X20", "N9 X30"});
+    ASSERT_TRUE(delete_rows(3, 1));
+    ASSERT_EQ(rows().size(), 3U);
+    WordRun words = {letter_bit('X'), 2, increment_from_absolute, 0, {}};
+    RowRun run;
+    ASSERT_TRUE(run_over_words(&words, 15, &run));
+    EXPECT_EQ(rows(), (Rows{"N7 X10.00", "N8 X10.00", "N9 X10.00"}));
+    number();
+    EXPECT_EQ(rows()[2], "N3 X10.00");
+    EXPECT_EQ(find_line_number(3), 2);
+    ASSERT_TRUE(strip_line_numbers(&run));
+    EXPECT_EQ(rows()[2], "X10.00");
+    command(1002);
+    EXPECT_EQ(bytes(), "X10.00\r\nX10.00\r\nX10.00\r\n");
 }
 
 TEST_F(UtilitiesTest, ALongDocumentIsDoneRowByRow) {
