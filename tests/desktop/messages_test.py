@@ -172,6 +172,23 @@ def check_menu(probe, display):
     probe.expect("out of the menu", ["select 0"])
 
 
+def check_held(probe, display):
+    """What takes the keyboard takes the releases too: they are told before."""
+    left, top, width, height = find_mark(display)
+    display.hand("mousemove", left + width // 2, top + height // 2, "mousedown", 1)
+    probe.expect_under_box("the button held", ["press 0,0 flags 1"])
+    display.key("F10")
+    probe.expect_under_box("a menu over it", ["select 1", "release outside"])
+    display.hand("mouseup", 1, "key", "Escape", "key", "Escape")
+    probe.expect("the menu gone", ["select 0"])
+    display.hand("keydown", "shift")
+    probe.expect_under_box("Shift held", ["down 16 shift"])
+    display.hand("search", "--onlyvisible", "--name", "^Message probe$", "windowminimize", "keyup", "shift")
+    probe.expect_under_box("the minimised window", ["up 16", "focus lost"])
+    display.hand("search", "--name", "^Message probe$", "windowactivate")
+    probe.expect("the window back", ["focus gained"])
+
+
 def check_box(probe, display):
     for key, number in (("Return", 0), ("n", 1), ("Escape", 2)):
         display.key("alt+a", "b")
@@ -238,13 +255,6 @@ def check_long_run(probe, display, pictures):
     probe.expect("the long run", ["command 104", "long run begins", "long run ends"], leave_out=["select"])
 
 
-def check_minimising(probe, display):
-    display.hand("search", "--onlyvisible", "--name", "^Message probe$", "windowminimize")
-    probe.expect_under_box("the minimised window", ["focus lost"])
-    display.hand("search", "--name", "^Message probe$", "windowactivate")
-    probe.expect("the window back", ["focus gained"])
-
-
 def check_end(probe, display):
     display.key("alt+h", "l")
     code = probe.process.wait(60)
@@ -286,11 +296,11 @@ def main():
             check_mouse(probe, display)
             check_scroll_bar(probe, display)
             check_menu(probe, display)
+            check_held(probe, display)
             check_box(probe, display)
             check_view(probe, display)
             check_timer_and_worker(probe, display)
             check_long_run(probe, display, arguments.pictures)
-            check_minimising(probe, display)
             check_end(probe, display)
             for scale in ("1", "1.25", "2"):
                 width, height = check_sharpness(display, arguments.probe, scale, arguments.pictures)

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <map>
+#include <utility>
 
 #include "platform/common/code_page.h"
 #include "platform/qt/dispatch.h"
@@ -196,9 +197,11 @@ void note_modifiers(Qt::KeyboardModifiers modifiers) {
     held_modifiers = modifier_bits(modifiers);
 }
 
-void forget_held_keys() {
-    held_keys.clear();
+void let_go_of_keys(const InputTarget& target) {
     held_modifiers = 0;
+    for (const auto& [code, entry] : std::exchange(held_keys, {})) {
+        send_input(target, WM_KEYUP, entry->key, key_parameter(entry, 1, true));
+    }
 }
 
 bool key_is_down(int key) {

@@ -31,7 +31,7 @@ void take_text(const InputTarget& target, const QString& text);
 // The state of Shift and Ctrl that came with an event.
 void note_modifiers(Qt::KeyboardModifiers modifiers);
 
-// The window has lost the focus: keys that are let go elsewhere are not waited for.
-void forget_held_keys();
+// The keyboard goes elsewhere, and the releases with it: tells them now for every key that is held.
+void let_go_of_keys(const InputTarget& target);
 
 }  // namespace hexlane::platform

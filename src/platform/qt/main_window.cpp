@@ -124,8 +124,7 @@ void MainWindow::lose_focus() {
         return;
     }
     program_focus = false;
-    forget_held_keys();
-    text->end_drag();
+    text->let_go();
     text->set_focused(false);
     call_window(handle, WM_KILLFOCUS, 0, 0);
 }

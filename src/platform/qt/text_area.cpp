@@ -183,7 +183,7 @@ bool TextArea::focusNextPrevChild(bool next) {
     return target.pane != 0 && QWidget::focusNextPrevChild(next);
 }
 
-// The main window's caret follows the focus as the program knows it.
+// The main window's caret follows the focus as the program knows it: it stays when a menu takes the keyboard.
 void TextArea::focusInEvent(QFocusEvent* event) {
     QWidget::focusInEvent(event);
     if (target.pane != 0) {
@@ -193,6 +193,7 @@ void TextArea::focusInEvent(QFocusEvent* event) {
 
 void TextArea::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
+    let_go();
     if (target.pane != 0) {
         set_focused(false);
     }
@@ -236,7 +237,8 @@ void TextArea::send_mouse(uint32_t message, const QMouseEvent* event) {
     send_input(target, message, mouse_flags(event), place_parameter(event->globalPosition().toPoint()));
 }
 
-void TextArea::end_drag() {
+void TextArea::let_go() {
+    let_go_of_keys(target);
     if (button_down) {
         button_down = false;
         send_input(target, WM_NCLBUTTONUP, 0, place_parameter(QCursor::pos()));

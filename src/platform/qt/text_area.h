@@ -53,8 +53,8 @@ public:
     // The caret shows only while the program believes that it has the focus.
     void set_focused(bool has_focus);
 
-    // The button counts as let go outside: what takes the focus takes the release too.
-    void end_drag();
+    // Keys and button count as let go, the button outside: what takes the keyboard takes the releases too.
+    void let_go();
 
     // Three line requests a notch.
     void scroll_by_wheel(const QWheelEvent* event);

@@ -159,9 +159,24 @@ bool window_has_focus(WindowHandle window) {
     return is_main_window(window) && desktop.main.has_focus;
 }
 
+void let_go_over_main_window() {
+    Person& person = desktop.person;
+    person.shift = person.ctrl = false;
+    while (!person.keys_down.empty()) {
+        const int key = person.keys_down.back();
+        person.keys_down.pop_back();
+        deliver(desktop.main.handle, WM_KEYUP, key, key_parameter(key_by_number(key), 1, true));
+    }
+    if (person.button_down && is_main_window(person.button_surface)) {
+        person.button_down = false;
+        deliver(desktop.main.handle, WM_NCLBUTTONUP, 0, make_parameter(person.pointer_x, person.pointer_y));
+    }
+}
+
 void main_window_loses_focus() {
     if (desktop.main.has_focus) {
         desktop.main.has_focus = false;
+        let_go_over_main_window();
         deliver(desktop.main.handle, WM_KILLFOCUS, 0, 0);
     }
 }

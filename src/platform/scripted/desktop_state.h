@@ -76,6 +76,7 @@ struct Modal {
 struct Person {
     bool shift = false;
     bool ctrl = false;
+    std::vector<int> keys_down;  // of the press under way, whose release nobody has heard of yet
     bool button_down = false;
     WindowHandle button_surface = NO_WINDOW;  // where it went down: the main window or a pane
     int pointer_x = 0;                        // units, from the client area's corner
@@ -141,6 +142,10 @@ int64_t deliver(WindowHandle window, uint32_t message, int64_t first, int64_t se
 
 // Gives the main window a new client size and, when it is on show, WM_SIZE and WM_PAINT.
 void resize_client(int cols, int rows);
+
+// Keys and button go up while the main window can still hear of it: whatever takes the keyboard from it would
+// take the releases too.
+void let_go_over_main_window();
 
 // The main window's focus; both do nothing when it is so already, or when the window is not on show.
 void main_window_loses_focus();

@@ -91,7 +91,9 @@ void run_modal(Modal* modal) {
     }
     desktop.modals.push_back(modal);
     desktop.modal_openings++;
-    desktop.person.shift = desktop.person.ctrl = false;  // whatever is held is let go over the modal
+    // What is held over a pane is let go over the modal, and nobody hears of it.
+    desktop.person.shift = desktop.person.ctrl = desktop.person.button_down = false;
+    desktop.person.keys_down.clear();
     interrupt_long_act();
     if (modal->kind == ModalKind::VIEW) {
         deliver(modal->view, WM_INITDIALOG, 0, 0);

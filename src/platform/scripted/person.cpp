@@ -47,6 +47,19 @@ bool click_reaches_window() {
 
 // ---- Menu and window ---------------------------------------------------------------------------------
 
+namespace {
+
+// An open menu has the keyboard and the button. Gives false when something modal came up first.
+bool menu_opens() {
+    const bool opens = click_reaches_window();
+    if (opens) {
+        let_go_over_main_window();
+    }
+    return opens;
+}
+
+}  // namespace
+
 Refusal person_chooses_command(int id) {
     Refusal refusal = main_window_refuses("a command");
     if (!refusal.empty()) {
@@ -56,7 +69,7 @@ Refusal person_chooses_command(int id) {
     if (item == nullptr) {
         return "the menu has no entry " + std::to_string(id);
     }
-    if (!click_reaches_window()) {
+    if (!menu_opens()) {
         return "";
     }
     if (item->grayed) {
@@ -78,7 +91,7 @@ Refusal person_points_at_menu(int id) {
     if (!is_popup && find_menu_item(id) == nullptr) {
         return "the menu has no entry " + std::to_string(id);
     }
-    if (click_reaches_window()) {
+    if (menu_opens()) {
         send(WM_MENUSELECT, id, 0);
         send(WM_MENUSELECT, 0, 0);
     }

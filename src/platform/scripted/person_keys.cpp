@@ -40,10 +40,25 @@ bool has_focus(const InputTarget& target) {
 
 // ---- One key -----------------------------------------------------------------------------------------
 
-void send_modifier(const InputTarget& target, int key, bool release) {
-    (key == VK_SHIFT ? desktop.person.shift : desktop.person.ctrl) = !release;
-    const int64_t second = key_parameter(key_by_number(key), 1, release);
-    send_input(target, release ? WM_KEYUP : WM_KEYDOWN, key, second);
+void note_modifier(int key, bool down) {
+    if (key == VK_SHIFT || key == VK_CONTROL) {
+        (key == VK_SHIFT ? desktop.person.shift : desktop.person.ctrl) = down;
+    }
+}
+
+void send_modifier_down(const InputTarget& target, int key) {
+    desktop.person.keys_down.push_back(key);
+    note_modifier(key, true);
+    send_input(target, WM_KEYDOWN, key, key_parameter(key_by_number(key), 1, false));
+    serve_messages();
+}
+
+// Keys go up in the opposite order.
+void send_last_key_up(const InputTarget& target) {
+    const int key = desktop.person.keys_down.back();
+    desktop.person.keys_down.pop_back();
+    note_modifier(key, false);
+    send_input(target, WM_KEYUP, key, key_parameter(key_by_number(key), 1, true));
     serve_messages();
 }
 
@@ -72,6 +87,7 @@ bool belongs_to_menu_bar(const InputTarget& target, const KeyEntry* entry, int m
 // Key down and character are one event: nothing is served between them.
 void send_key_down(const InputTarget& target, const KeyEntry* entry, int modifiers) {
     const KeyPlan plan = plan_of(target, entry, modifiers);
+    desktop.person.keys_down.push_back(entry->key);
     if (plan.command != 0) {
         send_accelerator(plan.command);
     } else if (!plan.taken) {
@@ -85,7 +101,7 @@ void send_key_down(const InputTarget& target, const KeyEntry* entry, int modifie
 }
 
 // Once something modal has come up, or the target has lost the focus or is gone, what is left of the press
-// happens elsewhere.
+// happens elsewhere; what is held then has been let go.
 void press_key(const InputTarget& target, const KeyEntry* entry, int modifiers) {
     const int openings = desktop.modal_openings;
     const auto in_target = [&] { return desktop.modal_openings == openings && has_focus(target); };
@@ -94,21 +110,20 @@ void press_key(const InputTarget& target, const KeyEntry* entry, int modifiers) 
                         modifiers & KEY_WITH_CTRL ? VK_CONTROL : 0};
     for (const int key : held) {
         if (key != 0 && in_target()) {
-            send_modifier(target, key, false);
+            send_modifier_down(target, key);
         }
     }
-    if (!for_menu_bar && in_target()) {
-        send_key_down(target, entry, modifiers);
-    }
-    if (!for_menu_bar && in_target()) {
-        send_input(target, WM_KEYUP, entry->key, key_parameter(entry, 1, true));
-        serve_messages();
-    }
-    for (const int key : {held[1], held[0]}) {
-        if (key != 0 && in_target()) {
-            send_modifier(target, key, true);
+    if (in_target()) {
+        if (for_menu_bar) {
+            let_go_over_main_window();
+        } else {
+            send_key_down(target, entry, modifiers);
         }
     }
+    while (!desktop.person.keys_down.empty() && in_target()) {
+        send_last_key_up(target);
+    }
+    desktop.person.keys_down.clear();
     desktop.person.shift = desktop.person.ctrl = false;
 }
 

@@ -100,7 +100,8 @@ Refusal person_uses_mouse(const MouseEvent& event) {
     } else {
         constexpr uint32_t MESSAGES[] = {WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP};
         const int flags = keys | (person.button_down ? MK_LBUTTON : 0);
-        send_input(target, MESSAGES[static_cast<int>(event.act)], flags, place);
+        const bool outside = event.act == MouseAct::UP && !cell_is_inside(target, event.col, event.row);
+        send_input(target, outside ? WM_NCLBUTTONUP : MESSAGES[static_cast<int>(event.act)], flags, place);
     }
     desktop.person.shift = desktop.person.ctrl = false;
     return "";

@@ -101,10 +101,40 @@ TEST_F(DesktopTest, BoxTakesTheRestOfThePressAndTheFocus) {
     box_on_command = 1001;
     answer_box("No");
     press_key("Ctrl+O");
-    EXPECT_EQ(taken(), "down 17, command 1001, blur, focus, shown 1");
+    EXPECT_EQ(taken(), "down 17, command 1001, up 79, up 17, blur, focus, shown 1")
+        << "what is held is let go in front of the loss";
     EXPECT_FALSE(key_is_down(VK_CONTROL));
     ASSERT_EQ(shown_boxes().size(), 1U);
     EXPECT_EQ(shown_boxes()[0].pressed, "No");
+}
+
+TEST_F(DesktopTest, TheButtonIsLetGoOutsideWhenTheKeyboardGoes) {
+    const struct {
+        const char* label;
+        Refusal (*act)();
+        const char* messages;
+    } cases[] = {
+        {"a box", [] { return person_presses("Backspace"); },
+         "command 1031, up 8, 162, blur, focus, shown 0"},
+        {"the menu by a key", [] { return person_presses("F10"); }, "162"},
+        {"the menu", [] { return person_points_at_menu(1401); }, "162, 287, 287"},
+        {"another window", [] { return person_leaves_window(); }, "162, blur"},
+    };
+    box_on_command = 1031;
+    answer_box("Yes");
+    for (const auto& c : cases) {
+        ASSERT_EQ(person_uses_mouse({.act = MouseAct::DOWN, .col = 1, .row = 1}), "") << c.label;
+        EXPECT_EQ(taken(), "513") << c.label;
+        EXPECT_EQ(c.act(), "") << c.label;
+        EXPECT_EQ(taken(), c.messages) << c.label;
+        EXPECT_EQ(person_uses_mouse({.act = MouseAct::UP, .col = 1, .row = 1}), "the button is not down");
+    }
+}
+
+TEST_F(DesktopTest, AReleaseOutsideOfTheWindowIsToldAsSuch) {
+    ASSERT_EQ(person_uses_mouse({.act = MouseAct::DOWN, .col = 1, .row = 1}), "");
+    ASSERT_EQ(person_uses_mouse({.act = MouseAct::UP, .col = -3, .row = 1}), "");
+    EXPECT_EQ(taken(), "513, 162");
 }
 
 TEST_F(DesktopTest, TimersFallDueInTimeAndThenInOrderOfCreation) {
