@@ -15,6 +15,7 @@
 #include "frame/status_line.h"
 #include "frame/transfer_watch.h"
 #include "input/block.h"
+#include "input/held_keys.h"
 #include "input/keyboard.h"
 #include "input/mouse.h"
 #include "macros/macro_table.h"
@@ -243,13 +244,20 @@ int64_t on_menu_select(WindowHandle window, int64_t first, int64_t second) {
     return 0;
 }
 
+// Nothing falls due while a pass of a macro runs, and a run of short passes must not put off the tick that
+// looks after the ports: the clicks of a macro leave the timer alone.
+void use_timer(int use) {
+    if (!keys_are_played())
+        set_ui_timer(use);
+}
+
 int64_t on_mouse_down(WindowHandle, int64_t first, int64_t second) {
     if (!child[0].file_open)
         return 0;
     record_event(WM_LBUTTONDOWN, first, second);
     handle_mouse_down(static_cast<int>(first), signed_low(second), signed_high(second));
     show_edit_mode();
-    set_ui_timer(UI_TIMER_DRAG);
+    use_timer(UI_TIMER_DRAG);
     return 0;
 }
 
@@ -259,21 +267,17 @@ int64_t on_mouse_move(WindowHandle, int64_t first, int64_t second) {
     return 0;
 }
 
-// With the button let go outside of the client area; nothing is recorded there.
-int64_t on_mouse_up_outside(WindowHandle window, int64_t, int64_t second) {
+// A release outside of the client area is recorded as any other: a press without one would hold the button
+// for the rest of a pass.
+int64_t on_mouse_up(WindowHandle window, int64_t first, int64_t second) {
     if (!child[0].file_open)
         return 0;
+    record_event(WM_LBUTTONUP, first, second);
     handle_mouse_up(signed_low(second), signed_high(second));
-    set_ui_timer(UI_TIMER_SLOW);
+    use_timer(UI_TIMER_SLOW);
     release_capture();
     update_menus(window);
     return 0;
-}
-
-int64_t on_mouse_up(WindowHandle window, int64_t first, int64_t second) {
-    if (child[0].file_open)
-        record_event(WM_LBUTTONUP, first, second);
-    return on_mouse_up_outside(window, first, second);
 }
 
 struct MessageEntry {
@@ -292,7 +296,7 @@ constexpr MessageEntry MESSAGES[] = {
     {WM_MOUSEMOVE, on_mouse_move},
     {WM_LBUTTONDOWN, on_mouse_down},
     {WM_LBUTTONUP, on_mouse_up},
-    {WM_NCLBUTTONUP, on_mouse_up_outside},
+    {WM_NCLBUTTONUP, on_mouse_up},
     {WM_VSCROLL, on_vscroll},
     {WM_HSCROLL, on_hscroll},
     {WM_MENUSELECT, on_menu_select},

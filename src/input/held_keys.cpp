@@ -29,6 +29,10 @@ void end_played_keys() {
     playing = false;
 }
 
+bool keys_are_played() {
+    return playing;
+}
+
 void note_played_key(int key, bool down) {
     if (key == platform::VK_SHIFT)
         shift_played = down;

@@ -11,6 +11,9 @@ bool held_key(int key);
 void begin_played_keys();
 void end_played_keys();
 
+// Whether a playback is under way.
+bool keys_are_played();
+
 // A key of the playback goes down or up.
 void note_played_key(int key, bool down);
 

@@ -42,19 +42,35 @@ bool brings_next_event(const MacroEvent& event) {
     return event.message == WM_CHAR && event.wparam == VK_BACK;
 }
 
+// The press that has had no release yet.
+struct HeldButton {
+    bool down;
+    uint32_t place;
+};
+
+void play_event(const MacroEvent& event, HeldButton* button) {
+    if (!is_recorded_message(event.message))
+        return;
+    if (event.message == WM_KEYDOWN || event.message == WM_KEYUP)
+        note_played_key(event.wparam, event.message == WM_KEYDOWN);
+    if (event.message == WM_LBUTTONDOWN || event.message == WM_LBUTTONUP)
+        *button = {event.message == WM_LBUTTONDOWN, event.lparam};
+    send_message(child[0].main_window, event.message, event.wparam, event.lparam);
+}
+
+// Nothing is held in front of a pass and behind it, whatever the file says.
 void play_pass() {
+    HeldButton button = {false, 0};
     caret_past_end = false;
     begin_played_keys();
     for (int32_t i = 0; i < macros.event_count; ++i) {
         const MacroEvent event = get_macro_event(macros.block, i);
-        if (is_recorded_message(event.message)) {
-            if (event.message == WM_KEYDOWN || event.message == WM_KEYUP)
-                note_played_key(event.wparam, event.message == WM_KEYDOWN);
-            send_message(child[0].main_window, event.message, event.wparam, event.lparam);
-        }
+        play_event(event, &button);
         if (brings_next_event(event))
             ++i;
     }
+    if (button.down)
+        send_message(child[0].main_window, WM_LBUTTONUP, 0, button.place);
     end_played_keys();
     commit_pending();
 }

@@ -4,12 +4,14 @@
 #include <filesystem>
 
 #include "frame/child.h"
+#include "frame/command_state.h"
 #include "input/held_keys.h"
 #include "input/keyboard.h"
 #include "macros/macro_table.h"
 #include "macros/recording.h"
 #include "platform/keys.h"
 #include "platform/messages.h"
+#include "platform/scripted/person.h"
 #include "platform/scripted/test_hooks.h"
 #include "store/row_table.h"
 #include "support/program_test.h"
@@ -59,6 +61,11 @@ protected:
             answer_box("Step");
         answer_box("Cancel");
         command(PLAY);
+    }
+
+    // The button goes down over a cell and stays down.
+    static void hold_button(int col, int row) {
+        EXPECT_EQ(person_uses_mouse({.act = MouseAct::DOWN, .col = col, .row = row}), "");
     }
 
     static void update_menus_by_key() { send_message(child[0].main_window, WM_KEYUP, VK_SHIFT, 1); }
@@ -237,6 +244,62 @@ TEST_F(MacroTest, ShiftAndCtrlAreThoseOfTheMacro) {
     child[0].caret_col = 3;
     play(event(WM_CHAR, 'Y') + ctrl_down + event(WM_CHAR, '\r'), 2);
     EXPECT_EQ(rows()[0], "abcYY");
+}
+
+// Each act takes the keyboard or the button away before the release; the macro gets that all the same.
+TEST_F(MacroTest, WhatIsHeldWhenTheKeyboardGoesIsRecordedAsLetGo) {
+    const struct {
+        const char* label;
+        void (*act)();
+        const char* last_events;  // message, first parameter
+    } cases[] = {
+        {"a dialog under Ctrl", [] { press_key("Ctrl+O"); }, "256 17, 257 79, 257 17"},
+        {"a dialog behind a press of the button",
+         [] {
+             hold_button(2, 0);
+             press_key("Ctrl+O");
+         },
+         "513 1, 256 17, 257 79, 257 17, 514 0"},
+        {"a release outside of the text",
+         [] {
+             hold_button(2, 0);
+             send_message(child[0].main_window, WM_NCLBUTTONUP, 0, make_parameter(-50, -50));
+         },
+         "513 1, 514 0"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        begin_anew();
+        start_with("abc\r\n");
+        macros.recording = true;
+        if (std::string(c.label).find("dialog") != std::string::npos)
+            cancel_file_dialog();
+        c.act();
+        std::string events;
+        for (int32_t i = 0; i < macros.event_count; ++i) {
+            const MacroEvent stored = get_macro_event(macros.block, i);
+            events +=
+                (i > 0 ? ", " : "") + std::to_string(stored.message) + " " + std::to_string(stored.wparam);
+        }
+        EXPECT_EQ(events, c.last_events);
+        macros.recording = false;
+    }
+}
+
+TEST_F(MacroTest, APassLeavesButtonAndTimerAsTheyWere) {
+    const std::string press = event(WM_LBUTTONDOWN, MK_LBUTTON, 0), release = event(WM_LBUTTONUP, 0, 0);
+    start_with("abc\r\nd\r\n");
+    for (const std::string& events : {press, press + release, press + release + press}) {
+        set_ui_timer(UI_TIMER_SLOW);
+        advance_clock(700);
+        play(events);
+        EXPECT_TRUE(slow_timer_running());
+        EXPECT_TRUE(caret_shown()) << "it is hidden while the button is down";
+        advance_clock(300);  // the tick comes when it would have come, and finds no transfer
+        EXPECT_FALSE(timer_running(UI_TIMER));
+        play(events);
+        EXPECT_FALSE(timer_running(UI_TIMER));
+    }
 }
 
 TEST_F(MacroTest, ARunEndsBehindTheLastRow) {
