@@ -33,7 +33,9 @@ void print_help() {
         std::printf("    %-10s%s\n", command.name, command.summary);
     std::printf(
         "\nIt works with the machine sets of the desktop program (COMMPARM.INI in the program's folder:\n"
-        "$HEXLANE_HOME, or the current folder when it holds ZOLT, or hexlane in the XDG data folder).\n"
+        "$HEXLANE_HOME, or the current folder when it holds ZOLT and only you may write there, or hexlane in "
+        "the\n"
+        "XDG data folder).\n"
         "COM1 to COM4 mean what HEXLANE_COM1 to HEXLANE_COM4 say, or the file `ports` in that folder,\n"
         "or /dev/ttyS0 to /dev/ttyS3.\n");
 }

@@ -50,8 +50,8 @@ int open_with_worker(int slot, bool for_blocks) {
     line_set_mask(line, PORT_EVENT_MASK);
     hold_machine(slot);
     if (!port_configure(slot)) {
-        let_go_machine(slot);
         log_failed_open(slot);
+        let_go_machine(slot);
         line_close(line);
         return 0;
     }

@@ -16,6 +16,7 @@
 #include "platform/desktop.h"
 #include "platform/files.h"
 #include "platform/instance.h"
+#include "platform/process.h"
 
 #include <cstring>
 
@@ -271,6 +272,18 @@ bool close_document_for_send(int slot) {
     return !child[0].file_open;
 }
 
+// A terminal of the shop's own, where nobody else can have put it there; otherwise the one that comes along.
+const char* terminal_to_start() {
+    char doubt[DOUBT_SIZE];
+    if (terminal_may_run(doubt))
+        return directories.terminal_path;
+    if (doubt[0] != '\0') {
+        warn_on_terminal(doubt);
+        note_in_log(doubt);
+    }
+    return TERMINAL_PROGRAM;
+}
+
 }  // namespace
 
 bool press_send(int slot) {
@@ -345,8 +358,7 @@ void press_terminal(int slot) {
     machine_table[0].current_machine = slot_machine[slot];
     if (!save_machine_table())
         show_dnc_box(DncBox::TABLE_NOT_SAVED, file_error_text(last_file_error()));
-    const bool told = path_kind(directories.terminal_path) == PathKind::FILE;
-    if (!start_program(told ? directories.terminal_path : TERMINAL_PROGRAM, nullptr, nullptr, nullptr))
+    if (!start_program(terminal_to_start(), nullptr, nullptr, nullptr))
         show_dnc_box(DncBox::NO_TERMINAL);
 }
 

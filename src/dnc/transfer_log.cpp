@@ -171,6 +171,14 @@ void log_failed_open(int slot) {
     write_line(line);
 }
 
+void note_in_log(const char* text) {
+    char now[TIME_SIZE];
+    char line[LINE_SIZE];
+    time_of_day(now, sizeof now);
+    format_text(line, sizeof line, "note %s; at %s", text, now);
+    write_line(line);
+}
+
 void format_row_tip(int slot, char* text, std::size_t size) {
     const MachineParams& machine = machine_of_slot(slot);
     const bool connected = port_slot[slot].connected;

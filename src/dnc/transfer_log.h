@@ -24,6 +24,9 @@ void end_log_entry(int slot);
 // The slot's port could not be opened: a line with the reason, as platform::line_problem_text tells it.
 void log_failed_open(int slot);
 
+// Writes a line of its own into the log: what the user should find there later, and when it was.
+void note_in_log(const char* text);
+
 // Text of the row's tooltip: device, rate asked and set, bytes, blocks, answers, time held.
 void format_row_tip(int slot, char* text, std::size_t size);
 

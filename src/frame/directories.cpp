@@ -89,6 +89,8 @@ char random_name_char(int value) {
 
 int find_home() {
     Directories& d = directories;
+    if (launch_doubt(d.doubt, sizeof d.doubt))
+        warn_on_terminal(d.doubt);
     if (!launch_folder(d.launch_dir, sizeof d.launch_dir))
         return 0;
     char home[PATH_SIZE];
@@ -100,6 +102,21 @@ int find_home() {
         return 0;
     copy_text(d.start_dir, sizeof d.start_dir, path_kind(home) == PathKind::FOLDER ? home : d.launch_dir);
     return 1;
+}
+
+int terminal_may_run(char doubt[DOUBT_SIZE]) {
+    doubt[0] = '\0';
+    if (path_kind(directories.terminal_path) != PathKind::FILE)
+        return 0;
+    const char* place = directories.launch_dir;
+    const char* reason = stranger_reason(place);
+    if (reason == nullptr) {
+        place = directories.terminal_path;
+        reason = stranger_reason_of_program(place);
+    }
+    if (reason != nullptr)
+        format_text(doubt, DOUBT_SIZE, "term.exe is not run: %s: %s", place, reason);
+    return reason == nullptr;
 }
 
 void create_directories() {

@@ -6,6 +6,8 @@
 
 namespace hexlane {
 
+constexpr std::size_t DOUBT_SIZE = platform::PATH_SIZE + 160;
+
 struct Directories {
     char launch_dir[platform::PATH_SIZE];
     char start_dir[platform::PATH_SIZE];  // the home of all that follows: launch_dir/ZOLT, or launch_dir
@@ -16,6 +18,7 @@ struct Directories {
     char macro_dir[platform::PATH_SIZE];  // with '/' at the end
     char init_dir[platform::PATH_SIZE];   // with '/' at the end
     char parameter_file_path[platform::PATH_SIZE];
+    char doubt[DOUBT_SIZE];  // why the launch directory is not the one that the user may expect; empty: it is
 };
 
 extern Directories directories;
@@ -24,8 +27,13 @@ extern Directories directories;
 // range.
 char random_name_char(int value);
 
-// Fills launch_dir, start_dir, help_path and terminal_path. Gives 1, or 0 when there is no usable folder.
+// Fills launch_dir, start_dir, help_path, terminal_path and doubt, which also goes to standard error. Gives
+// 1, or 0 when there is no usable folder.
 int find_home();
+
+// Whether terminal_path may be run: nobody but the user and root can have put it there. Otherwise 0, with a
+// line for the user in `doubt`, which is empty when there is no such file.
+int terminal_may_run(char doubt[DOUBT_SIZE]);
 
 // Makes the four folders if needed and fills the rest, change_path in child included.
 void create_directories();

@@ -7,6 +7,7 @@
 #include "dnc/machine_table.h"
 #include "dnc/machine_watch.h"
 #include "dnc/port_engine.h"
+#include "dnc/transfer_log.h"
 #include "dnc/transfer_state.h"
 #include "frame/child.h"
 #include "frame/command_state.h"
@@ -151,6 +152,8 @@ int program_main(const char* file) {
     end_wait(pointer);
     show_program();
     tell_machine_file();
+    if (directories.doubt[0] != '\0')
+        note_in_log(directories.doubt);
     open_first_file();
     const int code = run_message_loop();
     release_instance();

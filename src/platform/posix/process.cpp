@@ -84,23 +84,59 @@ int data_folder(char* path, std::size_t size) {
     return join(data, sizeof data, home, ".local/share") && absolute_path(data, path, size);
 }
 
+// Whether the current folder holds the program's; both are filled in then.
+bool is_portable_installation(char folder[PATH_SIZE], char program[PATH_SIZE]) {
+    return current_folder(folder, PATH_SIZE) && join(program, PATH_SIZE, folder, PROGRAM_FOLDER) &&
+           path_kind(program) == PathKind::FOLDER;
+}
+
+// The one of two folders into which somebody else may have put something, nullptr when there is none.
+const char* stranger_of(const char* folder, const char* program) {
+    if (stranger_reason(folder) != nullptr) {
+        return folder;
+    }
+    return stranger_reason(program) != nullptr ? program : nullptr;
+}
+
 }  // namespace
 
 int launch_folder(char* path, std::size_t size) {
-    char folder[PATH_SIZE];
-    char program[PATH_SIZE];
     const char* wanted = std::getenv("HEXLANE_HOME");
     if (wanted != nullptr && wanted[0] != '\0') {
         return absolute_path(wanted, path, size) && path_kind(path) == PathKind::FOLDER ? 1 : 0;
     }
-    if (current_folder(folder, sizeof folder) && join(program, sizeof program, folder, PROGRAM_FOLDER) &&
-        path_kind(program) == PathKind::FOLDER) {
+    char folder[PATH_SIZE];
+    char program[PATH_SIZE];
+    if (is_portable_installation(folder, program) && stranger_of(folder, program) == nullptr) {
         return copy_text(path, size, folder);
     }
     return data_folder(folder, sizeof folder) && join(path, size, folder, "hexlane") &&
                    join(program, sizeof program, path, PROGRAM_FOLDER) && make_folders(program)
                ? 1
                : 0;
+}
+
+int launch_doubt(char* text, std::size_t size) {
+    char folder[PATH_SIZE];
+    char program[PATH_SIZE];
+    const char* place = nullptr;
+    const char* wanted = std::getenv("HEXLANE_HOME");
+    text[0] = '\0';
+    if (wanted != nullptr && wanted[0] != '\0') {
+        if (absolute_path(wanted, folder, sizeof folder) &&
+            join(program, sizeof program, folder, PROGRAM_FOLDER)) {
+            place = stranger_of(folder, path_kind(program) == PathKind::FOLDER ? program : folder);
+        }
+        return place != nullptr &&
+               format_text(text, size, "HEXLANE_HOME is used, but no program in it is run: %s: %s", place,
+                           stranger_reason(place));
+    }
+    if (is_portable_installation(folder, program)) {
+        place = stranger_of(folder, program);
+    }
+    return place != nullptr &&
+           format_text(text, size, "the current folder is not taken as the program's: %s: %s", place,
+                       stranger_reason(place));
 }
 
 int environment_value(const char* name, char* value, std::size_t size) {

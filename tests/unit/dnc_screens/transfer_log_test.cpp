@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <sys/stat.h>
 
+#include "dnc/activity.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
@@ -15,6 +18,7 @@
 namespace hexlane {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace platform;
 
 class TransferLog : public ProgramTest {
@@ -64,6 +68,46 @@ TEST_F(TransferLog, ALogThatCannotBeWrittenIsToldOnce) {
     EXPECT_EQ(unused_answers(), 0);
     EXPECT_NE(shown_boxes().back().text.find("it is not an ordinary file"), std::string::npos)
         << shown_boxes().back().text;
+}
+
+// A file term.exe that somebody else may have laid into the program's folder never runs.
+TEST_F(TransferLog, AStrangersTerminalIsNotRunAndTheLogSaysWhy) {
+    const std::string terminal = home + "/ZOLT/term.exe";
+    const struct {
+        std::string changed;
+        mode_t mode;
+        bool runs;
+    } CASES[] = {{terminal, 0755, true},
+                 {terminal, 0757, false},
+                 {home + "/ZOLT", 0777, false},
+                 {home, 0777, false},
+                 {home + "/work", 0777, false}};  // the folder that the link leads to
+    for (const auto& c : CASES) {
+        fs::remove(terminal);
+        write_bytes(path("term.exe"), "x");
+        if (c.changed == work)
+            fs::create_symlink(path("term.exe"), terminal);
+        else
+            write_bytes(terminal, "x");
+        ASSERT_EQ(chmod(c.changed.c_str(), c.mode), 0);
+        press_terminal(0);
+        EXPECT_EQ(shown_lines().back(), c.runs ? "run \"" + terminal + "\"" : "run \"hexlane-terminal\"")
+            << c.changed;
+        EXPECT_EQ(log().find("note term.exe is not run: ") != std::string::npos, !c.runs) << log();
+        ASSERT_EQ(chmod(c.changed.c_str(), 0755), 0);
+        fs::remove(home + "/transfers.log");
+    }
+}
+
+// The user has named that folder, so it is used.
+TEST_F(TransferLog, AProgramFolderOfOthersIsToldInTheLog) {
+    ASSERT_EQ(chmod(home.c_str(), 0777), 0);
+    command(1007);
+    reset_desktop();
+    start();
+    EXPECT_NE(log().find("note HEXLANE_HOME is used, but no program in it is run: " + home),
+              std::string::npos)
+        << log();
 }
 
 // The machine stops the line with XOFF; looks come every half second.

@@ -61,6 +61,60 @@ TEST_F(Process, LaunchFolderIsFoundInTheToldOrder) {
     EXPECT_EQ(launch(), path("home"));
 }
 
+// Whoever may write in a portable folder decides what the program of another user does there.
+TEST_F(Process, AFolderInWhichOthersMayWriteIsNotTheProgramsOwn) {
+    setenv("XDG_DATA_HOME", path("data").c_str(), 1);
+    std::filesystem::create_directories(path("shop/ZOLT"));
+    std::filesystem::create_directories(path("elsewhere"));
+    std::filesystem::create_directories(path("linked"));
+    std::filesystem::create_directory_symlink(path("elsewhere"), path("linked/ZOLT"));
+    const bool root = geteuid() == 0;
+    const struct {
+        const char* current;
+        const char* changed;
+        mode_t mode;
+        uid_t owner;  // 0 for ourselves
+        gid_t group;
+        const char* doubt;  // empty: the current folder is taken
+    } CASES[] = {
+        {"shop", "shop", 0755, 0, 0, ""},
+        {"shop", "shop", 0777, 0, 0, "shop: everybody may write there"},
+        {"shop", "shop", 01777, 0, 0, "shop: everybody may write there"},
+        {"shop", "shop/ZOLT", 0757, 0, 0, "shop/ZOLT: everybody may write there"},
+        {"shop", "shop", 0775, 0, 65534, "shop: others of its group may write there"},
+        {"shop", "shop", 0755, 0, 65534, ""},
+        {"shop", "shop/ZOLT", 0755, 65534, 0, "shop/ZOLT: it belongs to another user"},
+        {"linked", "elsewhere", 0777, 0, 0, "linked/ZOLT: everybody may write there"},
+        {"linked", "elsewhere", 0755, 0, 0, ""},
+    };
+    for (const auto& c : CASES) {
+        if (!root && (c.owner != 0 || c.group != 0)) {
+            continue;  // only root can give a file away
+        }
+        const std::string changed = path(c.changed);
+        if (root) {
+            ASSERT_EQ(chown(changed.c_str(), c.owner, c.group), 0);
+        }
+        ASSERT_EQ(chmod(changed.c_str(), c.mode), 0);
+        std::filesystem::current_path(path(c.current));
+        char doubt[2 * PATH_SIZE];
+        const bool doubted = launch_doubt(doubt, sizeof doubt) == 1;
+        EXPECT_EQ(launch(), *c.doubt == '\0' ? path(c.current) : path("data/hexlane")) << c.changed << c.mode;
+        EXPECT_EQ(doubted, *c.doubt != '\0') << doubt;
+        EXPECT_TRUE(std::string(doubt).ends_with(c.doubt)) << doubt;
+        if (doubted) {  // named by the user it is taken all the same, and told
+            setenv("HEXLANE_HOME", ".", 1);
+            EXPECT_EQ(launch(), path(c.current));
+            EXPECT_EQ(launch_doubt(doubt, sizeof doubt), 1) << c.changed << c.mode;
+            unsetenv("HEXLANE_HOME");
+        }
+        if (root) {
+            ASSERT_EQ(chown(changed.c_str(), 0, 0), 0);
+        }
+        ASSERT_EQ(chmod(changed.c_str(), 0755), 0);
+    }
+}
+
 TEST_F(Process, PathsBecomeAbsoluteByTextAlone) {
     struct Case {
         const char* given;
