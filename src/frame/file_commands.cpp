@@ -3,6 +3,8 @@
 
 #include "frame/file_commands.h"
 
+#include <cstring>
+
 #include "dnc/transfer_state.h"
 #include "frame/child.h"
 #include "frame/command_state.h"
@@ -15,6 +17,7 @@
 #include "frame/status_line.h"
 #include "input/block.h"
 #include "platform/files.h"
+#include "platform/instance.h"
 #include "store/block_buffer.h"
 #include "store/file_watch.h"
 #include "store/load.h"
@@ -30,6 +33,23 @@ using namespace platform;
 char requested_file[PATH_SIZE];
 
 namespace {
+
+constexpr const char* NAME_FILE = "%s/newnm.fil";
+
+// 1, or 0 with last_file_error.
+int write_name_file(const char* name) {
+    char path[PATH_SIZE];
+    if (!format_text(path, sizeof path, NAME_FILE, directories.start_dir)) {
+        set_last_file_error(FileError::NAME_TOO_LONG);
+        return 0;
+    }
+    delete_file(path);
+    FileHandle file = file_create(path, FileCreate::PRIVATE);
+    if (file == NO_FILE)
+        return 0;
+    const int written = file_write_at(file, 0, name, std::strlen(name));
+    return file_close(file) && written;
+}
 
 void clear_block_records() {
     block_clear();
@@ -332,9 +352,21 @@ void command_merge() {
     update_menus(child[0].main_window);
 }
 
+void take_handovers() {
+    char path[PATH_SIZE];
+    while (take_handover(path, sizeof path)) {
+        if (path_kind(path) == PathKind::NONE)
+            continue;
+        if (write_name_file(path))
+            send_message(child[0].main_window, OPEN_REQUEST_MESSAGE, 0, 0);
+        else
+            show_frame_box(FrameBox::NOT_OPENED, path);
+    }
+}
+
 void open_request() {
     char path[PATH_SIZE];
-    format_text(path, sizeof path, "%s/newnm.fil", directories.start_dir);
+    format_text(path, sizeof path, NAME_FILE, directories.start_dir);
     FileHandle file = file_open(path, FileAccess::READ);
     if (file == NO_FILE)
         return;

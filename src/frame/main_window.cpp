@@ -34,18 +34,26 @@ namespace {
 
 bool caret_shown = false;  // what set_caret_visible did last
 
-// Commands, boxes and questions that are running, one inside the other. A file handed over by a second start
-// waits until the outermost is done: it must not change the document under a command that is asking about it.
+// Commands, boxes and questions that are running, one inside the other. Files handed over by second starts
+// wait until the outermost is done: they must not change the document under a command that is asking about
+// it.
 int running_depth = 0;
+bool handover_waits = false;
 bool open_request_waits = false;
+
+void post_waiting(bool* waits, uint32_t message) {
+    if (*waits)
+        post_message(child[0].main_window, message, 0, 0);
+    *waits = false;
+}
 
 struct Running {
     Running() { running_depth++; }
     ~Running() {
-        if (--running_depth == 0 && open_request_waits) {
-            open_request_waits = false;
-            post_message(child[0].main_window, OPEN_REQUEST_MESSAGE, 0, 0);
-        }
+        if (--running_depth > 0)
+            return;
+        post_waiting(&open_request_waits, OPEN_REQUEST_MESSAGE);
+        post_waiting(&handover_waits, HANDOVER_MESSAGE);
     }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
@@ -186,6 +194,14 @@ int64_t on_open_request(WindowHandle, int64_t, int64_t) {
     return 0;
 }
 
+int64_t on_handover(WindowHandle, int64_t, int64_t) {
+    if (running_depth > 0)
+        handover_waits = true;
+    else
+        take_handovers();
+    return 0;
+}
+
 int64_t on_store_fault(WindowHandle, int64_t, int64_t) {
     Running running;
     show_store_fault();
@@ -309,6 +325,7 @@ constexpr MessageEntry MESSAGES[] = {
     {TRANSFER_DONE_MESSAGE, on_transfer_done},
     {TRANSFER_FAILED_MESSAGE, on_transfer_failed},
     {OPEN_REQUEST_MESSAGE, on_open_request},
+    {HANDOVER_MESSAGE, on_handover},
     {STORE_FAULT_MESSAGE, on_store_fault},
     {FILE_CHECK_MESSAGE, on_file_check},
 };

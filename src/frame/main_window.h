@@ -8,6 +8,7 @@
 namespace hexlane {
 
 // Messages of our own; those of the transfers are in dnc/port_engine.h.
+using platform::HANDOVER_MESSAGE;
 using platform::OPEN_REQUEST_MESSAGE;
 constexpr uint32_t STORE_FAULT_MESSAGE = 0x8001;  // a commit or segment write failed: tell the user
 constexpr uint32_t FILE_CHECK_MESSAGE = 0x8002;   // the window has got the focus: look at the active file

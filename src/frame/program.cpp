@@ -52,27 +52,31 @@ void take_command_line(const char* file) {
     }
 }
 
-// Writes the name for the running program into its home. 1, or 0 when that failed.
-int write_name_file() {
-    char path[PATH_SIZE];
-    if (!format_text(path, sizeof path, "%s/newnm.fil", directories.start_dir))
-        return 0;
-    delete_file(path);
-    FileHandle file = file_create(path, FileCreate::PRIVATE);
-    if (file == NO_FILE)
-        return 0;
-    const int written = file_write_at(file, 0, requested_file, std::strlen(requested_file));
-    return file_close(file) && written;
+// All that a second start does: hands its file over and brings the running program to the front. 0 when that
+// has ended meanwhile.
+int hand_over() {
+    if (requested_file[0] != '\0' && path_kind(requested_file) != PathKind::NONE) {
+        if (hand_over_file(requested_file) != Handover::DONE)
+            return 0;
+        raise_other_instance();
+        return 1;
+    }
+    return raise_other_instance() != Handover::REFUSED;
 }
 
-// All that a second start does: hands its file over and brings the running program to the front.
-void hand_over() {
-    if (requested_file[0] != '\0' && path_kind(requested_file) != PathKind::NONE) {
-        if (!write_name_file())
-            return;
-        send_open_request();
+// Whether a running program has got all from this start. One that has ended meanwhile makes way; something
+// that holds its name and answers nobody does not.
+enum class OtherProgram { NONE, SERVED, MUTE };
+
+OtherProgram ask_other_program() {
+    constexpr int TRIES = 5;
+    for (int i = 0; i < TRIES; i++) {
+        if (claim_instance(directories.launch_dir) != 0)
+            return OtherProgram::NONE;
+        if (hand_over())
+            return OtherProgram::SERVED;
     }
-    raise_other_instance();
+    return OtherProgram::MUTE;
 }
 
 int create_window() {
@@ -139,10 +143,12 @@ int program_main(const char* file) {
         return 1;
     }
     take_command_line(file);
-    if (claim_instance(directories.launch_dir) == 0) {
-        hand_over();
+    const OtherProgram other = ask_other_program();
+    if (other != OtherProgram::NONE) {
         end_wait(pointer);
-        return 0;
+        if (other == OtherProgram::MUTE)
+            warn_on_terminal("a running program does not answer; end it and start again");
+        return other == OtherProgram::MUTE;
     }
     if (!create_window()) {
         release_instance();

@@ -18,12 +18,17 @@ void release_instance();
 
 enum class Handover : int8_t { DONE = 1, REFUSED = 0, HUNG = -1 };
 
-// Asks the owner to run OPEN_REQUEST_MESSAGE in its main window and waits until it is done; HUNG when it has
-// not answered within two seconds that it accepts.
-Handover send_open_request();
+// Hands a file (an absolute path) to the owner and waits until it has taken it in, for as long as the owner
+// lives: it may be in a long run, or a question may be up there. REFUSED when it has ended before that.
+Handover hand_over_file(const char* path);
 
-// Asks the owner to restore its window and bring it to the front.
+// Asks the owner to restore its window and bring it to the front; HUNG when it has not answered within two
+// seconds: it does so when it is free.
 Handover raise_other_instance();
+
+// The owner's side, told by HANDOVER_MESSAGE: gives 1 and the file that was handed over earliest, 0 when none
+// is left. The one that was given before counts as taken in with the next call.
+int take_handover(char* path, std::size_t size);
 
 // Starts another program (a name without '/' is looked for beside the running one, then in PATH) with up to
 // three arguments (nullptr where there is none) and HEXLANE_HOME set, and

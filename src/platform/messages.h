@@ -34,7 +34,8 @@ constexpr uint32_t WM_RBUTTONDOWN = 0x0204;  // both in panes of views only
 constexpr uint32_t WM_RBUTTONUP = 0x0205;
 
 // Messages of the program's own that a back end sends too. The number is older than the rest.
-constexpr uint32_t OPEN_REQUEST_MESSAGE = 0x99;  // a second start hands over a file name
+constexpr uint32_t OPEN_REQUEST_MESSAGE = 0x99;  // the name of a file to open stands in newnm.fil
+constexpr uint32_t HANDOVER_MESSAGE = 0x8008;    // a second start has handed over a file: take_handover
 
 // Scroll requests. A desktop sends a notch of the mouse wheel as three line requests.
 constexpr int SB_LINEUP = 0;

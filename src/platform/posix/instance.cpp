@@ -14,12 +14,16 @@ void release_instance() {
     release_instance_socket();
 }
 
-Handover send_open_request() {
-    return ask_instance_owner("open\n");
+Handover hand_over_file(const char* path) {
+    return hand_file_to_owner(path);
 }
 
 Handover raise_other_instance() {
-    return ask_instance_owner("raise\n");
+    return raise_owner();
+}
+
+int take_handover(char* path, std::size_t size) {
+    return take_waiting_file(path, size);
 }
 
 }  // namespace hexlane::platform

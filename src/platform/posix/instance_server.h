@@ -5,14 +5,15 @@ namespace hexlane::platform {
 
 enum class InstanceRequest { OPEN, RAISE };
 
-// The desktop's part of the work: runs on the main thread, from serve_instance, after "accepted" has been
-// answered; "done" is answered when it returns.
+// The desktop's part of the work, on the main thread: OPEN tells that a file waits for take_handover, RAISE
+// brings the window to the front.
 void set_instance_handler(void (*handler)(InstanceRequest request));
 
 // The listening socket, to be watched for reading; -1 when there is none.
 int instance_socket();
 
-// Takes one waiting peer: checks its user, reads its word within a bounded time, answers, runs the handler.
+// Takes one waiting peer: checks its user, reads its request within a bounded time, answers, runs the
+// handler. Without a handler peers are sent away.
 void serve_instance();
 
 }  // namespace hexlane::platform

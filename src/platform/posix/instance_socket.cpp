@@ -5,18 +5,22 @@
 #include "platform/posix/instance_socket.h"
 
 #include "platform/posix/instance_server.h"
+#include "platform/process.h"
 
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <fcntl.h>
 #include <poll.h>
+#include <string>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 
 namespace hexlane::platform {
 
@@ -30,13 +34,13 @@ constexpr std::size_t WORD_SIZE = 16;  // longest word, LF and NUL included
 constexpr const char* ACCEPTED = "accepted\n";
 constexpr const char* DONE = "done\n";
 
-struct RequestWord {
-    const char* word;
-    InstanceRequest request;
-};
-constexpr RequestWord REQUEST_WORDS[] = {
-    {"open\n", InstanceRequest::OPEN},
-    {"raise\n", InstanceRequest::RAISE},
+constexpr const char* RAISE = "raise\n";
+constexpr const char* OPEN = "open ";  // the length of the path follows, LF, and the path
+
+// A file that a second start has handed over. That start waits at `peer` until the file has been taken in.
+struct WaitingFile {
+    std::string path;
+    int peer;
 };
 
 sockaddr_un address;  // of the home claimed last; its path is empty before
@@ -44,7 +48,8 @@ char lock_path[sizeof address.sun_path + 8];
 int listening = -1;      // the owner's socket
 ino_t socket_inode = 0;  // so that only a socket of our own is taken away
 void (*handler)(InstanceRequest) = nullptr;
-bool handling = false;  // a request is being served
+std::deque<WaitingFile> waiting_files;
+int peer_in_service = -1;  // of the file that was taken last
 
 // ---- The place of the socket ---------------------------------------------------------------------------
 
@@ -197,14 +202,14 @@ int take_name() {
 
 // ---- The peer's side -----------------------------------------------------------------------------------
 
-// Connects before `deadline`, waiting while the owner's queue of peers is full. Gives 1, 0 when there is no
-// owner, -1 when it is too busy.
-int reach_owner(int peer, Clock::time_point deadline) {
+// Connects, waiting while the owner's queue of peers is full, until `deadline` (nullptr: without limit).
+// Gives 1, 0 when there is no owner, -1 when it is too busy.
+int reach_owner(int peer, const Clock::time_point* deadline) {
     while (!connect_to_owner(peer)) {
         if (errno != EAGAIN && errno != EINTR) {
             return 0;
         }
-        if (Clock::now() >= deadline) {
+        if (deadline != nullptr && Clock::now() >= *deadline) {
             return -1;
         }
         poll(nullptr, 0, RETRY_MS);
@@ -212,27 +217,69 @@ int reach_owner(int peer, Clock::time_point deadline) {
     return 1;
 }
 
-Handover talk_to_owner(int peer, const char* word) {
+Handover answer_of(Hearing heard, const char* answer, const char* wanted) {
+    if (heard == Hearing::TIMEOUT) {
+        return Handover::HUNG;
+    }
+    return heard == Hearing::WORD && std::strcmp(answer, wanted) == 0 ? Handover::DONE : Handover::REFUSED;
+}
+
+// Says `request` and waits until the owner accepts it. Patient: it waits for as long as the owner lives, and
+// tells the user once that it does.
+Handover put_request(int peer, const std::string& request, bool patient) {
     const auto deadline = Clock::now() + std::chrono::milliseconds(INSTANCE_WAIT_MS);
-    const int reached = reach_owner(peer, deadline);
+    int reached = reach_owner(peer, &deadline);
+    bool told = false;
+    const auto tell = [&] {
+        if (!std::exchange(told, true)) {
+            warn_on_terminal("the running program is busy; it opens the file when it is free");
+        }
+    };
+    if (reached < 0 && patient) {
+        tell();
+        reached = reach_owner(peer, nullptr);
+    }
     if (reached != 1) {
         return reached == 0 ? Handover::REFUSED : Handover::HUNG;
     }
     char answer[WORD_SIZE];
-    if (!is_same_user(peer) || !say(peer, word)) {
+    if (!is_same_user(peer) || !say(peer, request.c_str())) {
         return Handover::REFUSED;
     }
-    const Hearing heard = hear(peer, answer, &deadline);
-    if (heard == Hearing::TIMEOUT) {
-        return Handover::HUNG;
+    Hearing heard = hear(peer, answer, &deadline);
+    if (heard == Hearing::TIMEOUT && patient) {
+        tell();
+        heard = hear(peer, answer, nullptr);
     }
-    if (heard != Hearing::WORD || std::strcmp(answer, ACCEPTED) != 0) {
+    return answer_of(heard, answer, ACCEPTED);
+}
+
+Handover ask_owner(const std::string& request, bool patient) {
+    const int peer = address.sun_path[0] != '\0' ? new_socket() : -1;
+    if (peer < 0) {
         return Handover::REFUSED;
     }
-    // Now questions are put to the person over there; the owner's end closes the socket and so ends this
-    // wait.
-    return hear(peer, answer, nullptr) == Hearing::WORD && std::strcmp(answer, DONE) == 0 ? Handover::DONE
-                                                                                          : Handover::REFUSED;
+    Handover result = put_request(peer, request, patient);
+    if (result == Handover::DONE) {
+        // Now questions are put to the person over there; the owner's end closes the socket and so ends this
+        // wait.
+        char answer[WORD_SIZE];
+        const Hearing heard = hear(peer, answer, nullptr);
+        result = answer_of(heard, answer, DONE);
+    }
+    close(peer);
+    return result;
+}
+
+// Who still waits looks for another owner, or becomes it.
+void dismiss_waiting_peers() {
+    for (const WaitingFile& file : waiting_files) {
+        close(file.peer);
+    }
+    waiting_files.clear();
+    if (peer_in_service >= 0) {
+        close(std::exchange(peer_in_service, -1));
+    }
 }
 
 }  // namespace
@@ -266,16 +313,15 @@ void release_instance_socket() {
     if (lock >= 0) {
         close(lock);
     }
+    dismiss_waiting_peers();
 }
 
-Handover ask_instance_owner(const char* word) {
-    const int peer = address.sun_path[0] != '\0' ? new_socket() : -1;
-    if (peer < 0) {
-        return Handover::REFUSED;
-    }
-    const Handover result = talk_to_owner(peer, word);
-    close(peer);
-    return result;
+Handover hand_file_to_owner(const char* path) {
+    return ask_owner(OPEN + std::to_string(std::strlen(path)) + "\n" + path, true);
+}
+
+Handover raise_owner() {
+    return ask_owner(RAISE, false);
 }
 
 // ---- The owner's side ----------------------------------------------------------------------------------
@@ -290,45 +336,96 @@ int instance_socket() {
 
 namespace {
 
-// The request that a peer makes, nullptr when it makes none in time.
-const RequestWord* hear_request(int peer) {
+// Takes `length` bytes before `deadline`. A path has no NUL.
+bool hear_path(int peer, std::size_t length, const Clock::time_point& deadline, std::string* path) {
+    while (path->size() < length) {
+        char bytes[PATH_SIZE];
+        pollfd waiting = {peer, POLLIN, 0};
+        const int ready = poll(&waiting, 1, milliseconds_until(deadline));
+        const ssize_t got = ready > 0 ? recv(peer, bytes, length - path->size(), 0) : 0;
+        if (got == 0 || (got < 0 && errno != EINTR && errno != EAGAIN)) {
+            return false;
+        }
+        path->append(bytes, got > 0 ? static_cast<std::size_t>(got) : 0);
+    }
+    return path->find('\0') == std::string::npos;
+}
+
+// The length behind OPEN, 0 when the word is not that or the path would not fit.
+std::size_t length_in(const char* word) {
+    const std::size_t front = std::strlen(OPEN);
+    std::size_t length = 0;
+    if (std::strncmp(word, OPEN, front) != 0) {
+        return 0;
+    }
+    const char* at = word + front;
+    for (; *at >= '0' && *at <= '9'; at++) {
+        length = length * 10 + static_cast<std::size_t>(*at - '0');
+    }
+    return *at == '\n' && length < PATH_SIZE ? length : 0;
+}
+
+// What a peer wants, in time. Gives 1; an empty path asks for the window to be raised.
+bool hear_request(int peer, std::string* path) {
     const auto deadline = Clock::now() + std::chrono::milliseconds(INSTANCE_WAIT_MS);
     char word[WORD_SIZE];
     if (!is_same_user(peer) || hear(peer, word, &deadline) != Hearing::WORD) {
-        return nullptr;
+        return false;
     }
-    for (const RequestWord& entry : REQUEST_WORDS) {
-        if (std::strcmp(entry.word, word) == 0) {
-            return &entry;
-        }
-    }
-    return nullptr;
+    const std::size_t length = length_in(word);
+    return length > 0 ? hear_path(peer, length, deadline, path) : std::strcmp(word, RAISE) == 0;
 }
 
-// While the questions of one request are on the screen another file can't be taken in: that peer is sent
-// away. Raising the window works at any time.
-void serve_peer(int peer) {
-    const RequestWord* entry = hear_request(peer);
-    if (entry == nullptr || handler == nullptr || (handling && entry->request == InstanceRequest::OPEN)) {
-        return;
-    }
-    if (!say(peer, ACCEPTED)) {
-        return;
-    }
-    const bool outer = handling;
-    handling = true;
-    handler(entry->request);
-    handling = outer;
+// A peer that asks for nothing more than the window may have left by now.
+void serve_raise(int peer) {
+    say(peer, ACCEPTED);
+    handler(InstanceRequest::RAISE);
     say(peer, DONE);
+    close(peer);
+}
+
+// A file waits in the queue until the program is free to take it. The window comes to the front for that,
+// since it may be a question there that keeps it from being so.
+void serve_open(int peer, std::string path) {
+    if (!say(peer, ACCEPTED)) {
+        close(peer);
+        return;
+    }
+    waiting_files.push_back({std::move(path), peer});
+    handler(InstanceRequest::OPEN);
+    if (!waiting_files.empty()) {
+        handler(InstanceRequest::RAISE);
+    }
 }
 
 }  // namespace
 
+int take_waiting_file(char* path, std::size_t size) {
+    if (peer_in_service >= 0) {
+        say(peer_in_service, DONE);
+        close(std::exchange(peer_in_service, -1));
+    }
+    if (waiting_files.empty()) {
+        return 0;
+    }
+    const WaitingFile file = waiting_files.front();
+    waiting_files.pop_front();
+    peer_in_service = file.peer;
+    return copy_text(path, size, file.path.c_str());
+}
+
 void serve_instance() {
     const int peer = listening >= 0 ? accept4(listening, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK) : -1;
-    if (peer >= 0) {
-        serve_peer(peer);
+    if (peer < 0) {
+        return;
+    }
+    std::string path;
+    if (handler == nullptr || !hear_request(peer, &path)) {
         close(peer);
+    } else if (path.empty()) {
+        serve_raise(peer);
+    } else {
+        serve_open(peer, std::move(path));
     }
 }
 

@@ -63,7 +63,7 @@ void serve_request(InstanceRequest request) {
         return;
     }
     if (request == InstanceRequest::OPEN) {
-        call_window(window->handle, OPEN_REQUEST_MESSAGE, 0, 0);
+        call_window(window->handle, HANDOVER_MESSAGE, 0, 0);
         return;
     }
     show_window(window->handle, ShowWindow::RESTORED);

@@ -7,6 +7,7 @@
 #include "platform/desktop.h"
 #include "platform/views.h"
 
+#include <deque>
 #include <map>
 #include <string>
 #include <vector>
@@ -92,6 +93,7 @@ struct Desktop {
     std::vector<Modal*> modals;  // the topmost one last
     int modal_openings = 0;      // how many modals have come up so far: a change tells an interrupted act
     Person person;
+    std::deque<std::string> handovers;  // files of second starts that the program has not taken yet
     PointerShape pointer_shape = PointerShape::ARROW;
 };
 extern Desktop desktop;

@@ -3,6 +3,7 @@
 
 #include "platform/instance.h"
 
+#include "platform/scripted/desktop_state.h"
 #include "platform/scripted/record.h"
 
 namespace hexlane::platform {
@@ -13,8 +14,17 @@ int claim_instance(const char*) {
 
 void release_instance() {}
 
-Handover send_open_request() {
-    stop_run("send_open_request: a scripted run has no other instance");
+Handover hand_over_file(const char*) {
+    stop_run("hand_over_file: a scripted run has no other instance");
+}
+
+int take_handover(char* path, std::size_t size) {
+    if (desktop.handovers.empty()) {
+        return 0;
+    }
+    const std::string first = desktop.handovers.front();
+    desktop.handovers.pop_front();
+    return copy_text(path, size, first.c_str());
 }
 
 Handover raise_other_instance() {

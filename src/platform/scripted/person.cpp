@@ -146,17 +146,11 @@ Refusal person_starts_again(const std::string& path) {
     }
     if (!path.empty() && path_exists(path)) {
         char absolute[PATH_SIZE];
-        char home[PATH_SIZE];
-        if (!absolute_path(path.c_str(), absolute, sizeof absolute) || !launch_folder(home, sizeof home)) {
+        if (!absolute_path(path.c_str(), absolute, sizeof absolute)) {
             return "the path is too long";
         }
-        const std::string below = std::string(home) + "/ZOLT";
-        const std::string start_folder = folder_exists(below) ? below : home;
-        const Refusal refusal = write_new_file(start_folder + "/newnm.fil", absolute);
-        if (!refusal.empty()) {
-            return refusal;
-        }
-        send(OPEN_REQUEST_MESSAGE, 0, 0);
+        desktop.handovers.emplace_back(absolute);
+        send(HANDOVER_MESSAGE, 0, 0);
     }
     show_window(desktop.main.handle, ShowWindow::RESTORED);
     raise_window(desktop.main.handle);

@@ -104,7 +104,31 @@ private:
     int result_file = -1;
 };
 
-std::vector<InstanceRequest> requests;
+// What has reached the owner: paths, and "raise".
+std::vector<std::string> requests;
+
+void take_files() {
+    char path[PATH_SIZE];
+    while (take_waiting_file(path, sizeof path)) {
+        requests.emplace_back(path);
+    }
+}
+
+void serve(InstanceRequest request) {
+    if (request == InstanceRequest::OPEN) {
+        take_files();
+    } else {
+        requests.emplace_back("raise");
+    }
+}
+
+void serve_until(std::size_t count) {
+    while (requests.size() < count) {
+        pollfd waiting = {instance_socket(), POLLIN, 0};
+        ASSERT_EQ(poll(&waiting, 1, 20'000), 1);
+        serve_instance();
+    }
+}
 
 class Instance : public TempFolder {
 protected:
@@ -116,7 +140,7 @@ protected:
         std::filesystem::create_directory(path("home"));
         setenv("XDG_RUNTIME_DIR", path("run").c_str(), 1);
         requests.clear();
-        set_instance_handler([](InstanceRequest request) { requests.push_back(request); });
+        set_instance_handler(serve);
     }
     ~Instance() override {
         release_instance_socket();
@@ -160,13 +184,13 @@ protected:
 
 TEST_F(Instance, SecondStartHandsOverAndWaitsUntilItIsDone) {
     OtherProcess second([&] {
-        return claim() == 0 && ask_instance_owner("open\n") == Handover::DONE &&
-               ask_instance_owner("raise\n") == Handover::DONE;
+        return claim() == 0 && hand_file_to_owner("/a\n b") == Handover::DONE &&
+               raise_owner() == Handover::DONE;
     });
     OtherProcess elsewhere([&] { return claim_instance_socket(folder.c_str()); });
     ASSERT_EQ(claim(), 1);
     EXPECT_EQ(second.run(), 1);
-    EXPECT_EQ(requests, (std::vector<InstanceRequest>{InstanceRequest::OPEN, InstanceRequest::RAISE}));
+    EXPECT_EQ(requests, (std::vector<std::string>{"/a\n b", "raise"}));
     EXPECT_EQ(elsewhere.run(), 1) << "another home is another program";
 }
 
@@ -184,7 +208,7 @@ TEST_F(Instance, ReleaseAndCrashBothMakeWay) {
     EXPECT_EQ(claim(), 0);
     crashed.end();
     EXPECT_NE(socket_path(), "") << "the crash leaves its socket behind";
-    EXPECT_EQ(ask_instance_owner("raise\n"), Handover::REFUSED);
+    EXPECT_EQ(raise_owner(), Handover::REFUSED);
     EXPECT_EQ(claim(), 1);
     release_instance_socket();
     EXPECT_EQ(socket_path(), "");
@@ -240,14 +264,21 @@ TEST_F(Instance, NonsenseIsAnsweredByClosing) {
                           {"openly\n", false, ""},
                           {std::string("open\0\n", 6), false, ""},
                           {std::string(500, 'x'), false, ""},
-                          {"open\n", true, "accepted\ndone\n"}};
+                          {"open\n", true, ""},
+                          {"open \n", false, ""},
+                          {"open 0\n", false, ""},
+                          {"open 260\n" + std::string(260, 'x'), false, ""},
+                          {"open 99999999\n", false, ""},
+                          {"open 3\n/a", true, ""},
+                          {std::string("open 3\n/\0a", 10), false, ""},
+                          {"open 2\n/a", true, "accepted\ndone\n"}};
     for (const Case& c : cases) {
         OtherProcess peer([&] { return talk(c.words, c.hang_up) == c.answer; });
         ASSERT_EQ(claim(), 1);
         EXPECT_EQ(peer.run(), 1) << c.words;
         release_instance_socket();
     }
-    EXPECT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests, std::vector<std::string>{"/a"});
 }
 
 TEST_F(Instance, SilentPeersDelayNeitherSideLong) {
@@ -259,7 +290,7 @@ TEST_F(Instance, SilentPeersDelayNeitherSideLong) {
     EXPECT_EQ(deaf.run(), 1);
     EXPECT_EQ(claim(), 0);
     auto start = Clock::now();
-    EXPECT_EQ(ask_instance_owner("open\n"), Handover::HUNG);
+    EXPECT_EQ(raise_owner(), Handover::HUNG);
     EXPECT_LT(Clock::now() - start, limit);
     deaf.end();
 
@@ -268,6 +299,68 @@ TEST_F(Instance, SilentPeersDelayNeitherSideLong) {
     EXPECT_EQ(silent.run(), 1);
     EXPECT_LT(Clock::now() - start, limit);
     EXPECT_TRUE(requests.empty());
+}
+
+// A long run of the program serves nobody for longer than any peer needs to answer. Whoever wants the window
+// alone has left then, and gets it all the same.
+TEST_F(Instance, AFileWaitsForABusyProgramAndIsLostOnlyWithADeadOne) {
+    OtherProcess dead([&] { return claim(); });
+    OtherProcess passing([&] { return claim() == 0 && hand_file_to_owner("/lost") == Handover::REFUSED; });
+    EXPECT_EQ(dead.run(), 1);
+    passing.let_go();
+    OtherProcess window([&] { return claim() == 0 ? static_cast<int>(raise_owner()) : -5; });
+    EXPECT_FALSE(passing.has_result(INSTANCE_WAIT_MS + 500));
+    dead.end();
+    EXPECT_EQ(passing.result(), 1);
+
+    OtherProcess file([&] { return claim() == 0 ? static_cast<int>(hand_file_to_owner("/kept")) : -5; });
+    ASSERT_EQ(claim(), 1);
+    window.let_go();
+    file.let_go();
+    EXPECT_FALSE(file.has_result(INSTANCE_WAIT_MS + 500));
+    EXPECT_TRUE(window.has_result(INSTANCE_WAIT_MS));
+    EXPECT_EQ(window.result(), static_cast<int>(Handover::HUNG));
+    serve_until(2);
+    EXPECT_EQ(file.result(), static_cast<int>(Handover::DONE));
+    std::sort(requests.begin(), requests.end());
+    EXPECT_EQ(requests, (std::vector<std::string>{"/kept", "raise"}));
+}
+
+// While a question is up files wait, in their order, and the window is shown for each. Those that the program
+// has not taken when it ends go to the next one.
+TEST_F(Instance, FilesWaitForAnOpenQuestion) {
+    const auto hand = [&](const char* path) {
+        return [this, path] { return claim() == 0 ? static_cast<int>(hand_file_to_owner(path)) : -5; };
+    };
+    OtherProcess first(hand("/1"));
+    OtherProcess second(hand("/2"));
+    OtherProcess third(hand("/3"));
+    set_instance_handler([](InstanceRequest request) {
+        if (request == InstanceRequest::RAISE) {
+            requests.emplace_back("raise");
+        }
+    });
+    ASSERT_EQ(claim(), 1);
+    const auto wait_for_requests = [](OtherProcess& peer, std::size_t count) {
+        peer.let_go();
+        serve_until(count);
+    };
+    wait_for_requests(first, 1);
+    wait_for_requests(second, 2);
+    char path[PATH_SIZE];
+    ASSERT_EQ(take_waiting_file(path, sizeof path), 1);
+    EXPECT_STREQ(path, "/1");
+    EXPECT_FALSE(first.has_result(0)) << "questions about it may be up";
+    wait_for_requests(third, 3);
+    ASSERT_EQ(take_waiting_file(path, sizeof path), 1);
+    EXPECT_STREQ(path, "/2");
+    EXPECT_EQ(first.result(), static_cast<int>(Handover::DONE));
+    ASSERT_EQ(take_waiting_file(path, sizeof path), 1);
+    EXPECT_STREQ(path, "/3");
+    EXPECT_EQ(second.result(), static_cast<int>(Handover::DONE));
+    release_instance_socket();
+    EXPECT_EQ(third.result(), static_cast<int>(Handover::REFUSED));
+    EXPECT_EQ(requests, (std::vector<std::string>{"raise", "raise", "raise"}));
 }
 
 TEST_F(Instance, AnOwnerThatDiesAfterAcceptingIsNoticed) {
@@ -287,37 +380,13 @@ TEST_F(Instance, AnOwnerThatDiesAfterAcceptingIsNoticed) {
         poll(nullptr, 0, 1);
     }
     EXPECT_EQ(claim(), 0);
-    EXPECT_EQ(ask_instance_owner("open\n"), Handover::REFUSED);
+    EXPECT_EQ(hand_file_to_owner("/a"), Handover::REFUSED);
     EXPECT_EQ(owner.result(), -9);
-}
-
-// While the questions of one request are up, a second file is refused, and raising works.
-TEST_F(Instance, RequestsDuringARequest) {
-    static OtherProcess* inner_open;
-    static OtherProcess* inner_raise;
-    const auto ask = [&](const char* word) {
-        return claim() == 0 ? static_cast<int>(ask_instance_owner(word)) : -5;
-    };
-    OtherProcess outer([&] { return ask("open\n"); });
-    OtherProcess open_meanwhile([&] { return ask("open\n"); });
-    OtherProcess raise_meanwhile([&] { return ask("raise\n"); });
-    inner_open = &open_meanwhile;
-    inner_raise = &raise_meanwhile;
-    set_instance_handler([](InstanceRequest request) {
-        requests.push_back(request);
-        if (request == InstanceRequest::OPEN) {
-            EXPECT_EQ(inner_open->run(), static_cast<int>(Handover::REFUSED));
-            EXPECT_EQ(inner_raise->run(), static_cast<int>(Handover::DONE));
-        }
-    });
-    ASSERT_EQ(claim(), 1);
-    EXPECT_EQ(outer.run(), static_cast<int>(Handover::DONE));
-    EXPECT_EQ(requests, (std::vector<InstanceRequest>{InstanceRequest::OPEN, InstanceRequest::RAISE}));
 }
 
 // Another user who got as far as the socket is sent away unheard.
 TEST_F(Instance, PeersOfAnotherUserAreRefused) {
-    OtherProcess stranger([&] { return socket_path().empty() || talk("open\n", false) != "" ? 0 : 1; });
+    OtherProcess stranger([&] { return socket_path().empty() || talk("open 2\n/a", false) != "" ? 0 : 1; });
     ASSERT_EQ(claim(), 1);
     users_apart = 1;
     EXPECT_EQ(stranger.run(), 1);
