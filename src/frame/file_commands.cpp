@@ -355,7 +355,7 @@ void command_merge() {
 void take_handovers() {
     char path[PATH_SIZE];
     while (take_handover(path, sizeof path)) {
-        if (path_kind(path) == PathKind::NONE)
+        if (path_kind(path) != PathKind::FILE)
             continue;
         if (write_name_file(path))
             send_message(child[0].main_window, OPEN_REQUEST_MESSAGE, 0, 0);

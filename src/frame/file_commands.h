@@ -18,7 +18,7 @@ void open_request();   // OPEN_REQUEST_MESSAGE
 void close_program();  // WM_CLOSE
 
 // Opens the files that second starts have handed over, one after the other, each by newnm.fil and
-// OPEN_REQUEST_MESSAGE. One that has gone meanwhile leaves the document as it is.
+// OPEN_REQUEST_MESSAGE. What is no ordinary file by now leaves the document as it is.
 void take_handovers();
 
 // Makes requested_file the document and shows it; requested_file is empty afterwards.

@@ -53,9 +53,9 @@ void take_command_line(const char* file) {
 }
 
 // All that a second start does: hands its file over and brings the running program to the front. 0 when that
-// has ended meanwhile.
+// has ended meanwhile. A folder, a device and a pipe are no file to hand over.
 int hand_over() {
-    if (requested_file[0] != '\0' && path_kind(requested_file) != PathKind::NONE) {
+    if (requested_file[0] != '\0' && path_kind(requested_file) == PathKind::FILE) {
         if (hand_over_file(requested_file) != Handover::DONE)
             return 0;
         raise_other_instance();
