@@ -55,7 +55,8 @@ Settings
     xoff_char=              19, or 147 with EIA
     current_machine=        of machine 1: the current machine, counted from 0
 
-A desktop program that is open keeps its own copy of the sets; its Save writes over what was set here.
+A desktop program that is open keeps its own copy of the sets. Before it writes over what was set here,
+it asks.
 
 Exit code
     0   done
@@ -69,6 +70,9 @@ constexpr const char* TEXT_HEAD = "# Machine sets. `hexlane-cli machines import`
 constexpr int64_t LONGEST_TEXT = 1 << 20;  // bytes; sixteen machines take about 10,000
 
 int save() {
+    if (machine_file_changed() > 0)
+        return refuse(EXIT_CANNOT, std::string("another program has changed ") +
+                                       directories.parameter_file_path + " meanwhile: nothing was written");
     if (save_machine_table())
         return EXIT_COMPLETE;
     return refuse(EXIT_CANNOT, std::string("cannot write ") + directories.parameter_file_path + ": " +

@@ -103,7 +103,12 @@ void fill_machines(ViewHandle view, int slot) {
     }
 }
 
-// The names in the list stay as they are while the view is up.
+void fill_both_lists(ViewHandle view) {
+    for (int slot = 0; slot < SLOT_COUNT; slot++)
+        fill_machines(view, slot);
+}
+
+// The names in the list stay as they are.
 void refresh_row(ViewHandle view, int slot) {
     const int list = id_of(slot, MACHINE_LIST);
     if (view_selection(view, list) != slot_machine[slot])
@@ -228,6 +233,7 @@ void on_control(ViewHandle view, int slot, int control) {
         break;
     case TERMINAL_BUTTON:
         press_terminal(slot);
+        fill_both_lists(view);  // the table may be another program's now
         break;
     default:
         return;
@@ -238,8 +244,7 @@ void on_control(ViewHandle view, int slot, int control) {
 int64_t activity_proc(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
     view_attach(view);
     if (message == WM_INITDIALOG) {
-        for (int slot = 0; slot < SLOT_COUNT; slot++)
-            fill_machines(view, slot);
+        fill_both_lists(view);
         refresh_rows(view);
         for (int slot = 0; slot < SLOT_COUNT; slot++)
             serve_row(view, slot);

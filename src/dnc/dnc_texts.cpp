@@ -78,6 +78,9 @@ constexpr BoxText DNC_BOXES[] = {
     {"The file of the machine settings is incomplete.\n\nWhat it has counts; what it lacks has the default: "
      "look at the machines before a transfer. Save makes the file complete.",
      "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"Another program has changed the machine settings since they were read here.\n\nKeep Mine writes the "
+     "settings of this program over them. Take Theirs reads them, and drops what was changed here.",
+     "Communications", BoxIcon::EXCLAMATION, "Keep Mine|Take Theirs|Cancel"},
 };
 
 }  // namespace

@@ -38,6 +38,7 @@ enum class DncBox {
     TABLE_MADE_ANEW,
     TABLE_NOT_MADE,  // reason
     TABLE_SHORT,
+    TABLE_CHANGED,  // question; buttons as TableAnswer
 };
 
 // Shows a box and gives the index of the button pressed.

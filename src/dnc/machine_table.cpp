@@ -73,9 +73,21 @@ void take_image(TableImage* image) {
     std::memcpy(static_cast<void*>(machine_table), image->records, sizeof machine_table);
 }
 
-TableState read_table() {
+// The file as it was read or written here last; length -1 when it was neither.
+TableImage known = {{}, -1};
+
+void note_written() {
+    std::memcpy(static_cast<void*>(known.records), machine_table, sizeof machine_table);
+    known.length = MACHINE_FILE_SIZE;
+}
+
+}  // namespace
+
+TableState read_machine_table() {
     TableImage image;
+    known.length = -1;
     if (read_image(&image)) {
+        known = image;
         take_image(&image);
         return image.length < MACHINE_FILE_SIZE ? TableState::SHORT : TableState::READ;
     }
@@ -85,13 +97,12 @@ TableState read_table() {
     if (!replace_whole_file(directories.parameter_file_path, image.records, sizeof image.records))
         return TableState::NOT_MADE;
     set_machine_defaults();
+    note_written();
     return TableState::MADE;
 }
 
-}  // namespace
-
 TableState load_machine_table() {
-    const TableState state = read_table();
+    const TableState state = read_machine_table();
     const int current = machine_setting(machine_table[0], Field::CURRENT_MACHINE);
     edit_machine = static_cast<int16_t>(current);
     for (int slot = 0; slot < SLOT_COUNT; slot++) {
@@ -105,8 +116,20 @@ void set_machine_defaults() {
     fill_defaults(machine_table);
 }
 
+int machine_file_changed() {
+    TableImage image;
+    if (!read_image(&image))
+        return last_file_error() == FileError::NOT_FOUND ? 0 : -1;
+    return image.length != known.length ||
+           std::memcmp(image.records, known.records, sizeof known.records) != 0;
+}
+
 int save_machine_table() {
-    return replace_whole_file(directories.parameter_file_path, machine_table, sizeof machine_table);
+    if (machine_file_changed() < 0 ||
+        !replace_whole_file(directories.parameter_file_path, machine_table, sizeof machine_table))
+        return 0;
+    note_written();
+    return 1;
 }
 
 const MachineParams& chosen_machine(int slot) {

@@ -29,11 +29,19 @@ enum class TableState : uint8_t {
 // reported; for NOT_MADE and NOT_READ the reason is in platform::last_file_error().
 [[nodiscard]] TableState load_machine_table();
 
+// The same, but edit_machine and slot_machine stay as they are.
+[[nodiscard]] TableState read_machine_table();
+
 // Fills all records with the defaults. Touches no file.
 void set_machine_defaults();
 
+// Whether another program has changed the file since it was read or written here: 1; 0, also when there is no
+// file; -1 when it cannot be read. It is the bytes that are compared: every table has the same size, and the
+// clocks and inodes of some file systems say little.
+int machine_file_changed();
+
 // Writes all records, complete and then in place. Gives 1; 0 on failure, when the old file stays and the
-// reason is in platform::last_file_error(). One that may not be read and written is not replaced.
+// reason is in platform::last_file_error(). One that cannot be read, or not be written, is not replaced.
 [[nodiscard]] int save_machine_table();
 
 // The record of the slot's machine in the table.

@@ -18,13 +18,33 @@ TableState found;
 FileError found_error;
 TableState told;
 
+void note(TableState state) {
+    found = state;
+    found_error = last_file_error();
+}
+
 void load_over(const MachineParams* fallback) {
     if (fallback == nullptr)
         set_machine_defaults();
     else
         std::memcpy(static_cast<void*>(machine_table), fallback, sizeof machine_table);
-    found = load_machine_table();
-    found_error = last_file_error();
+    note(load_machine_table());
+}
+
+// A table that another program has changed is not written over without a question.
+TableAnswer ask_whose() {
+    if (machine_file_changed() <= 0)
+        return TableAnswer::KEEP_MINE;
+    return static_cast<TableAnswer>(show_dnc_box(DncBox::TABLE_CHANGED));
+}
+
+void save_or_tell() {
+    if (!save_machine_table()) {
+        show_dnc_box(DncBox::TABLE_NOT_SAVED, file_error_text(last_file_error()));
+        return;
+    }
+    found = TableState::READ;
+    told = TableState::READ;
 }
 
 }  // namespace
@@ -62,6 +82,26 @@ void reload_machine_table(const MachineParams fallback[MACHINE_COUNT]) {
     if (found == TableState::MADE)
         told = TableState::READ;
     tell_machine_file();
+}
+
+TableAnswer store_machine_table() {
+    const TableAnswer answer = ask_whose();
+    if (answer == TableAnswer::KEEP_MINE)
+        save_or_tell();
+    return answer;
+}
+
+int store_current_machine(int machine) {
+    const TableAnswer answer = ask_whose();
+    if (answer == TableAnswer::CANCEL)
+        return 0;
+    if (answer == TableAnswer::TAKE_THEIRS) {
+        note(read_machine_table());
+        tell_machine_file();
+    }
+    machine_table[0].current_machine = static_cast<int16_t>(machine);
+    save_or_tell();
+    return 1;
 }
 
 }  // namespace hexlane

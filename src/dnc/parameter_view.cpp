@@ -192,16 +192,29 @@ void step_baud(ViewHandle view, int step) {
     put_text(view, BAUD_TEXT, BAUD_TEXTS[index]);
 }
 
+void drop_changes() {
+    reload_machine_table(machines_before);
+    std::memcpy(static_cast<void*>(machines_before), machine_table, sizeof machines_before);
+}
+
 void save_and_end(ViewHandle view) {
     collect_machine(view);
     machine_table[0].current_machine = edit_machine;
-    if (!save_machine_table())
-        show_dnc_box(DncBox::TABLE_NOT_SAVED, file_error_text(last_file_error()));
-    view_end(view, 1);
+    switch (store_machine_table()) {
+    case TableAnswer::KEEP_MINE:
+        view_end(view, 1);
+        break;
+    case TableAnswer::TAKE_THEIRS:
+        drop_changes();
+        show_machine(view);
+        break;
+    case TableAnswer::CANCEL:
+        break;
+    }
 }
 
 void drop_and_end(ViewHandle view) {
-    reload_machine_table(machines_before);
+    drop_changes();
     view_end(view, 0);
 }
 

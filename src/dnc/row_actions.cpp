@@ -4,6 +4,7 @@
 #include "dnc/activity.h"
 #include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
+#include "dnc/machine_watch.h"
 #include "dnc/port_engine.h"
 #include "dnc/row_index.h"
 #include "dnc/transfer.h"
@@ -355,9 +356,8 @@ void press_file(int slot) {
 void press_terminal(int slot) {
     if (slot_is_busy(slot))
         return;
-    machine_table[0].current_machine = slot_machine[slot];
-    if (!save_machine_table())
-        show_dnc_box(DncBox::TABLE_NOT_SAVED, file_error_text(last_file_error()));
+    if (!store_current_machine(slot_machine[slot]))
+        return;
     if (!start_program(terminal_to_start(), nullptr, nullptr, nullptr))
         show_dnc_box(DncBox::NO_TERMINAL);
 }

@@ -126,6 +126,16 @@ class MachinesTest(Case):
         self.assertEqual(done.returncode, 3)
         self.assertIn('COMMPARM.INI', done.stderr)
 
+    def test_what_others_have_set_meanwhile_is_not_written_over(self):
+        with station.Running([station.programs.cli, 'machines', 'import', '-'], self.home) as slow:
+            station.wait_for(self.home.path('ZOLT/INIT/COMMPARM.INI').exists)
+            self.run_well('machines', 'set', 2, 'name=Theirs')
+            slow.process.stdin.write('[3]\nname=Mine\n')
+            slow.finish()
+            self.assertEqual(slow.process.returncode, 3)
+            self.assertIn('another program', slow.error_text())
+        self.assertEqual(self.shown(2)['name'], 'Theirs')
+
     def test_ports_names_devices_and_holders(self):
         with Simulator(self.home, '--receive', 'machine.nc') as machine:
             source = self.home.write('part.nc', b'M30\r\n')
