@@ -65,6 +65,12 @@ struct TransferTally {
     uint32_t file_crc;   // CRC-32 of the bytes of the file
 };
 
+// Of the first bytes of a file that is sent, as far as the look ahead has come.
+struct SourceSum {
+    int64_t bytes;
+    uint32_t crc;  // CRC-32
+};
+
 // The run; the numbers of one transfer are wiped by reset_transfer, prepare_send and prepare_receive.
 struct TransferState {
     std::atomic<uint32_t> last_activity_tick;  // tick_ms at the last received data [worker]
@@ -102,6 +108,7 @@ struct TransferState {
     int32_t carry_count;      // bytes of carry_buffer that wait for the next fill [lock]
     int64_t received_length;  // bytes in the file being received [lock]
     platform::FileStamp source_stamp;  // what the file was when the send was prepared [lock]
+    SourceSum source_sum;              // of the file with that stamp [lock]
     platform::FileError fault_error;   // why, for CANNOT_READ and CANNOT_WRITE [lock]
     std::atomic<TransferFault> fault;  // [lock]
     TransferTally tally;

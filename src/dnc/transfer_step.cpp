@@ -81,6 +81,7 @@ void write_output(int slot) {
 
 // The file's size for a pass, or -1; its stamp is what the reads are held against.
 int64_t take_source_stamp(TransferState& t) {
+    t.source_sum = {};
     return path_stamp(t.file_name, &t.source_stamp) && t.source_stamp.size <= INT32_MAX ? t.source_stamp.size
                                                                                         : -1;
 }

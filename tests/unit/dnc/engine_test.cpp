@@ -1,6 +1,7 @@
 // Port engine and transfers on the scripted line: every protocol with its answers, the starts, the ends, and
 // a machine that stops, answers early, or goes away. All on the scripted clock.
 
+#include <chrono>
 #include <filesystem>
 #include <random>
 
@@ -400,6 +401,43 @@ TEST_F(EngineTest, AFileThatChangesUnderTheSendIsNotMixed) {
         EXPECT_EQ(file.substr(0, sent.size() - 1), sent.substr(0, sent.size() - 1));
         EXPECT_LT(sent.size(), file.size());
         EXPECT_NE(last_box().find("not the whole program"), std::string::npos);
+    }
+}
+
+// A touch, a copy put in the file's place, and the same bytes written anew change the stamp and no byte.
+TEST_F(EngineTest, AChangeIsHeldAgainstTheBytes) {
+    const std::string file = program(2000);
+    const std::string last_row_edited = file.substr(0, file.size() - 3) + "9\r\n";
+    struct Case {
+        const char* name;
+        bool in_place;
+        const std::string& bytes;
+    };
+    for (const Case& c : {Case{"written anew", true, file}, Case{"replaced by a copy", false, file},
+                          Case{"edited in place", true, last_row_edited},
+                          Case{"replaced by an edit", false, last_row_edited}}) {
+        for (const bool by_line : {false, true}) {
+            SCOPED_TRACE(c.name + std::to_string(by_line));
+            begin_anew();
+            write("part.nc", file);
+            machine().eob_delay_ms = by_line ? 1 : 0;
+            begin_send("part.nc", true);
+            advance_clock(1000);
+            write(c.in_place ? "part.nc" : "copy.nc", c.bytes);
+            if (!c.in_place)
+                std::filesystem::rename(path("copy.nc"), path("part.nc"));
+            std::filesystem::last_write_time(path("part.nc"), std::filesystem::file_time_type::clock::now() +
+                                                                  std::chrono::hours(1));
+            answer_box("OK");
+            ASSERT_TRUE(ended());
+            if (c.bytes == file) {
+                EXPECT_EQ(last_box(), "File Transmission Complete.");
+                EXPECT_EQ(take_sent(1), file);
+            } else {
+                EXPECT_NE(last_box().find("not the whole program"), std::string::npos);
+                EXPECT_LT(take_sent(1).size(), file.size());
+            }
+        }
     }
 }
 
