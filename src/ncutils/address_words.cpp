@@ -152,7 +152,7 @@ float absolute_from_increment(WordRun* run, int letter, double number) {
 }
 
 RewrittenRow rewrite_words(WordRun* run, const char* row, char* out, int size) {
-    RewrittenRow result = {0, 0, false};
+    RewrittenRow result = {0, 0, false, false};
     RowWriter writer = {out, size - 1, 0, true};
     bool in_comment = false;
     const char* from = row;  // what lies between here and `at` is copied as it is
@@ -177,8 +177,22 @@ RewrittenRow rewrite_words(WordRun* run, const char* row, char* out, int size) {
     }
     put(&writer, from, at - from);
     result.length = writer.fits ? writer.length : -1;
+    result.ends_in_comment = in_comment;
     out[writer.length] = '\0';
     return result;
+}
+
+bool words_go_on(RewrittenRow* row, LetterSet letters, const char* piece, int length) {
+    if (row->ends_in_number && length > 0 && is_number_char(piece[0]))
+        return true;
+    row->ends_in_number = false;
+    for (int i = 0; i < length; i++) {
+        if (piece[i] == '(' || piece[i] == ')')
+            row->ends_in_comment = piece[i] == '(';
+        else if (!row->ends_in_comment && letter_in_set(piece[i], letters))
+            return true;
+    }
+    return false;
 }
 
 }  // namespace hexlane

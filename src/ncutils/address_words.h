@@ -58,10 +58,15 @@ struct RewrittenRow {
     int words;            // chosen words met; with 0 the row is not to be touched
     int length;           // of the new row; -1 when it does not fit
     bool ends_in_number;  // a word's number reaches the end of the old row
+    bool ends_in_comment;
 };
 
 // Writes `row` with new numbers to out[size]. With a row that does not fit, what is in `out` means nothing,
 // but the positions have advanced over all of its words.
 RewrittenRow rewrite_words(WordRun* run, const char* row, char* out, int size);
+
+// Whether the bytes that go on behind a row have a chosen word, or the rest of the number that `row` ends in.
+// They may come in pieces; `row` takes where the last one has ended.
+bool words_go_on(RewrittenRow* row, LetterSet letters, const char* piece, int length);
 
 }  // namespace hexlane

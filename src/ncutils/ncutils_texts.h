@@ -8,8 +8,10 @@ enum class NcUtilsBox {
     RENUMBER_COMPLETE,
     STRIP_QUESTION,  // Yes, No
     // Our own.
-    ROWS_LEFT,    // number of rows, number of the first
-    RUN_STOPPED,  // number of the row
+    ROWS_LEFT,      // number of rows, number of the first
+    NOT_CONVERTED,  // the same
+    RUN_STOPPED,    // number of the row
+    LOOK_STOPPED,   // the same
 };
 
 // Shows a box and gives the index of the button pressed.

@@ -31,7 +31,7 @@ int begin_run(RowRun* run) {
         return 0;
     }
     const RowRange range = row_range();
-    *run = {range, range.run_first - 1, 0, -1, false};
+    *run = {range, range.run_first - 1, 0, -1, false, false};
     begin_row_batch();
     return 1;
 }
@@ -71,11 +71,11 @@ void tell_run(const RowRun& run) {
     if (run.left > 0) {
         format_text(count, sizeof count, "%d", run.left);
         format_text(row, sizeof row, "%d", run.first_left + 1);
-        show_ncutils_box(NcUtilsBox::ROWS_LEFT, count, row);
+        show_ncutils_box(run.refused ? NcUtilsBox::NOT_CONVERTED : NcUtilsBox::ROWS_LEFT, count, row);
     }
     if (run.stopped) {
         format_text(row, sizeof row, "%d", run.row + 1);
-        show_ncutils_box(NcUtilsBox::RUN_STOPPED, row);
+        show_ncutils_box(run.refused ? NcUtilsBox::LOOK_STOPPED : NcUtilsBox::RUN_STOPPED, row);
     }
 }
 

@@ -1,6 +1,6 @@
 // row_run.h: the walk of a utility over the rows of the block or of the whole document. Main thread only.
-// A run shows its row count, stops at the first row that cannot be read or stored, and counts the rows whose
-// new text does not fit. It owns row_text while it lasts.
+// A run shows its row count, stops at the first row that cannot be read or stored, and counts the rows that
+// can't be done. It owns row_text while it lasts.
 //
 //   RowRun run;
 //   if (begin_run(&run)) {
@@ -21,13 +21,14 @@ struct RowRange {
 struct RowRun {
     RowRange range;
     int32_t row;         // the row in row_text
-    int32_t left;        // rows whose new text did not fit and that stay as they were
+    int32_t left;        // rows that could not be done and stay as they were
     int32_t first_left;  // the first of them, -1 for none
     bool stopped;        // at `row`, which could not be read or stored
+    bool refused;        // the run has only looked, at rows that it would have left: nothing has changed
 };
 
-// The rows of the block, those at its ends too; without a block all but the empty end row. A block inside one row
-// holds none.
+// The rows of the block, those at its ends too; without a block all but the empty end row. A block inside one
+// row holds none.
 RowRange row_range();
 
 // Gives 1; 0 after a beep when the store takes no edits at present.
@@ -44,7 +45,7 @@ void leave_row(RowRun* run);
 
 void end_run(const RowRun* run);
 
-// Tells, in one box each, of rows that were left and of a run that has stopped.
+// Tells, in one box each, of rows that were left, or would have been, and of a run that has stopped.
 void tell_run(const RowRun& run);
 
 }  // namespace hexlane

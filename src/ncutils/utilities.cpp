@@ -1,31 +1,58 @@
 #include "ncutils/utilities.h"
 
-#include <cstring>
-
 #include "frame/child.h"
 #include "frame/status_line.h"
 #include "ncutils/line_numbers.h"
-#include "platform/text_stream.h"
 #include "store/row_table.h"
 
 namespace hexlane {
 
-using namespace platform;
-
 namespace {
 
-// Whether the number at the end of what row_text shows goes on in the bytes that it does not show. Then it
-// must not be computed with: half of it stands there.
-bool number_goes_on(int32_t row) {
-    if (std::strlen(child[0].row_text) < ROW_FETCH_MAX)
-        return false;
-    RowRecord record;
+// Whether the row in row_text has a chosen word in the bytes that it does not show, or a number that goes on
+// there. No such row may be rewritten: only a part of its words would be. Gives -1 when it can't be read.
+int has_unseen_words(int32_t row, RewrittenRow shown, LetterSet letters) {
     RowSpan rest;
-    char next[2] = "";
-    if (!read_record(row, &record) || !unseen_rest(record, SHOWN_BY_FETCH, &rest) || rest.length == 0)
-        return false;
-    const StreamHandle stream = rest.origin == ORIGIN_FILE ? child[0].file_stream : child[0].change_stream;
-    return stream_read_raw(stream, rest.position, next, 1) == 1 && number_token_length(next) > 0;
+    if (!fetched_rest(row, &rest))
+        return -1;
+    while (rest.length > 0) {
+        char piece[ROW_BUFFER_SIZE];
+        const int32_t length = take_row_bytes(&rest, piece, sizeof piece);
+        if (length < 0)
+            return -1;
+        if (words_go_on(&shown, letters, piece, length))
+            return 1;
+    }
+    return 0;
+}
+
+// One pass over the rows. It only looks unless `stores` is set.
+void pass_over_words(WordRun* words, RowRun* run, bool stores) {
+    char text[ROW_BUFFER_SIZE];
+    while (next_row(run)) {
+        const RewrittenRow row = rewrite_words(words, child[0].row_text, text, sizeof text);
+        const int unseen = has_unseen_words(run->row, row, words->letters);
+        if (unseen < 0)
+            run->stopped = true;
+        else if (row.length < 0 || unseen > 0)
+            leave_row(run);
+        else if (row.words > 0 && stores)
+            store_row(run, text);
+    }
+}
+
+// A conversion carries positions from row to row: with one row left as it was, all rows behind it would lead
+// to wrong places. So it looks first whether all rows can be done.
+bool can_convert_all(WordRun words, RowRun* run) {
+    const bool carries =
+        words.arithmetic == increment_from_absolute || words.arithmetic == absolute_from_increment;
+    if (!carries)
+        return true;
+    pass_over_words(&words, run, false);
+    run->refused = run->stopped || run->left > 0;
+    if (!run->refused)
+        run->row = run->range.run_first - 1;
+    return !run->refused;
 }
 
 }  // namespace
@@ -68,16 +95,8 @@ int run_over_words(WordRun* words, int status, RowRun* run) {
     if (!begin_run(run))
         return 0;
     show_status(status);
-    char text[ROW_BUFFER_SIZE];
-    while (next_row(run)) {
-        const RewrittenRow row = rewrite_words(words, child[0].row_text, text, sizeof text);
-        if (row.words == 0)
-            continue;
-        if (row.length < 0 || (row.ends_in_number && number_goes_on(run->row)))
-            leave_row(run);
-        else
-            store_row(run, text);
-    }
+    if (can_convert_all(*words, run))
+        pass_over_words(words, run, true);
     end_run(run);
     show_status(STATUS_BLANK);
     return 1;

@@ -23,7 +23,7 @@ int strip_line_numbers(RowRun* run);
 
 // Scale, shift and the two conversions, as `words` says: rewrites the rows that hold a chosen letter outside
 // of a comment, under the status message of number `status`. `modified` is set with the first of them; the
-// views set it in any case.
+// views set it in any case but a refusal: a conversion is refused when any of its rows would be left.
 int run_over_words(WordRun* words, int status, RowRun* run);
 
 }  // namespace hexlane

@@ -151,7 +151,7 @@ void ask_and_run(const WordUtility* utility) {
     const PointerShape pointer = begin_wait();
     const int done = run_over_words(&answers, utility->status, &run);
     end_wait(pointer);
-    if (done)
+    if (done && !run.refused)
         child[0].modified = 1;  // whether or not a row was touched
     repaint_now();
     if (done)

@@ -65,13 +65,19 @@ struct Find {
     RawScan scan;
     PointerShape pointer;
     bool found;
-    bool failed;  // a row could not be read: the walk ends, and the message loop tells why
+    bool failed;           // a row could not be read: the walk ends, and the message loop tells why
+    int32_t unseen;        // rows with a match in text that they do not show
+    int32_t first_unseen;  // the first that the walk has met
 };
 
 // Stops at each match in `row`. Gives whether the walk goes on.
 bool find_in_row(Find* find, int32_t row) {
     uint8_t positions[ROW_BUFFER_SIZE];
-    const int32_t count = find_candidates(find->pattern, positions);
+    const int unseen = matches_unseen(find->pattern, row);
+    if (unseen > 0 && find->unseen++ == 0)
+        find->first_unseen = row;
+    find->failed = unseen < 0;
+    const int32_t count = find->failed ? 0 : find_candidates(find->pattern, positions);
     for (int32_t i = 0; i < count; ++i) {
         if (!matches_at(find->pattern, positions[i]))
             continue;
@@ -84,7 +90,7 @@ bool find_in_row(Find* find, int32_t row) {
         if (find->failed || child[0].replace_reply == REPLY_DONE)
             return false;
     }
-    return true;
+    return !find->failed;
 }
 
 // Searches the rows from `first` to `last`. Gives whether the walk goes on.
@@ -114,10 +120,13 @@ bool find_up(Find* find, int32_t last, int32_t first) {
 void tell_end(const Find& find) {
     if (find.failed)
         return;
+    char unseen[UNSEEN_TEXT_SIZE] = "";
+    if (find.unseen > 0)
+        tell_unseen_matches(unseen, find.unseen, find.first_unseen);
     if (!find.found)
-        show_search_box(SearchBox::NOT_FOUND, search_texts.find_text);
+        show_search_box(SearchBox::NOT_FOUND, search_texts.find_text, unseen);
     else if (child[0].replace_reply != REPLY_DONE)
-        show_search_box(SearchBox::SEARCH_COMPLETE);
+        show_search_box(SearchBox::SEARCH_COMPLETE, unseen);
 }
 
 // Begins with the whole of the caret's row, and wraps at the document's ends with no question.

@@ -11,7 +11,6 @@
 #include "search/search_internal.h"
 #include "search/search_texts.h"
 #include "store/row_table.h"
-#include "store/store_fault.h"
 #include "view/text_view.h"
 
 #include <algorithm>
@@ -112,21 +111,16 @@ int32_t take_digits(const char* text, int32_t length, LineNumber* number) {
 
 // Digits that go on behind what a fetch shows of `row`. Gives 0 when they could not be read.
 int take_unseen_digits(int32_t row, LineNumber* number) {
-    RowRecord record = {0, ORIGIN_BLANK};
-    RowSpan rest = {};
-    if (!read_record(row, &record) || !unseen_rest(record, SHOWN_BY_FETCH, &rest))
+    RowSpan rest;
+    if (!fetched_rest(row, &rest))
         return 0;
-    const StreamHandle stream = rest.origin == ORIGIN_FILE ? child[0].file_stream : child[0].change_stream;
     while (rest.length > 0) {
         char piece[ROW_BUFFER_SIZE];
-        const auto wanted = static_cast<size_t>(std::min<int64_t>(rest.length, sizeof piece));
-        const auto got = static_cast<int32_t>(stream_read_raw(stream, rest.position, piece, wanted));
-        if (got <= 0)
+        const int32_t length = take_row_bytes(&rest, piece, sizeof piece);
+        if (length < 0)
             return 0;
-        if (take_digits(piece, got, number) < got)
+        if (take_digits(piece, length, number) < length)
             return 1;
-        rest.position += got;
-        rest.length -= got;
     }
     return 1;
 }
@@ -141,10 +135,8 @@ int has_line_number(int32_t row, int64_t wanted) {
     LineNumber number = {0, false};
     const auto length = static_cast<int32_t>(std::strlen(text));
     const bool goes_on = 1 + take_digits(text + 1, length - 1, &number) == ROW_FETCH_MAX && !row_had_lf;
-    if (goes_on && !take_unseen_digits(row, &number)) {
-        raise_store_fault(child[0].file_path);
+    if (goes_on && !take_unseen_digits(row, &number))
         return -1;
-    }
     return number.any && number.value == wanted;
 }
 

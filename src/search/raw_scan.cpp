@@ -23,13 +23,6 @@ constexpr int64_t STRETCH = 1 << 16;  // bytes read at a time
 
 char stretch[STRETCH];
 
-bool stands_at(const char* place, const SearchPattern& pattern) {
-    for (int32_t i = 0; i < pattern.length; ++i)
-        if (fold_letter(place[i]) != pattern.bytes[i])
-            return false;
-    return true;
-}
-
 // Brings the bytes from raw position `from` on into memory and begins to search them. Gives 0 when they could
 // not be read.
 int load_stretch(RawScan* scan, const SearchPattern& pattern, int64_t from) {

@@ -87,8 +87,10 @@ struct Replacing {
     bool in_batch;  // nothing is asked any more: rows are stored as a batch
     bool found;
     bool failed;         // a row could not be read or stored: the walk ends
-    int32_t left;        // matches that were left because the row would not fit
-    int32_t first_left;  // row of the first of them
+    bool stays;          // the row has a match that it does not show: nothing in it is replaced
+    int32_t left;        // rows in which a match was left
+    int32_t first_left;  // the first of them
+    int32_t last_left;   // -1: none yet
 };
 
 bool replaces_all() {
@@ -108,14 +110,21 @@ bool ask_to_replace(Replacing* run, int32_t row, int32_t index) {
     return false;
 }
 
+void count_left_row(Replacing* run, int32_t row) {
+    if (run->last_left == row)
+        return;
+    if (run->left++ == 0)
+        run->first_left = row;
+    run->last_left = row;
+}
+
 // Puts the replacement into row_text at `index` and stores the row. Gives whether the row has changed: a
-// match whose row would outgrow row_text is left.
+// match whose row would outgrow row_text is left, and so is each in a row that must stay.
 bool put_replacement(Replacing* run, int32_t row, int32_t index) {
     char* text = child[0].row_text;
     const auto length = static_cast<int32_t>(std::strlen(text));
-    if (length - run->pattern.length + run->length >= ROW_BUFFER_SIZE) {
-        if (run->left++ == 0)
-            run->first_left = row;
+    if (run->stays || length - run->pattern.length + run->length >= ROW_BUFFER_SIZE) {
+        count_left_row(run, row);
         if (!replaces_all())
             repaint_row(row, false);
         return false;
@@ -136,6 +145,13 @@ bool put_replacement(Replacing* run, int32_t row, int32_t index) {
 // Takes the candidates of a row, which row_text holds, from left to right. Each was found before the first
 // replacement and moves with the text behind it.
 void replace_in_row(Replacing* run, int32_t row) {
+    const int unseen = matches_unseen(run->pattern, row);
+    run->failed = unseen < 0;
+    run->stays = unseen > 0;
+    if (run->stays) {
+        run->found = true;
+        count_left_row(run, row);
+    }
     uint8_t positions[ROW_BUFFER_SIZE];
     const int32_t count = find_candidates(run->pattern, positions);
     int32_t shift = 0;
@@ -209,7 +225,7 @@ void tell_end(const Replacing& run, int32_t row) {
         char count[12];
         format_text(count, sizeof count, "%d", run.left);
         format_text(number, sizeof number, "%d", run.first_left + 1);
-        show_search_box(SearchBox::MATCHES_LEFT, count, number);
+        show_search_box(SearchBox::ROWS_LEFT, count, number);
     }
 }
 
@@ -224,6 +240,7 @@ void run_replace(const char* text, const char* replacement) {
         return;
     }
     run.pointer = begin_wait();
+    run.last_left = -1;
     run.length = static_cast<int32_t>(std::strlen(run.text));
     prepare_pattern(text, &run.pattern);
     const int32_t row = walk_rows(&run);

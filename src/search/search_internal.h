@@ -77,11 +77,18 @@ inline const char* next_place(LetterPlaces* places) {
 // Fills `positions` with the indexes in row_text where `c` stands, in either case. Gives their number.
 int32_t find_char_positions(char c, uint8_t positions[ROW_BUFFER_SIZE]);
 
+// Whether the bytes at `place`, of which there are enough, are the pattern's.
+bool stands_at(const char* place, const SearchPattern& pattern);
+
 // Whether row_text has the pattern at `index`; any index may be asked.
 bool matches_at(const SearchPattern& pattern, int32_t index);
 
 // The indexes in row_text at which a match may begin: where the pattern's first character stands.
 int32_t find_candidates(const SearchPattern& pattern, uint8_t positions[ROW_BUFFER_SIZE]);
+
+// Whether `row`, which row_text holds, has a match that goes into text that it does not show: behind the
+// longest text of a fetch, or behind a 0x1A. -1 when that can't be read, which the message loop tells.
+int matches_unseen(const SearchPattern& pattern, int32_t row);
 
 // Highlights the match at `index` of `row`, which row_text holds, shows a stepping dialog, and fetches the
 // row again: whatever served messages may have used row_text. Gives the answer, which replace_reply takes, or

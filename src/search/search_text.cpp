@@ -11,6 +11,7 @@
 #include "view/nc_columns.h"
 #include "view/text_view.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace hexlane {
@@ -72,19 +73,46 @@ int32_t find_char_positions(char c, uint8_t positions[ROW_BUFFER_SIZE]) {
     return count;
 }
 
-bool matches_at(const SearchPattern& pattern, int32_t index) {
-    const char* text = child[0].row_text;
-    const auto length = static_cast<int32_t>(std::strlen(text));
-    if (index < 0 || pattern.length > length - index)
-        return false;
+bool stands_at(const char* place, const SearchPattern& pattern) {
     for (int32_t i = 0; i < pattern.length; ++i)
-        if (fold_letter(text[index + i]) != pattern.bytes[i])
+        if (fold_letter(place[i]) != pattern.bytes[i])
             return false;
     return true;
 }
 
+bool matches_at(const SearchPattern& pattern, int32_t index) {
+    const auto length = static_cast<int32_t>(std::strlen(child[0].row_text));
+    return index >= 0 && pattern.length <= length - index && stands_at(child[0].row_text + index, pattern);
+}
+
 int32_t find_candidates(const SearchPattern& pattern, uint8_t positions[ROW_BUFFER_SIZE]) {
     return pattern.length > 0 ? find_char_positions(pattern.bytes[0], positions) : 0;
+}
+
+// The unseen bytes in pieces, each with what stands in front of it, where a match may begin.
+int matches_unseen(const SearchPattern& pattern, int32_t row) {
+    RowSpan rest;
+    if (!fetched_rest(row, &rest))
+        return -1;
+    if (pattern.length == 0)
+        return 0;
+    char piece[4 * SEARCH_TEXT_SIZE];
+    const auto shown = static_cast<int32_t>(std::strlen(child[0].row_text));
+    int32_t kept = std::min(shown, pattern.length - 1);
+    std::memcpy(piece, child[0].row_text + shown - kept, static_cast<std::size_t>(kept));
+    while (rest.length > 0) {
+        const int32_t taken =
+            take_row_bytes(&rest, piece + kept, sizeof piece - static_cast<std::size_t>(kept));
+        if (taken < 0)
+            return -1;
+        const int32_t length = kept + taken;
+        for (int32_t i = 0; i + pattern.length <= length; ++i)
+            if (stands_at(piece + i, pattern))
+                return 1;
+        kept = std::min(length, pattern.length - 1);
+        std::memmove(piece, piece + length - kept, static_cast<std::size_t>(kept));
+    }
+    return 0;
 }
 
 // ---- Showing a match ---------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 // row_bytes.cpp: where the bytes of a row stand, in the active file or in the change file, and appending a
 // row's text with the bytes that nobody saw.
 
+#include <algorithm>
 #include <cstring>
 
 #include "frame/child.h"
@@ -36,23 +37,25 @@ int32_t bytes_shown(const RowRecord& record, bool* whole) {
     return static_cast<int32_t>(length);
 }
 
-int append_rest(const RowSpan& rest) {
-    int64_t position = rest.position;
-    int64_t left = rest.length;
-    while (left > 0) {
-        const int64_t wanted = left < COPY_BUFFER_SIZE ? left : COPY_BUFFER_SIZE;
-        const int64_t length =
-            stream_read_raw(stream_of(rest.origin), position, copy_buffer, static_cast<std::size_t>(wanted));
-        if (length <= 0) {
-            if (length == 0)
-                set_last_file_error(FileError::IO);  // the row has become shorter under us
+// take_row_bytes without the mark on the store.
+int32_t read_span(RowSpan* span, void* bytes, std::size_t size) {
+    const auto wanted = std::min(size, static_cast<std::size_t>(span->length));
+    const int64_t length = stream_read_raw(stream_of(span->origin), span->position, bytes, wanted);
+    if (length == 0)
+        set_last_file_error(FileError::IO);  // the row has become shorter under us
+    if (length <= 0)
+        return -1;
+    span->position += length;
+    span->length -= length;
+    return static_cast<int32_t>(length);
+}
+
+int append_rest(RowSpan rest) {
+    while (rest.length > 0) {
+        const int32_t length = read_span(&rest, copy_buffer, COPY_BUFFER_SIZE);
+        if (length < 0 || !stream_append(child[0].change_stream, reinterpret_cast<const char*>(copy_buffer),
+                                         static_cast<std::size_t>(length)))
             return 0;
-        }
-        if (!stream_append(child[0].change_stream, reinterpret_cast<const char*>(copy_buffer),
-                           static_cast<std::size_t>(length)))
-            return 0;
-        position += length;
-        left -= length;
     }
     return 1;
 }
@@ -96,6 +99,13 @@ int unseen_rest(const RowRecord& record, int32_t shown, RowSpan* rest) {
     rest->position += shown;
     rest->length = rest->length > shown ? rest->length - shown : 0;
     return 1;
+}
+
+int32_t take_row_bytes(RowSpan* span, void* bytes, std::size_t size) {
+    const int32_t length = read_span(span, bytes, size);
+    if (length < 0)
+        raise_store_fault(span->origin == ORIGIN_FILE ? child[0].file_path : child[0].change_path);
+    return length;
 }
 
 bool row_is_empty(int32_t row) {

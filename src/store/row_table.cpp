@@ -177,6 +177,20 @@ int fail_fetch(int32_t row, const char* path) {
     return 0;
 }
 
+// How many bytes of the stored row row_text stands for.
+int32_t shown_of(int32_t row) {
+    return seen.row == row ? seen.shown : SHOWN_BY_FETCH;
+}
+
+// fetched_rest without the mark on the store.
+int find_rest(int32_t row, RowSpan* rest) {
+    *rest = {ORIGIN_BLANK, 0, 0, -1, 0};
+    if (seen.row == row && seen.whole)
+        return 1;
+    RowRecord record;
+    return read_record(row, &record) && unseen_rest(record, shown_of(row), rest);
+}
+
 void fetch_unsaved_row() {
     std::memcpy(child[0].row_text, unsaved_row.text, sizeof unsaved_row.text);
     child[0].row_origin = ORIGIN_CHANGE;
@@ -346,21 +360,21 @@ int fetch_row(int32_t row) {
     return 1;
 }
 
+int fetched_rest(int32_t row, RowSpan* rest) {
+    if (find_rest(row, rest))
+        return 1;
+    raise_store_fault(child[0].file_path);
+    return 0;
+}
+
 int commit_row(int32_t row) {
     if (seen.row == row && !seen.readable)
         return 0;  // told when the fetch failed; what is stored is better than an empty row
     if (unsaved_row.row >= 0 && unsaved_row.row != row)
         return 0;
-    const int32_t shown = seen.row == row ? seen.shown : SHOWN_BY_FETCH;
-    RowSpan rest = {ORIGIN_BLANK, 0, 0, -1, 0};
-    RowRecord record = {0, ORIGIN_BLANK};
-    int stored = 1;
-    if (!(seen.row == row && seen.whole))
-        stored = read_record(row, &record) && unseen_rest(record, shown, &rest);
-    if (stored)
-        stored = store_row_text(row, child[0].row_text, &rest);
-    if (!stored) {
-        keep_unsaved_row(row, shown);
+    RowSpan rest;
+    if (!find_rest(row, &rest) || !store_row_text(row, child[0].row_text, &rest)) {
+        keep_unsaved_row(row, shown_of(row));
         raise_store_fault(failed_store_file());
         return 0;
     }

@@ -23,6 +23,7 @@
 #include "platform/files.h"
 #include "store/store_limits.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace hexlane {
@@ -119,6 +120,14 @@ struct RowSpan {
 // most rows. Gives 1, or 0 when the row cannot be read.
 constexpr int32_t SHOWN_BY_FETCH = -1;
 [[nodiscard]] int unseen_rest(const RowRecord& record, int32_t shown, RowSpan* rest);
+
+// The part of `row` that row_text does not show; the last fetch or commit has brought the row. Length 0 for
+// most rows, and then at no cost. Gives 1; 0 when it cannot be read: then the store is marked damaged.
+[[nodiscard]] int fetched_rest(int32_t row, RowSpan* rest);
+
+// Takes up to `size` bytes from the front of a span that has some. Gives their number; -1 when they cannot be
+// read, and then the store is marked damaged.
+[[nodiscard]] int32_t take_row_bytes(RowSpan* span, void* bytes, std::size_t size);
 
 // Appends `text` and then the bytes of `rest` (nullptr for none) to the change file as one line and points
 // the record of `row` at it. Gives 1; 0 on failure, and then table and change file are as before and nothing

@@ -161,10 +161,8 @@ TEST_F(UtilitiesTest, ALongDocumentIsDoneRowByRow) {
 TEST_F(UtilitiesTest, RowsThatDoNotFitStayAndAreToldOnce) {
     const std::string filler = repeated('G', 248);
     open({"X1", filler + "X5", "X2", filler + "X", "X4"});
-    WordRun words = {letter_bit('X'), 6, absolute_from_increment, 0, {}};
-    RowRun run;
-    ASSERT_TRUE(run_over_words(&words, 15, &run));
-    EXPECT_EQ(rows(), (Rows{"X1.000000", filler + "X5", "X8.000000", filler + "X", "X12.000000", ""}));
+    RowRun run = shift("X", 6);
+    EXPECT_EQ(rows(), (Rows{"X2.000000", filler + "X5", "X3.000000", filler + "X", "X5.000000", ""}));
     EXPECT_EQ(run.left, 2);
     EXPECT_EQ(run.first_left, 1);
 
@@ -178,8 +176,8 @@ TEST_F(UtilitiesTest, RowsThatDoNotFitStayAndAreToldOnce) {
     RowRun wide;
     ASSERT_TRUE(renumber_rows(1, 1, true, 0, 9, &wide));
     EXPECT_EQ(wide.left, 2);
-    EXPECT_EQ(rows()[0], "N000000001 X1.000000");
-    EXPECT_EQ(rows()[2], "N000000002 X8.000000");
+    EXPECT_EQ(rows()[0], "N000000001 X2.000000");
+    EXPECT_EQ(rows()[2], "N000000002 X3.000000");
     answer_box("OK");
     tell_run(wide);
     ASSERT_EQ(shown_boxes().size(), 1U);
@@ -187,15 +185,50 @@ TEST_F(UtilitiesTest, RowsThatDoNotFitStayAndAreToldOnce) {
               std::string::npos);
 }
 
-// A number that crosses the last character of what a fetch brings is not computed with by its first half.
-TEST_F(UtilitiesTest, UnseenBytesStayWithTheirRow) {
+// A row shows ROW_FETCH_MAX characters, and nothing behind a 0x1A. With a chosen word there, or the rest of a
+// number, no word of the row is computed: it would be done by half.
+TEST_F(UtilitiesTest, ARowWithWordsThatItDoesNotShowStaysWhole) {
     const std::string filler = repeated('G', ROW_FETCH_MAX - 3);
-    open({filler + "X12" + "34 X5", filler + "X12" + " X5", filler + "X1 X5", "X1"});
+    const struct {
+        std::string before, after;
+    } cases[] = {
+        {filler + "X12" + "34 G5", ""},
+        {filler + "X12" + " G5", filler + "X13 G5"},
+        {filler + "X12" + " X7.5", ""},
+        {filler + "X12" + "(X7.5) G1", filler + "X13(X7.5) G1"},
+        {"X1 (" + filler + " X5", "X2 (" + filler + " X5"},
+        {"X1 (" + filler + repeated(' ', 400) + ") X5", ""},
+        {filler + "G01" + "X5", ""},
+        {"X1\x1A Y2", "X2\x1A Y2"},
+        {"X1\x1A X2", ""},
+        {"X1", "X2"},
+    };
+    Rows texts;
+    std::string shifted;
+    for (const auto& c : cases) {
+        texts.push_back(c.before);
+        shifted += (c.after.empty() ? c.before : c.after) + "\r\n";
+    }
+    open(texts);
     const RowRun run = shift("X");
-    EXPECT_EQ(run.left, 1);
+    EXPECT_EQ(run.left, 5);
     EXPECT_EQ(run.first_left, 0);
     command(1002);
-    EXPECT_EQ(bytes(), filler + "X1234 X5\r\n" + filler + "X13 X5\r\n" + filler + "X2 X5\r\nX2\r\n");
+    EXPECT_EQ(bytes(), shifted);
+
+    // A conversion changes nothing at all then, and says so. Its position would be wrong behind such a row.
+    for (const WordArithmetic arithmetic : {increment_from_absolute, absolute_from_increment}) {
+        begin_anew();
+        open(texts);
+        WordRun words = {letter_bit('X'), 0, arithmetic, 0, {}};
+        RowRun refused;
+        EXPECT_TRUE(run_over_words(&words, 15, &refused));
+        EXPECT_TRUE(refused.refused);
+        EXPECT_EQ(origins(), repeated('O', static_cast<int>(texts.size()) + 1));
+        answer_box("OK");
+        tell_run(refused);
+        EXPECT_EQ(shown_boxes().back().text.find("Rows that cannot be converted: "), 0U);
+    }
 }
 
 TEST_F(UtilitiesTest, ARunEndsWithItsRowCountAndNoMessage) {

@@ -175,12 +175,26 @@ TEST_F(ReplaceTest, ARowThatWouldNotFitKeepsTheMatchAndIsCounted) {
                            "\r\nG0000\r\n");
 }
 
-TEST_F(ReplaceTest, BytesBehindWhatARowShowsStayWithIt) {
-    const std::string long_row = "G0" + std::string(250, 'x') + "g0g0tail";
-    start_with(long_row + "\r\nG0\r\n");
-    replace_all("G0", "Y");
+// Behind ROW_FETCH_MAX characters and behind a 0x1A. A row whose match there can't be replaced stays whole.
+TEST_F(ReplaceTest, ARowWithAMatchThatItDoesNotShowStaysWholeAndIsCounted) {
+    const std::string x(250, 'x');
+    const std::vector<std::string> before = {"G0" + x + "g0tail", "G0" + x + "g0G0tail",
+                                             "G0" + x + "1g0",    "x" + x + "000" + "G0",
+                                             "G0\x1AZ",           "G0\x1Ag0"};
+    const std::vector<std::string> after = {"Y" + x + "Ytail", before[1], before[2],
+                                            before[3],         "Y\x1AZ",  before[5]};
+    std::string file;
+    for (const std::string& row : before)
+        file += row + "\r\n";
+    start_with(file);
+    replace_all("G0", "Y", 2);
+    ASSERT_EQ(shown_boxes().size(), 2u);
+    EXPECT_EQ(shown_boxes()[1].text.find("Rows left with a match: 4. The first is row 2."), 0u);
     ASSERT_TRUE(save_file());
-    EXPECT_EQ(bytes(), "Y" + std::string(250, 'x') + "Yg0tail\r\nY\r\n");
+    file.clear();
+    for (const std::string& row : after)
+        file += row + "\r\n";
+    EXPECT_EQ(bytes(), file);
 }
 
 TEST_F(ReplaceTest, AReplacementThatNoRowCanHoldChangesNothing) {

@@ -110,23 +110,24 @@ public:
             rows[i + row] = {cut[row].text, "", 'C'};
     }
 
-    // The text in the place of every `c`, in either case, as long as the row fits.
+    // The text in the place of every `c`, in either case, as long as the row fits and shows all of them.
     void replace_all(char c, const std::string& by) {
+        const auto matches = [c](char other) { return fold_letter(other) == fold_letter(c); };
         for (ModelRow& row : rows) {
             const std::string old = shown(row);
             std::string made;
             for (std::size_t i = 0; i < old.size(); i++) {
-                const bool match = fold_letter(old[i]) == fold_letter(c);
                 const std::size_t length = made.size() + by.size() + old.size() - i - 1;
-                made += match && length < ROW_BUFFER_SIZE ? by : old.substr(i, 1);
+                made += matches(old[i]) && length < ROW_BUFFER_SIZE ? by : old.substr(i, 1);
             }
-            if (made != old)
-                row = {made + rest(row), "", 'C'};
+            const std::string behind = rest(row);
+            if (made != old && std::none_of(behind.begin(), behind.end(), matches))
+                row = {made + behind, "", 'C'};
         }
     }
 
     void renumber(Numbering numbering) {
-        for (std::size_t i = 0; i + 1 < rows.size(); i++) {
+        for (std::size_t i = 0; i < program_end(); i++) {
             char text[ROW_BUFFER_SIZE];
             if (renumber_row_text(&numbering, shown(rows[i]).c_str(), text, sizeof text) ==
                 NumberedRow::NUMBERED)
@@ -135,25 +136,35 @@ public:
     }
 
     void strip() {
-        for (std::size_t i = 0; i + 1 < rows.size(); i++) {
+        for (std::size_t i = 0; i < program_end(); i++) {
             char text[ROW_BUFFER_SIZE];
             strip_row_text(shown(rows[i]).c_str(), text);
             rows[i] = {text + rest(rows[i]), "", 'C'};
         }
     }
 
-    // A number that goes on in the bytes that a row does not show stays.
+    // A row stays that has words, or the rest of a number, in the bytes that it does not show. A conversion
+    // is done for all rows or for none.
     void rewrite(WordRun words) {
-        for (std::size_t i = 0; i + 1 < rows.size(); i++) {
+        const bool all = words.arithmetic != scale_number && words.arithmetic != shift_number;
+        std::vector<ModelRow> before = rows;
+        bool left = false;
+        for (std::size_t i = 0; i < program_end(); i++) {
             char text[ROW_BUFFER_SIZE];
             const std::string behind = rest(rows[i]);
-            const RewrittenRow made = rewrite_words(&words, shown(rows[i]).c_str(), text, sizeof text);
+            RewrittenRow made = rewrite_words(&words, shown(rows[i]).c_str(), text, sizeof text);
             const bool goes_on =
-                made.ends_in_number && "0123456789+-."s.find(behind.substr(0, 1)) != std::string::npos;
-            if (made.words > 0 && made.length >= 0 && (behind.empty() || !goes_on))
+                words_go_on(&made, words.letters, behind.c_str(), static_cast<int>(behind.size()));
+            left = left || made.length < 0 || goes_on;
+            if (made.words > 0 && made.length >= 0 && !goes_on)
                 rows[i] = {text + behind, "", 'C'};
         }
+        if (all && left)
+            rows.swap(before);
     }
+
+    // The row behind the last one but an empty end row.
+    std::size_t program_end() const { return rows.size() - (rows.back().text.empty() ? 1 : 0); }
 
     // Takes the columns from `from` up to `to` out of a row, into the buffer too if it is a cut.
     void take_part(std::size_t i, std::size_t from, std::size_t to, bool is_cut) {
