@@ -239,11 +239,12 @@ bool take_requested_file() {
     return false;
 }
 
-int ask_quiet_file(FileDialog* dialog) {
+// A name to open that is no file of a port; `refusal` tells of one that is.
+int ask_quiet_file(FileDialog* dialog, FrameBox refusal) {
     while (ask_open_name(dialog)) {
         if (!is_active_file(dialog->path))
             return 1;
-        show_frame_box(FrameBox::OPEN_ACTIVE_FILE);
+        show_frame_box(refusal);
     }
     return 0;
 }
@@ -269,7 +270,7 @@ void command_open() {
         return;
     }
     FileDialog dialog;
-    if (ask_quiet_file(&dialog))
+    if (ask_quiet_file(&dialog, FrameBox::OPEN_ACTIVE_FILE))
         open_file(dialog.path, dialog.file_title);
     else if (needs_load)
         load_again();
@@ -324,7 +325,7 @@ void command_merge() {
     if (show_frame_box(FrameBox::MERGE_QUESTION) != 0)
         return;
     FileDialog dialog;
-    if (!ask_open_name(&dialog))
+    if (!ask_quiet_file(&dialog, FrameBox::MERGE_ACTIVE_FILE))
         return;
     const GuardAnswer answer = guard_save();
     if (answer == GuardAnswer::SAVE_AS)

@@ -53,6 +53,7 @@ constexpr BoxText FRAME_BOXES[] = {
     {"The program's folder cannot be used: %s\n\nIt does not exist, may not be made, or its path is too "
      "long.",
      "System Error", BoxIcon::STOP, BUTTONS_OK},
+    {"You cannot merge an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
     {"You cannot save over an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
 };
 

@@ -19,6 +19,7 @@ enum class FrameBox {
     IN_PLACE_UNMODIFIED,  // file; Reload, Cancel
     NOT_OPENED,           // file
     NO_HOME,              // folder
+    MERGE_ACTIVE_FILE,
     SAVE_ACTIVE_FILE,
 };
 

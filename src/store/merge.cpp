@@ -22,13 +22,17 @@ MergeBackup merge_backup = {0, "", "", {}};
 
 namespace {
 
+constexpr char LINE_END[] = "\r\n";
+constexpr int LINE_END_SIZE = sizeof LINE_END - 1;
+
 struct Splice {
     FileHandle active;  // the active file as it was opened
     FileHandle merged;  // what comes in
     int64_t active_size;
     int64_t merged_size;
-    int64_t position;      // where in the active file
-    bool line_end_needed;  // the byte in front is no row end
+    int64_t position;    // where in the active file
+    bool end_in_front;   // the row in front has no line end there and gets one
+    bool end_of_merged;  // the same for the last row that comes in
 };
 
 int tell_merge_failure(const char* path) {
@@ -40,21 +44,26 @@ bool is_row_end(uint8_t byte) {
     return byte == '\n' || byte == '\0';
 }
 
-// Where the caret's row begins in the file; the end of the file for a row that stands nowhere in it.
+// Whether a row has text in front of `position` and no row end there; -1 when the file can't be read.
+int lacks_row_end(FileHandle file, int64_t position) {
+    uint8_t last = '\n';
+    if (position > 0 && file_read_at(file, position - 1, &last, 1) != 1)
+        return -1;
+    return !is_row_end(last);
+}
+
+// Where the caret's row begins in the file; the end of the file for a row that stands nowhere in it. What
+// comes in begins a row of its own there, and ends it if the caret's row stands behind it.
 int find_splice_point(Splice* splice) {
     RowRecord record;
     if (!read_record(child[0].current_row, &record))
         return 0;
-    splice->line_end_needed = false;
-    splice->position = record.position;
-    if (record.origin == ORIGIN_FILE)
-        return 1;
-    splice->position = splice->active_size;
-    char last = '\n';
-    if (splice->active_size > 0 && file_read_at(splice->active, splice->active_size - 1, &last, 1) != 1)
-        return 0;
-    splice->line_end_needed = !is_row_end(static_cast<uint8_t>(last));
-    return 1;
+    splice->position = record.origin == ORIGIN_FILE ? record.position : splice->active_size;
+    const int front = lacks_row_end(splice->active, splice->position);
+    const int behind = lacks_row_end(splice->merged, splice->merged_size);
+    splice->end_in_front = front > 0 && splice->merged_size > 0;
+    splice->end_of_merged = behind > 0 && splice->position < splice->active_size;
+    return front >= 0 && behind >= 0;
 }
 
 // Copies the active file to a new name "DX" and the lowest free number beside it, flushed. Gives 1 and the
@@ -91,7 +100,6 @@ int make_backup(const Splice& splice, char path[PATH_SIZE]) {
 // merged file can't be read.
 int rows_fit(const Splice& splice) {
     int64_t rows = int64_t{child[0].last_file_row} + 1;
-    uint8_t last = '\n';
     for (int64_t position = 0; position < splice.merged_size;) {
         const int64_t length = file_read_at(splice.merged, position, copy_buffer, sizeof copy_buffer);
         if (length == 0)
@@ -99,18 +107,19 @@ int rows_fit(const Splice& splice) {
         if (length <= 0)
             return -1;
         rows += std::count_if(copy_buffer, copy_buffer + length, is_row_end);
-        last = copy_buffer[length - 1];
         position += length;
     }
-    if (!is_row_end(last) && splice.position == splice.active_size)
-        rows++;  // its last row stays one of its own, and gets an end row behind it
+    // A last row without a row end is one more all the same: it gets one, or an end row behind it.
+    if (lacks_row_end(splice.merged, splice.merged_size) != 0)
+        rows++;
     return rows <= MAX_ROWS;
 }
 
 int write_merged(const Splice& splice, Replacement* output) {
     return replacement_copy(output, splice.active, 0, splice.position) &&
-           (!splice.line_end_needed || replacement_write(output, "\r\n", 2)) &&
+           (!splice.end_in_front || replacement_write(output, LINE_END, LINE_END_SIZE)) &&
            replacement_copy(output, splice.merged, 0, splice.merged_size) &&
+           (!splice.end_of_merged || replacement_write(output, LINE_END, LINE_END_SIZE)) &&
            replacement_copy(output, splice.active, splice.position, splice.active_size - splice.position) &&
            finish_replacement(output, splice.active);
 }
@@ -130,7 +139,7 @@ int splice_file(Splice* splice) {
     splice->merged_size = file_size(splice->merged);
     if (splice->active_size < 0 || splice->merged_size < 0 || !find_splice_point(splice))
         return tell_merge_failure(child[0].merge_path);
-    if (splice->active_size + splice->merged_size + 2 > MAX_FILE_SIZE) {
+    if (splice->active_size + splice->merged_size + 2 * LINE_END_SIZE > MAX_FILE_SIZE) {
         set_last_file_error(FileError::TOO_LARGE);
         return tell_merge_failure(child[0].merge_path);
     }

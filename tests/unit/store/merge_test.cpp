@@ -33,18 +33,26 @@ TEST_F(MergeTest, TheTextLandsInFrontOfTheCaretsRow) {
         const char* label;
         const char* file;
         int row;
-        const char* merged;
+        std::string other;
+        std::string merged;
     };
+    using namespace std::string_literals;
     const Case cases[] = {
-        {"first row", "A\r\nB\r\n", 0, "X\r\nY\r\nA\r\nB\r\n"},
-        {"in the middle", "A\r\nB\r\n", 1, "A\r\nX\r\nY\r\nB\r\n"},
-        {"end row", "A\r\nB\r\n", 2, "A\r\nB\r\nX\r\nY\r\n"},
-        {"end row of a file without line end", "A\r\nB", 2, "A\r\nB\r\nX\r\nY\r\n"},
+        {"first row", "A\r\nB\r\n", 0, "X\r\nY\r\n", "X\r\nY\r\nA\r\nB\r\n"},
+        {"in the middle", "A\r\nB\r\n", 1, "X\r\nY\r\n", "A\r\nX\r\nY\r\nB\r\n"},
+        {"end row", "A\r\nB\r\n", 2, "X\r\nY\r\n", "A\r\nB\r\nX\r\nY\r\n"},
+        {"end row of a file without line end", "A\r\nB", 2, "X\r\nY\r\n", "A\r\nB\r\nX\r\nY\r\n"},
+        {"no line end comes in", "A\r\nB\r\n", 1, "X\r\nY", "A\r\nX\r\nY\r\nB\r\n"},
+        {"the same at the end", "A\r\nB\r\n", 2, "X", "A\r\nB\r\nX"},
+        {"the same behind no line end", "A\r\nB", 2, "X", "A\r\nB\r\nX"},
+        {"a byte 0x1A would hide the caret's row", "A\r\nB\r\n", 1, "X\r\n\x1A", "A\r\nX\r\n\x1A\r\nB\r\n"},
+        {"a NUL ends a row", "A\r\nB\r\n", 1, "X\0"s, "A\r\nX\0B\r\n"s},
+        {"an empty file adds nothing", "A\r\nB", 2, "", "A\r\nB"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.label);
         begin_anew();
-        write("other.nc", "X\r\nY\r\n");
+        write("other.nc", c.other);
         start_with(c.file);
         merge_at(c.row);
         EXPECT_EQ(bytes(), c.merged);
@@ -53,7 +61,7 @@ TEST_F(MergeTest, TheTextLandsInFrontOfTheCaretsRow) {
         EXPECT_TRUE(child[0].file_open);
         command(1002);
         EXPECT_EQ(work_names(), (std::vector<std::string>{"other.nc", "part.nc"}));
-        EXPECT_EQ(bytes(), c.merged);
+        EXPECT_EQ(bytes(), c.merged + (c.merged.back() == '\n' ? "" : "\r\n"));
         EXPECT_EQ(unused_answers(), 0);
     }
 }

@@ -162,7 +162,8 @@ TEST_F(RowLimitTest, AMergeThatNoLoadWouldTakeLeavesTheActiveFile) {
     const Case cases[] = {
         {line_ends(MAX_ROWS - 4), 2, "A\nB\nC\n", true},
         {line_ends(MAX_ROWS - 4), 2, std::string("A\nB\0C\nD\n", 8), false},
-        {line_ends(MAX_ROWS - 4), 2, "A\nB\nC\nD", true},          // D begins a row that was there
+        {line_ends(MAX_ROWS - 4), 2, "A\nB\nC\nD", false},  // D gets a row of its own
+        {line_ends(MAX_ROWS - 4), 2, "A\nB\nC", true},
         {line_ends(MAX_ROWS - 4), MAX_ROWS - 4, "A\nB\nC", true},  // C and an end row
         {line_ends(MAX_ROWS - 4), MAX_ROWS - 4, "A\nB\nC\nD", false},
         {line_ends(MAX_ROWS - 4) + "Z", MAX_ROWS - 3, "A\nB\n", true},  // behind Z's new line end
