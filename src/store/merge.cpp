@@ -66,12 +66,17 @@ int find_splice_point(Splice* splice) {
     return front >= 0 && behind >= 0;
 }
 
-// Copies the active file to a new name "DX" and the lowest free number beside it, flushed. Gives 1 and the
-// name, or 0 on failure, when no backup is left.
+// Copies the active file to a new name "DX" and the lowest free number beside it, flushed. Beside a link's
+// target, where the undoing can exchange the two: the link itself may lie on another file system. Gives 1 and
+// the name, or 0 on failure, when no backup is left.
 int make_backup(const Splice& splice, char path[PATH_SIZE]) {
+    char target[PATH_SIZE];
+    if (!follow_links(child[0].file_path, target, sizeof target))
+        return 0;
+    const auto folder = static_cast<int>(file_title_of(target) - target);
     FileHandle backup = NO_FILE;
     for (int n = 1; backup == NO_FILE; n++) {
-        if (!format_text(path, PATH_SIZE, "%sDX%d", child[0].file_dir, n)) {
+        if (!format_text(path, PATH_SIZE, "%.*sDX%d", folder, target, n)) {
             set_last_file_error(FileError::NAME_TOO_LONG);
             return 0;
         }
@@ -176,27 +181,66 @@ bool is_merged_file(const char* path) {
            found.size == merged.size && found.modified_ns == merged.modified_ns;
 }
 
-// The two files change places in one step. What came out of the target's place is looked at only then, so
-// that nothing that another program has put there can be lost.
-int swap_back(const char* backup, const char* target) {
-    if (!exchange_files(backup, target))
-        return 0;
-    if (is_merged_file(backup))
-        return delete_file(backup);
-    (void)exchange_files(backup, target);
+// The file before the merge, and where the box tells the user to look.
+int tell_undoing(StoreBox box, const char* where) {
+    show_store_box(box, merge_backup.merge_restore_path, where);
     return 0;
+}
+
+int tell_undo_failure(const char* backup) {
+    char subject[2 * PATH_SIZE];
+    format_text(subject, sizeof subject, "%s: %s", merge_backup.merge_restore_path,
+                file_error_text(last_file_error()));
+    show_store_box(StoreBox::UNDO_FAILED, subject, backup);
+    return 0;
+}
+
+// Deletes what the merge made, which is no longer in the file's place.
+int delete_merged(const char* path) {
+    if (!delete_file(path))
+        tell_undoing(StoreBox::MERGED_FILE_LEFT, path);
+    return 1;
+}
+
+// The two files have changed places in one step. What came out of the target's place is looked at only now,
+// so that nothing that another program has put there can be lost.
+int settle_exchange(const char* backup, const char* target) {
+    if (is_merged_file(backup))
+        return delete_merged(backup);
+    if (exchange_files(backup, target))
+        return tell_undoing(StoreBox::MERGE_NOT_UNDONE, backup);
+    tell_undoing(StoreBox::OTHER_FILE_ASIDE, backup);
+    return 1;
 }
 
 // The same in two steps, for file systems that cannot exchange.
 int move_back(const char* backup, const char* target) {
     char aside[PATH_SIZE];
-    if (!is_merged_file(target) || !format_text(aside, sizeof aside, "%s.merged", backup) ||
-        !rename_to_new(target, aside))
-        return 0;
-    if (is_merged_file(aside) && rename_to_new(backup, target))
-        return delete_file(aside);
-    (void)rename_to_new(aside, target);
-    return 0;
+    if (!is_merged_file(target))
+        return tell_undoing(StoreBox::MERGE_NOT_UNDONE, backup);
+    if (!format_text(aside, sizeof aside, "%s.merged", backup)) {
+        set_last_file_error(FileError::NAME_TOO_LONG);
+        return tell_undo_failure(backup);
+    }
+    if (!rename_to_new(target, aside))
+        return tell_undo_failure(backup);
+    const bool moved = is_merged_file(aside) && rename_to_new(backup, target);
+    if (moved)
+        return delete_merged(aside);
+    const FileError reason = last_file_error();
+    const bool others = !is_merged_file(aside);
+    if (!rename_to_new(aside, target))
+        return tell_undoing(StoreBox::MERGED_FILE_ASIDE, aside);
+    set_last_file_error(reason);
+    return others ? tell_undoing(StoreBox::MERGE_NOT_UNDONE, backup) : tell_undo_failure(backup);
+}
+
+int put_back(const char* backup, const char* target) {
+    if (path_kind(backup) == PathKind::NONE)
+        return tell_undoing(StoreBox::MERGE_BACKUP_GONE, backup);
+    if (path_kind(target) == PathKind::NONE)
+        return tell_undoing(StoreBox::MERGED_FILE_GONE, backup);
+    return exchange_files(backup, target) ? settle_exchange(backup, target) : move_back(backup, target);
 }
 
 }  // namespace
@@ -242,11 +286,13 @@ int undo_merge() {
     merge_backup.merge_backup_active = 0;
     const char* backup = merge_backup.merge_backup_path;
     char target[PATH_SIZE];
-    if (follow_links(merge_backup.merge_restore_path, target, sizeof target) &&
-        (swap_back(backup, target) || move_back(backup, target)))
-        return flush_folder_of(target);
-    show_store_box(StoreBox::MERGE_NOT_UNDONE, merge_backup.merge_restore_path, backup);
-    return 0;
+    if (!follow_links(merge_backup.merge_restore_path, target, sizeof target))
+        return tell_undo_failure(backup);
+    if (!put_back(backup, target))
+        return 0;
+    // As behind each replacement: a folder that can't be flushed leaves a whole file under the name.
+    (void)flush_folder_of(target);
+    return 1;
 }
 
 }  // namespace hexlane

@@ -35,6 +35,21 @@ constexpr BoxText STORE_BOXES[] = {
     {"The merge into %s was not undone: the file is no longer the one that the merge made.\n\nThe state from "
      "before the merge is in %s.",
      "Merge Error", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"The merge into %s was not undone: the file has been moved or deleted since.\n\nThe state from before "
+     "the merge is in %s.",
+     "Merge Error", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"The merge into %s was not undone: its backup %s is no longer there.\n\nThe file is as the merge made "
+     "it.",
+     "Merge Error", BoxIcon::STOP, BUTTONS_OK},
+    {"The merge was not undone in %s.\n\nThe state from before the merge is in %s.", "Merge Error",
+     BoxIcon::STOP, BUTTONS_OK},
+    {"The merge into %s was undone. What the merge had made could not be deleted, and is in %s.",
+     "Merge Error", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"The merge was not undone, and %s is not in its place. What the merge had made is in %s; the state from "
+     "before the merge has the same name without the ending .merged.",
+     "Merge Error", BoxIcon::STOP, BUTTONS_OK},
+    {"The merge into %s was undone. Another program had put another file in its place; that is in %s now.",
+     "Merge Error", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"A changed row could not be stored in %s: %s.\n\nIts text is kept, and no further change is taken until "
      "it "
      "can be stored. Free some space and go on, or save the file.",

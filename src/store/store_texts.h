@@ -17,6 +17,12 @@ enum class StoreBox {
     NOT_MERGED,           // file, reason
     NO_MERGE_BACKUP,      // file, reason
     MERGE_NOT_UNDONE,     // file, backup
+    MERGED_FILE_GONE,     // the same
+    MERGE_BACKUP_GONE,    // the same
+    UNDO_FAILED,          // file with the reason, backup
+    MERGED_FILE_LEFT,     // file, where the merged file is
+    MERGED_FILE_ASIDE,    // the same
+    OTHER_FILE_ASIDE,     // file, where another program's file is
     ROW_NOT_STORED,       // file, reason
     STORE_FAILED,         // file, reason
     TABLE_FULL,           // limit

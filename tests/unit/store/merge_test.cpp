@@ -2,6 +2,9 @@
 
 #include "store/merge.h"
 
+#include <cerrno>
+#include <functional>
+
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
 #include "store/load.h"
@@ -109,6 +112,59 @@ TEST_F(MergeTest, AFileThatTheMergeDidNotMakeIsNeverReplaced) {
     command(1007);
     EXPECT_EQ(bytes(), "somebody else's\r\n");
     EXPECT_EQ(bytes("DX1"), "A\r\n");
+}
+
+// The backup of a link's target lies beside the target: the link may be on another file system, where no file
+// can be put back in one step.
+TEST_F(MergeTest, TheBackupLiesBesideTheTargetOfALink) {
+    std::filesystem::create_directory(path("disk"));
+    write("disk/real.nc", "A\r\n");
+    std::filesystem::create_symlink("disk/real.nc", path("part.nc"));
+    write("other.nc", "X\r\n");
+    start("part.nc");
+    merge_at(0);
+    EXPECT_EQ(bytes("disk/real.nc"), "X\r\nA\r\n");
+    EXPECT_EQ(bytes("disk/DX1"), "A\r\n");
+    leave_without_saving();
+    EXPECT_EQ(bytes("disk/real.nc"), "A\r\n");
+    EXPECT_FALSE(exists("disk/DX1"));
+    EXPECT_TRUE(std::filesystem::is_symlink(path("part.nc")));
+}
+
+TEST_F(MergeTest, EachReasonForNotUndoingIsTold) {
+    const struct {
+        const char* label;
+        std::function<void()> happens;
+        const char* told;
+        std::string file, backup;
+    } cases[] = {
+        {"changed", [&] { write("part.nc", "other"); }, "no longer the one that the merge made", "other",
+         "A\r\n"},
+        {"deleted", [&] { std::filesystem::remove(path("part.nc")); }, "moved or deleted", "", "A\r\n"},
+        {"no backup", [&] { std::filesystem::remove(path("DX1")); }, "is no longer there", "X\r\nA\r\n", ""},
+        {"folder refuses", [] { fail_file_call(FileCall::RENAME, 1, EACCES, "", -1); },
+         file_error_text(FileError::ACCESS_DENIED), "X\r\nA\r\n", "A\r\n"},
+        {"merged file stays", [] { fail_file_call(FileCall::DELETE, 1, EACCES, "DX1"); },
+         "was undone. What the merge had made could not be deleted", "A\r\n", "X\r\nA\r\n"},
+        {"folder can't be flushed", [] { fail_file_call(FileCall::FOLDER_FLUSH, 1, EIO, "", -1); }, "",
+         "A\r\n", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        begin_anew();
+        write("other.nc", "X\r\n");
+        start_with("A\r\n");
+        merge_at(0);
+        forget_shown_boxes();
+        c.happens();
+        answer_other_boxes("OK");
+        leave_without_saving();
+        reset_file_faults();
+        ASSERT_EQ(shown_boxes().size(), *c.told == '\0' ? 1U : 2U);
+        EXPECT_NE(shown_boxes().back().text.find(c.told), std::string::npos) << shown_boxes().back().text;
+        EXPECT_EQ(bytes(), c.file);
+        EXPECT_EQ(bytes("DX1"), c.backup);
+    }
 }
 
 TEST_F(MergeTest, EveryFailingCallLeavesFileAndDocument) {
