@@ -148,7 +148,7 @@ int save_under_other_name() {
     if (!saved)
         return 0;
     if (!same)
-        forget_merge_of(dialog.path);
+        note_saved_as(dialog.path);
     close_document();
     copy_text(child[0].file_path, PATH_SIZE, dialog.path);
     copy_text(child[0].file_title, PATH_SIZE, dialog.file_title);

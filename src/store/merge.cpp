@@ -18,7 +18,7 @@ namespace hexlane {
 
 using namespace platform;
 
-MergeBackup merge_backup = {0, "", "", {}};
+MergeBackup merge_backup = {0, "", "", "", {}};
 
 namespace {
 
@@ -134,6 +134,7 @@ void note_backup(const char* backup) {
         merge_backup.merge_backup_active = 1;
         copy_text(merge_backup.merge_restore_path, PATH_SIZE, child[0].file_path);
         copy_text(merge_backup.merge_backup_path, PATH_SIZE, backup);
+        copy_text(merge_backup.document_path, PATH_SIZE, child[0].file_path);
     }
     note_merged_file();
 }
@@ -243,6 +244,10 @@ int put_back(const char* backup, const char* target) {
     return exchange_files(backup, target) ? settle_exchange(backup, target) : move_back(backup, target);
 }
 
+bool is_merged_document() {
+    return merge_counts() || same_path(child[0].file_path, merge_backup.document_path);
+}
+
 }  // namespace
 
 bool merge_counts() {
@@ -268,13 +273,21 @@ void note_merged_file() {
     path_stamp(child[0].file_path, &merge_backup.merged);
 }
 
-void forget_merge_of(const char* path) {
-    if (merge_backup.merge_backup_active && same_path(path, merge_backup.merge_restore_path))
+void note_saved_as(const char* path) {
+    if (!merge_backup.merge_backup_active)
+        return;
+    const bool merged = is_merged_document();
+    if (same_path(path, merge_backup.merge_restore_path)) {
+        if (merged)
+            delete_file(merge_backup.merge_backup_path);
         merge_backup.merge_backup_active = 0;
+    } else if (merged || same_path(path, merge_backup.document_path)) {
+        copy_text(merge_backup.document_path, PATH_SIZE, merged ? path : merge_backup.merge_restore_path);
+    }
 }
 
 void confirm_merge() {
-    if (!merge_counts())
+    if (!merge_backup.merge_backup_active || !is_merged_document())
         return;
     delete_file(merge_backup.merge_backup_path);
     merge_backup.merge_backup_active = 0;

@@ -9,12 +9,13 @@
 
 namespace hexlane {
 
-// From the first merge of a file until its Save, its undoing or the program's end. It counts only while
-// file_path is merge_restore_path.
+// From the first merge of a file until its Save, its undoing or the program's end. It can be undone only
+// while file_path is merge_restore_path.
 struct MergeBackup {
     int16_t merge_backup_active;
     char merge_restore_path[platform::PATH_SIZE];  // the file as it was named at the first merge
     char merge_backup_path[platform::PATH_SIZE];   // its bytes from before that merge
+    char document_path[platform::PATH_SIZE];       // the merged document: a Save As has given it another name
     platform::FileStamp merged;                    // the file that the last merge made
 };
 extern MergeBackup merge_backup;
@@ -30,10 +31,12 @@ bool merge_counts();
 // Takes the active file as it stands on disk as what the merge made: after a save or a load of our own.
 void note_merged_file();
 
-// `path` has been replaced by another document: there is no merge of it to undo any more. Its backup stays.
-void forget_merge_of(const char* path);
+// The document has been saved as `path`, which is not file_path. If it is the merged one, its next Save makes
+// the merge final, and being saved over the merged file again does so now. If it is another one, there is no
+// merge of `path` to undo any more; the backup stays.
+void note_saved_as(const char* path);
 
-// After a Save: the merge is final; deletes the backup.
+// After a Save of the merged document: the merge is final; deletes the backup.
 void confirm_merge();
 
 // At the program's end: puts the backup in the place of the merged file in one step. The document is closed.

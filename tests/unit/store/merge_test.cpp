@@ -241,6 +241,43 @@ TEST_F(MergeTest, ADocumentSavedOverTheMergedFileEndsTheMerge) {
     EXPECT_EQ(unused_answers(), 0);
 }
 
+// The merged document goes on under another name, and a Save of it is one of the merge too.
+TEST_F(MergeTest, ASaveUnderAnotherNameMakesTheMergeFinal) {
+    const auto save_as = [this](const char* name) {
+        answer_file_dialog(path(name).c_str());
+        if (exists(name))
+            answer_box("Yes");
+        command(1003);
+    };
+    const auto merge = [&] {
+        begin_anew();
+        write("other.nc", "X\r\n");
+        start_with("A\r\n");
+        merge_at(0);
+        save_as("new.nc");
+        EXPECT_EQ(bytes("DX1"), "A\r\n");
+    };
+    merge();
+    set_row(0, "edited");
+    command(1002);
+    EXPECT_FALSE(exists("DX1"));
+    EXPECT_EQ(bytes(), "X\r\nA\r\n");
+    EXPECT_EQ(bytes("new.nc"), "edited\r\nA\r\n");
+
+    merge();
+    save_as("part.nc");
+    EXPECT_FALSE(exists("DX1"));
+
+    merge();  // another document under the new name is not the merged one
+    answer_file_dialog(path("other.nc").c_str());
+    command(1001);
+    save_as("new.nc");
+    set_row(0, "edited");
+    command(1002);
+    EXPECT_EQ(bytes("DX1"), "A\r\n");
+    EXPECT_EQ(unused_answers(), 0);
+}
+
 TEST_F(MergeTest, AMergedFileThatIsNotLoadedLeavesNothingToSave) {
     write("other.nc", std::string(NULL_TEST_LIMIT + 1, '\0'));
     start_with("A\r\n");
