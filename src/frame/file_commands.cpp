@@ -336,6 +336,7 @@ void command_merge() {
     if (same_path(child[0].merge_path, child[0].file_path)) {
         show_frame_box(FrameBox::MERGE_WITH_ITSELF);
         repaint_now();
+        update_menus(child[0].main_window);  // the pending save has ended what was cut
         return;
     }
     const PointerShape pointer = begin_wait();
