@@ -3,6 +3,7 @@
 #include "input/block.h"
 
 #include "frame/child.h"
+#include "frame/command_state.h"
 #include "frame/main_window.h"
 #include "store/row_table.h"
 #include "view/text_view.h"
@@ -54,6 +55,7 @@ void block_dismiss() {
     commit_pending();
     paint_view();
     block_clear();
+    update_menus(child[0].main_window);
 }
 
 }  // namespace hexlane

@@ -33,9 +33,9 @@ void move_caret_to_cell(int32_t col, int32_t row) {
     child[0].caret_col = col;
 }
 
-// A block without a cell has been no more than a click.
+// A block without a cell has been no more than a click, or a drag that has seen no cell and so has no end.
 void finish_block() {
-    if (!block_holds_rows() && block.end.col == block.start.col) {
+    if (!block_holds_rows() && block.end.col <= block.start.col) {
         block_dismiss();
         return;
     }

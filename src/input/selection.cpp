@@ -153,8 +153,8 @@ void extend_down(const BlockEnd& from) {
         move_down();
         scroll_ends(top_row() - top);
         child[0].caret_col = 0;
-    } else if (block.end.row == from.row) {
-        block_clear();
+    } else if (block.start.row == from.row && block.end.row == from.row) {
+        block_clear();  // the one row that a step up took
     } else {
         block.end = row_above_caret();
     }

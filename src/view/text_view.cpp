@@ -68,6 +68,12 @@ void draw_colored_row(int32_t y, int32_t cols, int32_t row) {
     draw_blank_cells(length, y, cols - length, PLAIN);
 }
 
+// A part of this row is marked. What is marked can be deleted by the next key, so it shows in every display
+// mode.
+bool holds_marked_part(int32_t row) {
+    return child[0].block_active && !block_holds_rows() && block.start.row == row;
+}
+
 // Fetches a document row and draws it; a row behind the last one is blank.
 void paint_document_row(int32_t row, int32_t y, int32_t cols, bool highlighted) {
     if (row > child[0].last_file_row) {
@@ -79,6 +85,8 @@ void paint_document_row(int32_t row, int32_t y, int32_t cols, bool highlighted) 
         format_nc_row();
     if (highlighted)
         draw_row(y, cols, HIGHLIGHTED);
+    else if (holds_marked_part(row))
+        draw_colored_row(y, cols, row);
     else if (child[0].changes_colored)
         draw_row(y, cols, child[0].row_origin == ORIGIN_FILE ? PLAIN : changed_look());
     else if (child[0].colors_enabled)

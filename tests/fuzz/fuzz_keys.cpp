@@ -306,13 +306,6 @@ struct Difference {
     const Line* fresh;
 };
 
-// A block inside a row shows in every mode while it is made, but a repaint draws it only where letters have
-// their colors.
-bool is_part_of_row(const Difference& difference) {
-    return child[0].block_active && !block_holds_rows() && !child[0].colors_enabled &&
-           difference.shown->row == block.start.row;
-}
-
 // A row counts as changed when it is stored, also by a key that changed nothing in it and drew nothing: then
 // it stays black until it is drawn.
 bool is_not_yet_drawn(const Difference& difference) {
@@ -339,8 +332,8 @@ bool is_searched_row_of_block(const Difference& difference) {
     return block_searched && child[0].block_active && block.start.row <= row && row <= last;
 }
 
-constexpr bool (*EXCEPTIONS[])(const Difference&) = {is_part_of_row, is_not_yet_drawn,
-                                                     is_number_behind_parenthesis, is_searched_row_of_block};
+constexpr bool (*EXCEPTIONS[])(const Difference&) = {is_not_yet_drawn, is_number_behind_parenthesis,
+                                                     is_searched_row_of_block};
 
 void check_screen() {
     const Screen shown = screen_now();

@@ -1,0 +1,82 @@
+// Blocks in the whole program: what shows them, what ends them, and the menu beside them.
+
+#include "frame/child.h"
+#include "frame/commands.h"
+#include "input/block.h"
+#include "platform/messages.h"
+#include "platform/scripted/person.h"
+#include "platform/scripted/test_hooks.h"
+#include "support/program_test.h"
+
+namespace hexlane {
+namespace {
+
+using namespace platform;
+
+constexpr int CUT = 1008;
+constexpr int COPY = 1009;
+
+class BlockTest : public ProgramTest {
+protected:
+    static void mouse(MouseAct act, int col, int row) {
+        ASSERT_EQ(person_uses_mouse({.act = act, .col = col, .row = row}), "");
+    }
+
+    static void expect_no_block() {
+        EXPECT_EQ(child[0].block_active, 0);
+        EXPECT_EQ(block.start.row, -1);
+        EXPECT_TRUE(caret_shown());
+        EXPECT_FALSE(menu_enabled(CUT));
+        EXPECT_FALSE(menu_enabled(COPY));
+    }
+};
+
+// Typing deletes what is marked, so it must be seen whatever repaints the row.
+TEST_F(BlockTest, APartOfARowStaysLitInEveryDisplayMode) {
+    start_with("ABCDEF\r\nG\r\n");
+    for (int i = 0; i < 3; ++i)
+        press_key("Shift+Right");
+    for (const char* key : {"F4", "F4", "F3", "F3", "F7"}) {
+        press_key(key);
+        ASSERT_EQ(child[0].block_active, 1);
+        EXPECT_EQ(screen_cell(2, 0).paper, BLACK) << key;
+        EXPECT_EQ(screen_cell(79, 0).paper, WHITE) << key;
+        EXPECT_EQ(screen_cell(2, 1).paper, WHITE) << key;
+    }
+}
+
+TEST_F(BlockTest, AStepBehindAPageKeepsTheRowsOfThePage) {
+    std::string text;
+    for (int i = 0; i < 100; ++i)
+        text += std::to_string(i) + "\r\n";
+    start_with(text);
+    press_key("Shift+PageDown");
+    const int32_t last = block.end.row;
+    ASSERT_GT(last, 0);
+    press_key("Shift+Down");
+    EXPECT_EQ(block.start.row, 0);
+    EXPECT_EQ(block.end.row, last);
+    EXPECT_EQ(child[0].current_row, last + 1);
+    press_key("Shift+Down");
+    EXPECT_EQ(block.end.row, last + 1);
+}
+
+TEST_F(BlockTest, ADragThatHasSeenNoCellLeavesNoBlock) {
+    start_with("ABC\r\nDEF\r\n");
+    mouse(MouseAct::MOVE, 1, 1);
+    mouse(MouseAct::DOWN, 1, 1);
+    mouse(MouseAct::MOVE, -4, 1);
+    mouse(MouseAct::UP, -4, 1);
+    expect_no_block();
+}
+
+TEST_F(BlockTest, AScrollThatEndsABlockGraysItsCommands) {
+    start_with("ABC\r\nDEF\r\n");
+    press_key("Shift+Down");
+    ASSERT_TRUE(menu_enabled(CUT));
+    send_message(child[0].main_window, WM_VSCROLL, SB_LINEUP, 0);
+    expect_no_block();
+}
+
+}  // namespace
+}  // namespace hexlane
