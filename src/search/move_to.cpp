@@ -5,6 +5,7 @@
 #include "frame/main_window.h"
 #include "frame/view_controls.h"
 #include "frame/views.h"
+#include "input/block.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
 #include "search/search.h"
@@ -140,10 +141,12 @@ int has_line_number(int32_t row, int64_t wanted) {
     return number.any && number.value == wanted;
 }
 
-// What both commands end in, also when they were cancelled.
+// What both commands end in, also when they were cancelled. A block would be off the screen then, where the next
+// key would delete it unseen.
 void show_caret_row_at_top() {
     child[0].caret_col = 0;
     child[0].caret_row = 0;
+    block_dismiss();
     paint_view();
     place_caret_now();
 }
