@@ -112,14 +112,23 @@ void open_file(const char* path, const char* title) {
     clear_block_records();
 }
 
+// Cuts the name off: the folder, with its '/'.
+void cut_title(char path[PATH_SIZE]) {
+    path[file_title_of(path) - path] = '\0';
+}
+
 // Whether two paths are one entry of a folder, links followed. Two hard links to one file are two entries:
-// each can be replaced without the other.
+// each can be replaced without the other. One folder may be reached by two paths.
 bool same_entry(const char* left, const char* right) {
     char left_target[PATH_SIZE];
     char right_target[PATH_SIZE];
-    return same_path(left, right) && follow_links(left, left_target, sizeof left_target) &&
-           follow_links(right, right_target, sizeof right_target) &&
-           equal_ignoring_case(left_target, right_target);
+    if (!same_path(left, right) || !follow_links(left, left_target, sizeof left_target) ||
+        !follow_links(right, right_target, sizeof right_target) ||
+        !equal_ignoring_case(file_title_of(left_target), file_title_of(right_target)))
+        return false;
+    cut_title(left_target);
+    cut_title(right_target);
+    return same_path(left_target, right_target);
 }
 
 // A name for Save As that is no file of a port.

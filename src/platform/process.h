@@ -30,8 +30,9 @@ void warn_on_terminal(const char* line);
 // The value of an environment variable. Gives 1, or 0 when it is not set or does not fit (`value` is empty).
 int environment_value(const char* name, char* value, std::size_t size);
 
-// Makes a path absolute, from the real current directory; "." and ".." parts are taken out by text alone.
-// Gives 1, or 0 when it does not fit.
+// Makes a path absolute, from the real current directory. "." and ".." parts are taken out as the system
+// takes them: a ".." behind a link leads above the folder that the link names. Other links stay, and parts
+// that do not exist go by their text. Gives 1, or 0 when it does not fit.
 int absolute_path(const char* path, char* absolute, std::size_t size);
 
 }  // namespace hexlane::platform

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace hexlane::platform {
@@ -15,12 +16,23 @@ namespace {
 
 constexpr const char* PROGRAM_FOLDER = "ZOLT";
 
-// Takes the last part away from an absolute path.
-void drop_last_part(char* path) {
+// Makes the absolute path `path`, which has no '/' at its end, that of the folder above. Above a link is the
+// folder above what it leads to. 0 when that does not fit.
+int go_up(char* path, std::size_t size) {
+    struct stat entry;
+    if (lstat(path, &entry) == 0 && S_ISLNK(entry.st_mode)) {
+        char* real = realpath(path, nullptr);
+        const bool fits = real == nullptr || copy_text(path, size, real);
+        std::free(real);
+        if (!fits) {
+            return 0;
+        }
+    }
     char* slash = std::strrchr(path, '/');
     if (slash != nullptr) {
         *slash = '\0';
     }
+    return 1;
 }
 
 // Appends the parts of `path` to the absolute path in `absolute`, which has no '/' at its end.
@@ -28,7 +40,9 @@ int append_parts(char* absolute, std::size_t size, const char* path) {
     while (*path != '\0') {
         const std::size_t length = std::strcspn(path, "/");
         if (length == 2 && path[0] == '.' && path[1] == '.') {
-            drop_last_part(absolute);
+            if (!go_up(absolute, size)) {
+                return 0;
+            }
         } else if (length > 0 && !(length == 1 && path[0] == '.')) {
             const std::size_t used = std::strlen(absolute);
             if (used + 1 + length >= size) {

@@ -7,6 +7,7 @@
 
 #include "platform/common/file_questions.h"
 #include "platform/desktop.h"
+#include "platform/process.h"
 #include "platform/qt/modal.h"
 
 namespace hexlane::platform {
@@ -98,7 +99,9 @@ void ProgramFileDialog::accept() {
     }
     const QString path = directory().absoluteFilePath(name);
     if (QFileInfo(path).isDir()) {
-        setDirectory(path);
+        char folder[PATH_SIZE];  // Qt would take ".." out by text alone
+        const bool fits = absolute_path(path.toUtf8().constData(), folder, sizeof folder) == 1;
+        setDirectory(fits ? QString::fromUtf8(folder) : path);
         name_field->clear();
         return;
     }

@@ -115,15 +115,29 @@ TEST_F(Process, AFolderInWhichOthersMayWriteIsNotTheProgramsOwn) {
     }
 }
 
-TEST_F(Process, PathsBecomeAbsoluteByTextAlone) {
+TEST_F(Process, PathsBecomeAbsoluteAsTheSystemReadsThem) {
+    std::filesystem::create_directories(path("far/shelf/deep"));
+    std::filesystem::create_directory_symlink("far/shelf", path("link"));
+    std::filesystem::create_directory_symlink(path("link/deep"), path("far/second"));
+    std::filesystem::create_directory_symlink("missing", path("dangling"));
     struct Case {
         const char* given;
         std::string absolute;
     };
-    const Case cases[] = {
-        {"a.nc", path("a.nc")}, {"./a/../b//c/", path("b/c")}, {"", folder},         {"/", "/"},
-        {"/..", "/"},           {"/a/./b/../c", "/a/c"},       {"..a", path("..a")}, {"/a/...", "/a/..."},
-        {"/../../x", "/x"}};
+    const Case cases[] = {{"a.nc", path("a.nc")},
+                          {"./a/../b//c/", path("b/c")},
+                          {"", folder},
+                          {"/", "/"},
+                          {"/..", "/"},
+                          {"/a/./b/../c", "/a/c"},
+                          {"..a", path("..a")},
+                          {"/a/...", "/a/..."},
+                          {"/../../x", "/x"},
+                          {"link/a.nc", path("link/a.nc")},
+                          {"link/../a.nc", path("far/a.nc")},
+                          {"link/deep/../a.nc", path("link/a.nc")},
+                          {"far/second/../../a.nc", path("far/a.nc")},
+                          {"dangling/../a.nc", path("a.nc")}};
     char absolute[PATH_SIZE];
     for (const Case& c : cases) {
         EXPECT_EQ(absolute_path(c.given, absolute, sizeof absolute), 1) << c.given;
