@@ -54,6 +54,7 @@ struct Compare {
     int64_t mods;
     int64_t inserts;
     int64_t deletes;
+    bool cut_short;         // the user has stopped the run in front of rows that were not compared
     bool disturbance_told;  // tell_disturbance has shown its box
 };
 extern Compare compare;

@@ -15,6 +15,9 @@ constexpr BoxText COMPARE_BOXES[] = {
     {"Files are identical", "Compare", BoxIcon::INFORMATION, BUTTONS_OK},
     {"Cannot print compare results", "Print Error", BoxIcon::STOP, BUTTONS_OK},
 
+    {"Files are identical\n\nThe compare was stopped: nothing differed up to row %s. The rows behind it were "
+     "not compared.",
+     "Compare", BoxIcon::INFORMATION, BUTTONS_OK},
     {"%s cannot be compared: %s.", "Compare", BoxIcon::STOP, BUTTONS_OK},
     {"%s cannot be compared: it has more than 4,294,967,295 bytes.", "Compare", BoxIcon::STOP, BUTTONS_OK},
     {"The compare could not be finished, since its list of rows cannot be stored: %s.\n\nBoth files are as "

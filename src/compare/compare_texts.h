@@ -8,10 +8,11 @@ enum class CompareBox {
     IDENTICAL,
     CANNOT_PRINT,
     // Our own.
-    NOT_OPENED,  // file, reason
-    TOO_LARGE,   // file
-    NO_RECORDS,  // reason
-    DISTURBED,   // file
+    IDENTICAL_SO_FAR,  // number of the last row; the told text with a paragraph of ours
+    NOT_OPENED,        // file, reason
+    TOO_LARGE,         // file
+    NO_RECORDS,        // reason
+    DISTURBED,         // file
 };
 
 // Shows a box and gives the index of the button pressed.

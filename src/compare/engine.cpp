@@ -325,6 +325,7 @@ int run_compare() {
     put_rest(&left_rows, DELETED_ROW, compare.right.size);
     put_rest(&right_rows, INSERTED_ROW, compare.left.size);
     compare.last_record = record_count() - 1;
+    compare.cut_short = front_of(left_rows) < compare.left.size || front_of(right_rows) < compare.right.size;
     return finish_record_list() ? 1 : fail(CompareFault::NO_RECORDS, record_list_path());
 }
 

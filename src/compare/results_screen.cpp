@@ -188,7 +188,7 @@ void scroll_list(ViewHandle view, int request, int position) {
     }
 }
 
-// The keys go on acting on the list behind a press.
+// The keys go on acting on the list behind a press, of this button as of the one that prints.
 void search(ViewHandle view, bool forward) {
     view_focus_control(view, LIST_PANE);
     show_status(STATUS_SEARCHING);
@@ -225,10 +225,12 @@ int64_t print_proc(WindowHandle view, uint32_t message, int64_t first, int64_t s
 void ask_print(ViewHandle view) {
     show_status(STATUS_BLANK);
     answer.print_requested = show_view(&PRINT_VIEW, print_proc) == 1;
-    if (answer.print_requested)
+    if (answer.print_requested) {
         view_end(view, 1);
-    else
-        draw_all(view);
+        return;
+    }
+    view_focus_control(view, LIST_PANE);
+    draw_all(view);
 }
 
 void leave(ViewHandle view) {

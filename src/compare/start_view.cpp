@@ -114,6 +114,16 @@ void tell_fault() {
     }
 }
 
+// Behind a Stop that is only so far known, which stands in a second paragraph.
+void tell_identical() {
+    char rows[24];
+    format_text(rows, sizeof rows, "%lld", static_cast<long long>(compare.last_record + 1));
+    if (compare.cut_short)
+        show_compare_box(CompareBox::IDENTICAL_SO_FAR, rows);
+    else
+        show_compare_box(CompareBox::IDENTICAL);
+}
+
 void press_compare(ViewHandle view) {
     if (compare.state != CompareState::READY)
         return;
@@ -128,7 +138,7 @@ void press_compare(ViewHandle view) {
     } else if (compare.mods == 0 && compare.deletes == 0 && compare.inserts == 0) {
         // What has changed meanwhile cannot be called identical.
         if (!tell_disturbance())
-            show_compare_box(CompareBox::IDENTICAL);
+            tell_identical();
         compare.state = CompareState::IDENTICAL;
     } else {
         tell_disturbance();

@@ -118,6 +118,7 @@ TEST_F(EngineTest, RowsPairAsTheRulesSay) {
         EXPECT_EQ(compare.mods, e.mods);
         EXPECT_EQ(compare.inserts, e.inserts);
         EXPECT_EQ(compare.deletes, e.deletes);
+        EXPECT_FALSE(compare.cut_short);
     }
 }
 
@@ -324,6 +325,7 @@ TEST_F(EngineTest, StopMakesAResultOfTheRowsUpToThere) {
     ASSERT_TRUE(run_files());
     EXPECT_EQ(kinds(), "SSS");
     EXPECT_TRUE(identical());
+    EXPECT_TRUE(compare.cut_short);
 
     write("right.nc", program("AXYZVW"));
     platform::act_at_pump(4, [] { stop_compare(); });
