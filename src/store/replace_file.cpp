@@ -34,7 +34,7 @@ int begin_replacement(Replacement* replacement, const char* path) {
         return 0;
     char folder[PATH_SIZE];
     folder_of(replacement->target, folder);
-    replacement->file = create_work_file(folder, replacement->output);
+    replacement->file = create_output_file(folder, replacement->output);
     if (replacement->file == NO_FILE) {
         replacement->output[0] = '\0';
         return 0;

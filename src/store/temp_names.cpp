@@ -18,6 +18,8 @@ namespace {
 // Bytes of the longest name behind temp_prefix's folder: the prefix, "DX" and a number.
 constexpr std::size_t LONGEST_NAME = 4 + 2 + 10;
 
+constexpr char SHORT_NAMES[] = "0123456789abcdefghijklmnopqrstuvwxyz";
+
 int32_t name_counter = 0;  // the number given last; goes on through the run
 
 const char* separator_behind(const char* folder) {
@@ -46,6 +48,21 @@ FileHandle create_work_file(const char* folder, char* path) {
     char prefix[sizeof directories.temp_prefix + 2];
     format_text(prefix, sizeof prefix, "%sDX", directories.temp_prefix);
     return create_unique_file(folder, prefix, path);
+}
+
+FileHandle create_output_file(const char* folder, char* path) {
+    FileHandle file = create_work_file(folder, path);
+    if (file != NO_FILE || last_file_error() != FileError::NAME_TOO_LONG)
+        return file;
+    for (const char* name = SHORT_NAMES; *name != '\0'; name++) {
+        if (!format_text(path, PATH_SIZE, "%s%s%c", folder, separator_behind(folder), *name))
+            break;
+        file = file_create(path, FileCreate::PRIVATE);
+        if (file != NO_FILE || last_file_error() != FileError::EXISTS)
+            return file;
+    }
+    set_last_file_error(FileError::NAME_TOO_LONG);
+    return NO_FILE;
 }
 
 void name_segment(int segment) {

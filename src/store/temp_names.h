@@ -13,6 +13,10 @@ platform::FileHandle create_unique_file(const char* folder, const char* prefix, 
 // create_unique_file for a file that is being worked on: its prefix is temp_prefix and "DX".
 platform::FileHandle create_work_file(const char* folder, char* path);
 
+// create_work_file for the new version of a file in `folder`. Where that name would make too long a path, the
+// file gets a name of one character, which fits wherever the file itself does.
+platform::FileHandle create_output_file(const char* folder, char* path);
+
 // Fills file_name of a segment with a name that is free in temp_dir.
 void name_segment(int segment);
 

@@ -28,6 +28,23 @@ protected:
     }
 };
 
+// The new version has a longer name than the file, and no room for it.
+TEST_F(SaveTest, AFileWithTheLongestPathIsSaved) {
+    const std::string folder(PATH_SIZE - 1 - path("").size() - 2, 'f');
+    const std::string name = folder + "/a";
+    ASSERT_EQ(path(name).size(), PATH_SIZE - 1U);
+    std::filesystem::create_directory(path(folder));
+    write(folder + "/0", "another file");
+    answer_other_boxes("OK");
+    start_with("A\r\nB\r\n", name);
+    pend(0, "a");
+    command(1002);
+    EXPECT_TRUE(shown_boxes().empty());
+    EXPECT_EQ(bytes(name), "a\r\nB\r\n");
+    EXPECT_EQ(bytes(folder + "/0"), "another file");
+    EXPECT_FALSE(exists(folder + "/1"));
+}
+
 TEST_F(SaveTest, OnlyTouchedRowsGetNewLineEnds) {
     struct Case {
         const char* label;
