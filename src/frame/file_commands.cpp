@@ -371,7 +371,7 @@ void take_handovers() {
         if (write_name_file(path))
             send_message(child[0].main_window, OPEN_REQUEST_MESSAGE, 0, 0);
         else
-            show_frame_box(FrameBox::NOT_OPENED, path);
+            show_frame_box(FrameBox::NAME_NOT_WRITTEN, path, file_error_text(last_file_error()));
     }
 }
 

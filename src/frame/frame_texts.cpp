@@ -49,7 +49,10 @@ constexpr BoxText FRAME_BOXES[] = {
      "file.\n\nReload "
      "shows the file as it is now.",
      "File Changed", BoxIcon::EXCLAMATION, BUTTONS_RELOAD},
-    {"%s not opened", "Access Denied", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"%s not opened\n\nThe file cannot be opened for reading and writing: %s.", "Access Denied",
+     BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"%s not opened\n\nIts name could not be written into newnm.fil in the program's folder: %s.",
+     "Access Denied", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"The program's folder cannot be used: %s\n\nIt does not exist, may not be made, or its path is too "
      "long.",
      "System Error", BoxIcon::STOP, BUTTONS_OK},
@@ -59,8 +62,8 @@ constexpr BoxText FRAME_BOXES[] = {
 
 }  // namespace
 
-int show_frame_box(FrameBox box, const char* argument) {
-    return show_box(FRAME_BOXES[static_cast<int>(box)], argument);
+int show_frame_box(FrameBox box, const char* first, const char* second) {
+    return show_box(FRAME_BOXES[static_cast<int>(box)], first, second);
 }
 
 }  // namespace hexlane

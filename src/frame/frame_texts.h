@@ -17,13 +17,14 @@ enum class FrameBox {
     REPLACED_UNMODIFIED,  // file; Reload, Cancel
     IN_PLACE_MODIFIED,    // file; Reload, Cancel
     IN_PLACE_UNMODIFIED,  // file; Reload, Cancel
-    NOT_OPENED,           // file
+    NOT_OPENED,           // file, reason
+    NAME_NOT_WRITTEN,     // file, reason
     NO_HOME,              // folder
     MERGE_ACTIVE_FILE,
     SAVE_ACTIVE_FILE,
 };
 
 // Shows a box and gives the index of the button pressed.
-int show_frame_box(FrameBox box, const char* argument = "");
+int show_frame_box(FrameBox box, const char* first = "", const char* second = "");
 
 }  // namespace hexlane

@@ -125,7 +125,7 @@ void show_program() {
 // A named file that does not exist is not made here, and nothing is said about it.
 void open_first_file() {
     if (refused_name != nullptr)
-        show_frame_box(FrameBox::NOT_OPENED, refused_name);
+        show_frame_box(FrameBox::NOT_OPENED, refused_name, file_error_text(FileError::NAME_TOO_LONG));
     if (requested_file[0] != '\0' && path_kind(requested_file) != PathKind::NONE) {
         send_message(child[0].main_window, WM_COMMAND, COMMAND_OPEN, 0);
     }

@@ -106,7 +106,7 @@ FileHandle open_active_file() {
     else if (follow_links(child[0].file_path, target, sizeof target))  // a link may point at nothing yet
         file = file_create(target, FileCreate::NEW);
     if (file == NO_FILE) {
-        show_store_box(StoreBox::NOT_OPENED, child[0].file_path);
+        show_store_box(StoreBox::NOT_OPENED, child[0].file_path, file_error_text(last_file_error()));
         return NO_FILE;
     }
     const int64_t size = file_size(file);

@@ -14,7 +14,8 @@ namespace {
 
 constexpr BoxText STORE_BOXES[] = {
     {"%s has NULLs. Do you wish to strip them? ", "EditFile", BoxIcon::EXCLAMATION, BUTTONS_YES_NO_CANCEL},
-    {"%s not opened", "Access Denied", BoxIcon::EXCLAMATION, BUTTONS_OK},
+    {"%s not opened\n\nThe file cannot be opened for reading and writing: %s.", "Access Denied",
+     BoxIcon::EXCLAMATION, BUTTONS_OK},
 
     {"%s could not be loaded: %s.\n\nThe file itself is untouched.", "Load Error", BoxIcon::STOP, BUTTONS_OK},
     {"%s has more rows than the editor can hold (%s).\n\nThe file is untouched.", "Load Error", BoxIcon::STOP,

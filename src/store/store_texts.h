@@ -6,7 +6,7 @@ namespace hexlane {
 enum class StoreBox {
     // Told texts.
     ASK_NULLS,   // file
-    NOT_OPENED,  // file
+    NOT_OPENED,  // file, reason
     // Our own.
     NOT_INDEXED,          // file, reason
     TOO_MANY_ROWS,        // file, limit
