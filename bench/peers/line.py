@@ -93,6 +93,7 @@ def measure_receiving(table, station, file, folder):
     data = file.read_bytes()
     pty, ours, peers = Pty(), [], []
     target = pathlib.Path(folder) / 'received.nc'
+    part = pathlib.Path(folder) / 'received.nc.part'  # until all has come
 
     def feed_until(path):
         def act():
@@ -106,7 +107,7 @@ def measure_receiving(table, station, file, folder):
 
     for _ in range(REPEATS):
         target.unlink(missing_ok=True)
-        took, _, _ = watched(station.command('receive', pty, target), station.env, feed_until(target))
+        took, _, _ = watched(station.command('receive', pty, target), station.env, feed_until(part))
         ours.append(took - 300)
         if target.read_bytes() != data:
             raise SystemExit('the bytes of a receive are not those that were sent')

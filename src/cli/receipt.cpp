@@ -18,7 +18,8 @@ const char* result_text() {
         return "nothing came";
     if (run.stopped)
         return "stopped";
-    if (run.fault != TransferFault::NONE || (run.status != SEND_DONE && run.status != RECEIVE_DONE))
+    if (run.not_in_place || run.fault != TransferFault::NONE ||
+        (run.status != SEND_DONE && run.status != RECEIVE_DONE))
         return "not complete";
     return COMPLETE;
 }
@@ -30,7 +31,7 @@ void print_receipt() {
     Receipt receipt = {};
     receipt.sending = run.sending;
     receipt.complete = std::strcmp(result, COMPLETE) == 0;
-    receipt.file = run.file;
+    receipt.file = run.left;
     receipt.machine = run.machine;
     receipt.settings = &machine_table[run.machine];
     receipt.port = run.port;

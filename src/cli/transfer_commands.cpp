@@ -1,5 +1,6 @@
 // transfer_commands.cpp: the commands `send` and `receive`.
 
+#include "cli/receive_target.h"
 #include "cli/transfer_run.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
@@ -75,13 +76,6 @@ int begin_command(const Words& words, bool sending) {
     return EXIT_COMPLETE;
 }
 
-// Runs a transfer that is prepared, and prints what it was.
-int run_prepared() {
-    const int code = run_transfer();
-    print_receipt();
-    return code;
-}
-
 int send_file() {
     int64_t offset = 0;
     int code = find_start(&offset);
@@ -102,27 +96,36 @@ int send_file() {
         return file_trouble("read");
     }
     run.file_size = t.total_bytes;
-    return run_prepared();
+    run.left = run.file;
+    code = run_transfer();
+    print_receipt();
+    return code;
 }
 
 int receive_file() {
-    if (path_kind(run.file) != PathKind::NONE && !run.options.replace)
-        return refuse(EXIT_CANNOT, run.options.file + " is there already; --replace lets it go");
-    if (path_kind(run.file) == PathKind::FOLDER || path_kind(run.file) == PathKind::OTHER)
-        return refuse(EXIT_CANNOT, run.options.file + " is no plain file");
-    const int code = open_transfer_port();
+    const std::string refusal = claim_target();
+    if (!refusal.empty())
+        return refuse(EXIT_CANNOT, refusal);
+    int code = open_transfer_port();
     if (code != EXIT_COMPLETE)
         return code;
-    if (!prepare_receive(SLOT)) {
+    const FileHandle file = open_target();
+    if (file == NO_FILE) {
         const FileError error = last_file_error();
         port_close(SLOT);
         set_last_file_error(error);
         return file_trouble("write");
     }
-    const int result = run_prepared();
-    if (result == EXIT_NOTHING_CAME)
-        delete_file(run.file);
-    return result;
+    copy_text(transfer_state[SLOT].file_name, PATH_SIZE, target_name());
+    begin_receiving(SLOT, file);
+    code = run_transfer();
+    const std::string reason = finish_target(code == EXIT_COMPLETE);
+    if (!reason.empty()) {
+        run.not_in_place = true;
+        code = refuse(EXIT_NOT_COMPLETE, reason);
+    }
+    print_receipt();
+    return code;
 }
 
 int run_command(const Words& words, bool sending) {

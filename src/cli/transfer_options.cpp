@@ -37,11 +37,14 @@ Options
     --port DEVICE   serial device (/dev/ttyUSB0, a pty) or COM1 to COM4, instead of the machine's
     --timeout S     silence that ends the receive, in seconds, instead of the machine's
     --wait S        gives up when nothing has come after S seconds. Default: waits for ever
-    --replace       FILE may exist; the old one goes as soon as the port is open
+    --replace       FILE may exist, and FILE.part of an earlier receive. FILE stays until all has come
 
-What has come is kept in FILE, also when the receive is stopped. A terminal shows how much has come;
-otherwise one line tells that the port is open and the machine may begin. At the end standard output has
-the receipt. Ctrl-C stops; a second one ends the program.
+What comes is written to FILE.part, which gets the name FILE, with its mode, when all has come. A receive
+that is stopped or fails leaves FILE.part, and the receipt names it. A pipe or a device is written directly.
+Nobody else may receive into FILE meanwhile.
+
+A terminal shows how much has come; otherwise one line tells that the port is open and the machine may
+begin. At the end standard output has the receipt. Ctrl-C stops; a second one ends the program.
 
 Exit code
     0   the machine has fallen silent, and all that came is in the file

@@ -28,7 +28,8 @@ struct TransferRun {
     bool sending;
     int machine;  // from 0
     char file[platform::PATH_SIZE];
-    int com;                              // 1 to 4
+    const char* left;  // behind the end: the file that has been sent, or holds what has come
+    int com;           // 1 to 4
     char port[platform::PATH_SIZE + 16];  // "COM1 (/dev/ttyS0)"
     uint32_t rate;                        // as the driver has set it
     int64_t file_size;                    // of a file that is sent, from the start point on
@@ -40,6 +41,7 @@ struct TransferRun {
     bool held;          // now
     bool stopped;       // by a signal
     bool nothing_came;  // within wait_s
+    bool not_in_place;  // all has come, and could not get its name
     int64_t cut_bytes;  // handed to the line in a write that has not ended
     int64_t line_now;   // bytes over the line so far, those of the running write too
     int64_t file_now;   // bytes of the file that these stand for, nearly

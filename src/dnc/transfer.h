@@ -28,10 +28,13 @@ int stamp_source(int slot);
 // From SEND_STANDBY to SENDING: sets the line's normal handshake and writes what is prepared. Main thread.
 void begin_sending(int slot);
 
-// Makes the file of a receive, empty, in the place of file_name, and takes what has come already or waits for
-// the first byte; the port is open. 1, or 0 on failure with the reason in platform::last_file_error(). Main
-// thread.
+// Makes the file of a receive, empty, in the place of file_name, and begins. 1, or 0 on failure with the
+// reason in platform::last_file_error(). Main thread.
 int prepare_receive(int slot);
+
+// Receives into `file`, which is taken over: takes what has come already or waits for the first byte; the
+// port is open. Main thread.
+void begin_receiving(int slot, platform::FileHandle file);
 
 // Closes the file of a receive, flushed, and notes as the transfer's fault bytes that the line has lost. 1; 0
 // when the medium did not take it all, which is noted too. Under the slot's lock, or with no worker running.

@@ -6,11 +6,11 @@
 #include "dnc/filters.h"
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
+#include "dnc/received_file.h"
 #include "frame/child.h"
 #include "platform/clock.h"
 #include "platform/desktop.h"
 #include "platform/threads.h"
-#include "store/replace_file.h"
 
 #include <cstring>
 
@@ -282,18 +282,17 @@ void begin_sending(int slot) {
 }
 
 int prepare_receive(int slot) {
+    const FileHandle file = make_received_file(transfer_state[slot].file_name);
+    if (file == NO_FILE)
+        return 0;
+    begin_receiving(slot, file);
+    return 1;
+}
+
+void begin_receiving(int slot, FileHandle file) {
     TransferState& t = transfer_state[slot];
     const LockGuard guard(port_slot[slot].step_lock);
-    // The new file is made beside the old one and takes its place in one step, so that the old one stays when
-    // no new one can be made.
-    Replacement output;
-    if (!begin_replacement(&output, t.file_name))
-        return 0;
-    if (!file_adopt_mode(output.file, NO_FILE) || !rename_file(output.output, output.target)) {
-        abandon_replacement(&output);
-        return 0;
-    }
-    t.file_handle = output.file;
+    t.file_handle = file;
     begin_transfer(t);
     t.received_length = 0;
     port_slot[slot].last_in_queue = 0;
@@ -304,7 +303,6 @@ int prepare_receive(int slot) {
         transfer_step_locked(slot, STEP_RECEIVE);
     }
     end_if_line_gone(slot);
-    return 1;
 }
 
 int close_received_file(int slot) {

@@ -26,7 +26,8 @@ enum class FileError : uint8_t {
     NAME_TOO_LONG,
     READ_ONLY_DISK,
     TOO_MANY_OPEN,
-    IO,  // the medium failed or went away
+    IO,      // the medium failed or went away
+    IN_USE,  // another handle has the lock
     OTHER,
 };
 
@@ -46,6 +47,10 @@ enum class FileCreate : uint8_t {
 // Opens an existing regular file. NO_FILE on failure; anything but a regular file is refused without
 // blocking (NOT_REGULAR). Follows symbolic links.
 FileHandle file_open(const char* path, FileAccess access);
+
+// Opens a pipe or a device for writing. Positions of file_write_at mean nothing there: the bytes go one
+// behind the other. A pipe waits for its reader. NO_FILE on failure, and for a regular file or a folder.
+FileHandle file_open_stream(const char* path);
 
 // Makes a new empty file, open for reading and writing. NO_FILE on failure.
 FileHandle file_create(const char* path, FileCreate how);
@@ -71,7 +76,11 @@ int64_t file_size(FileHandle file);
 // Sets the size in bytes. Gives 1, or 0 on failure.
 [[nodiscard]] int file_resize(FileHandle file, int64_t size);
 
-// Forces the file's bytes to the medium. Gives 1, or 0 on failure.
+// Keeps all others that ask for the file's lock away until the handle is closed, those of this program too;
+// it hinders nobody who doesn't ask. Gives 1, or 0 with IN_USE. Where the disk has no locks it gives 1.
+[[nodiscard]] int file_lock(FileHandle file);
+
+// Forces the file's bytes to the medium. Gives 1, or 0 on failure; 1 where there is none (a pipe).
 [[nodiscard]] int file_flush(FileHandle file);
 
 // Forces the entries of the folder that holds `path` to the medium. Gives 1, or 0 on failure.

@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Receives programs that a simulated machine punches, and meets machines and disks that fail meanwhile."""
 
+import os
 import resource
+import subprocess
 import zlib
 
 import station
-from station import TOP, Case, Cli, Simulator, programs, wait_for
+from station import TIMEOUT_S, TOP, Case, Cli, Simulator, programs, wait_for
 
 PROGRAM = (TOP / 'examples' / 'bowl-finish.nc').read_bytes()
 
@@ -27,6 +29,13 @@ class ReceiveTest(Case):
             machine.finish()
             self.errors = cli.error_text()
         return machine, cli
+
+    def what_is_left(self, cli):
+        """Of a receive that did not end well: beside the name, and the receipt says so."""
+        part = self.home.path('got.nc.part')
+        self.assertEqual(cli.receipt['received'], str(part))
+        self.assertFalse(self.home.path('got.nc').exists())
+        return part.read_bytes()
 
     def test_codes_and_line_ends(self):
         # In EIA '3' is DC3, so XOFF has to be another; a binary stream leaves no character free for it at all.
@@ -77,7 +86,7 @@ class ReceiveTest(Case):
         machine, cli = self.receive({}, ('--hang-up-after', 5000))
         self.assertEqual((cli.process.returncode, cli.receipt['result']), (1, 'not complete'))
         self.assertIn(f'({machine.line}) has gone', self.errors)
-        got = self.home.path('got.nc').read_bytes()
+        got = self.what_is_left(cli)
         self.assertEqual(got, PROGRAM[:len(got)])
 
     def test_a_full_disk_ends_the_receive_and_keeps_what_came(self):
@@ -85,7 +94,7 @@ class ReceiveTest(Case):
         _, cli = self.receive({}, preexec_fn=small_files, restore_signals=False)
         self.assertEqual((cli.process.returncode, cli.receipt['result']), (1, 'not complete'))
         self.assertIn('could not be written to', self.errors)
-        got = self.home.path('got.nc').read_bytes()
+        got = self.what_is_left(cli)
         self.assertGreater(len(got), 0)
         self.assertEqual(got, PROGRAM[:len(got)])
 
@@ -94,11 +103,11 @@ class ReceiveTest(Case):
         with Simulator(self.home, '--send', 'part.nc', '--rate', 9600, '--start-key') as machine, \
                 Cli(self.home, 'receive', '--port', machine.line, 'got.nc') as cli:
             machine.press_start()
-            wait_for(lambda: self.home.path('got.nc').stat().st_size > 0)
+            wait_for(lambda: self.home.path('got.nc.part').stat().st_size > 0)
             cli.interrupt()
             self.assertEqual(cli.finish(), 4)
             self.assertEqual(machine.finish(), 1)
-        got = self.home.path('got.nc').read_bytes()
+        got = self.what_is_left(cli)
         self.assertEqual(got, PROGRAM[:len(got)])
         self.assertIn('bytes still to send', machine.report['text'])
 
@@ -111,7 +120,7 @@ class ReceiveTest(Case):
         with Simulator(self.home, '--send', 'part.nc', '--rate', 9600, '--start-key') as machine, \
                 Cli(self.home, 'receive', '--port', machine.line, 'got.nc', environment=failing) as cli:
             machine.press_start()
-            wait_for(lambda: self.home.path('got.nc').stat().st_size > 0)
+            wait_for(lambda: self.home.path('got.nc.part').stat().st_size > 0)
             cli.interrupt()
             self.assertEqual(cli.finish(), 4)
             self.assertIn('could not be written to', cli.error_text())
@@ -122,7 +131,74 @@ class ReceiveTest(Case):
         with Simulator(self.home, '--send', 'part.nc', '--start-key') as machine:
             done = self.home.run('receive', '--port', machine.line, '--wait', 1, 'got.nc')
             self.assertEqual(done.returncode, 5, done.stderr)
-        self.assertFalse(self.home.path('got.nc').exists())
+        self.assertEqual(list(self.home.folder.glob('got.nc*')), [])
+
+    def test_a_killed_receive_leaves_no_file_that_looks_whole(self):
+        self.home.write('part.nc', PROGRAM)
+        self.home.write('got.nc', b'old')
+        with Simulator(self.home, '--send', 'part.nc', '--rate', 9600, '--start-key') as machine, \
+                Cli(self.home, 'receive', '--port', machine.line, '--replace', 'got.nc') as cli:
+            machine.press_start()
+            wait_for(lambda: self.home.path('got.nc.part').stat().st_size > 0)
+            cli.process.kill()
+        self.assertEqual(self.home.path('got.nc').read_bytes(), b'old')
+        with Simulator(self.home, '--send', 'part.nc', '--start-key') as machine:
+            self.home.path('got.nc').unlink()
+            done = self.home.run('receive', '--port', machine.line, 'got.nc')
+            self.assertEqual(done.returncode, 3)
+            self.assertIn('got.nc.part is there already', done.stderr)
+
+    def test_links_and_modes_are_kept(self):
+        self.home.write('part.nc', PROGRAM[:3000])
+        self.home.path('store').mkdir()
+        self.home.write('store/real.nc', b'old').chmod(0o640)
+        self.home.path('got.nc').symlink_to('store/real.nc')
+        _, cli = self.receive({}, cli_options=('--replace',))
+        self.assertEqual((cli.process.returncode, cli.receipt['received']), (0, str(self.home.path('got.nc'))))
+        self.assertTrue(self.home.path('got.nc').is_symlink())
+        real = self.home.path('store/real.nc')
+        self.assertEqual((real.read_bytes(), real.stat().st_mode & 0o777), (PROGRAM[:3000], 0o640))
+        self.assertEqual([path.name for path in self.home.path('store').iterdir()], ['real.nc'])
+
+    def test_pipes_and_devices_are_written_directly(self):
+        self.home.write('part.nc', PROGRAM)
+        os.mkfifo(self.home.path('got.nc'))
+        with open(self.home.path('out.nc'), 'wb') as out, \
+                subprocess.Popen(['cat', self.home.path('got.nc')], stdout=out) as reader:
+            _, cli = self.receive({})
+            reader.wait(TIMEOUT_S)
+        self.assertEqual((cli.process.returncode, self.home.path('out.nc').read_bytes()), (0, PROGRAM), self.errors)
+        self.home.path('got.nc').unlink()
+        self.home.path('got.nc').symlink_to('/dev/full')
+        _, cli = self.receive({})
+        self.assertEqual(cli.process.returncode, 1)
+        self.assertIn('no space is left', self.errors)
+        self.assertEqual(list(self.home.folder.glob('*.part')), [])
+
+    def test_one_name_has_one_receiver(self):
+        self.home.write('part.nc', PROGRAM)
+        with Simulator(self.home, '--send', 'part.nc', '--start-key') as first, \
+                Simulator(self.home, '--send', 'part.nc', '--start-key') as second, \
+                Cli(self.home, 'receive', '--port', first.line, '--timeout', 1, 'got.nc') as cli:
+            os.symlink('got.nc', self.home.path('link.nc'))
+            for name in ('got.nc', 'link.nc'):
+                done = self.home.run('receive', '--port', second.line, '--replace', name)
+                self.assertEqual(done.returncode, 3)
+                self.assertIn('is being received by another program', done.stderr)
+            first.press_start()
+            self.assertEqual(cli.finish(), 0, cli.error_text())
+        self.assertEqual(self.home.path('got.nc').read_bytes(), PROGRAM)
+
+    def test_a_name_that_is_taken_meanwhile_is_left_alone(self):
+        self.home.write('part.nc', PROGRAM)
+        with Simulator(self.home, '--send', 'part.nc', '--start-key') as machine, \
+                Cli(self.home, 'receive', '--port', machine.line, '--timeout', 1, 'got.nc') as cli:
+            self.home.write('got.nc', b'of somebody else')
+            machine.press_start()
+            self.assertEqual(cli.finish(), 1)
+            self.assertIn('exists already', cli.error_text())
+        self.assertEqual(self.home.path('got.nc').read_bytes(), b'of somebody else')
+        self.assertEqual(self.home.path('got.nc.part').read_bytes(), PROGRAM)
 
     def test_an_older_file_stays_when_the_port_cannot_be_opened(self):
         self.home.write('got.nc', b'old')

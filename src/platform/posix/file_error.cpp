@@ -77,6 +77,8 @@ const char* file_error_text(FileError error) {
         return "too many files are open";
     case FileError::IO:
         return "the disk does not answer as it should";
+    case FileError::IN_USE:
+        return "another program is writing it";
     case FileError::OTHER:
         break;
     }

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <csignal>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -48,8 +49,11 @@ int64_t read_piece(int file, char* to, std::size_t size, int64_t position) {
 int64_t write_piece(int file, const char* from, std::size_t size, int64_t position) {
     int64_t put = -1;
     do {
-        put = file_call(handle_plan(FileCall::WRITE, file, size),
-                        [&](std::size_t allowed) { return pwrite(file, from, allowed, position); });
+        put = file_call(handle_plan(FileCall::WRITE, file, size), [&](std::size_t allowed) {
+            const ssize_t done = pwrite(file, from, allowed, position);
+            return done < 0 && errno == ESPIPE ? write(file, from, allowed)
+                                               : done;  // a pipe has no positions
+        });
     } while (put < 0 && errno == EINTR);
     return put;
 }
@@ -129,6 +133,30 @@ FileHandle file_open(const char* path, FileAccess access) {
         close(static_cast<int>(file));
         if (known) {
             set_last_file_error(FileError::NOT_REGULAR);
+        }
+        return NO_FILE;
+    }
+    return new_handle(file);
+}
+
+FileHandle file_open_stream(const char* path) {
+    if (!path_fits(path)) {
+        return NO_FILE;
+    }
+    FileCallPlan plan = path_plan(FileCall::OPEN, path);
+    plan.for_writing = true;
+    const int64_t file =
+        file_call(plan, [&](std::size_t) { return open(path, O_WRONLY | O_CLOEXEC | O_NOCTTY); });
+    if (file < 0) {
+        note_errno();
+        return NO_FILE;
+    }
+    struct stat entry;
+    const bool known = stat_handle(static_cast<int>(file), &entry);
+    if (!known || S_ISREG(entry.st_mode)) {
+        close(static_cast<int>(file));
+        if (known) {
+            set_last_file_error(FileError::EXISTS);
         }
         return NO_FILE;
     }
@@ -235,7 +263,15 @@ int file_flush(FileHandle file) {
     do {
         result = file_call(handle_plan(FileCall::FLUSH, file), [&](std::size_t) { return fsync(file); });
     } while (result < 0 && errno == EINTR);
-    return result == 0 ? 1 : note_errno();
+    return result == 0 || errno == EINVAL ? 1 : note_errno();
+}
+
+int file_lock(FileHandle file) {
+    int result = -1;
+    do {
+        result = flock(file, LOCK_EX | LOCK_NB);
+    } while (result != 0 && errno == EINTR);
+    return result == 0 || errno != EWOULDBLOCK ? 1 : note_failure(FileError::IN_USE);
 }
 
 int file_adopt_mode(FileHandle file, FileHandle like) {

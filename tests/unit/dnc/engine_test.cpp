@@ -7,6 +7,7 @@
 
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
+#include "dnc/received_file.h"
 #include "dnc/transfer.h"
 #include "frame/child.h"
 #include "frame/command_state.h"
@@ -295,6 +296,30 @@ TEST_F(EngineTest, WhatComesAheadOfThePreparationIsReceivedWhole) {
             EXPECT_EQ(last_box(), "File Transmission Complete.");
             EXPECT_EQ(bytes("got.nc"), line);
         }
+    }
+}
+
+// hexlane-cli has the lock of NAME.part, another window that of NAME.
+TEST_F(EngineTest, ANameThatAnotherProgramReceivesIntoIsRefused) {
+    for (const std::string name : {"got.nc", "got.nc.part"}) {
+        SCOPED_TRACE(name);
+        begin_anew();
+        write(name, "theirs");
+        FileHandle theirs = NO_FILE;
+        ASSERT_EQ(lock_name(path(name).c_str(), &theirs), 1);
+        copy_text(transfer_state[0].file_name, PATH_SIZE, path("got.nc").c_str());
+        ASSERT_EQ(port_init(0, machine()), 1);
+        ASSERT_EQ(port_open(0), 1);
+        EXPECT_EQ(prepare_receive(0), 0);
+        EXPECT_EQ(last_file_error(), FileError::IN_USE);
+        EXPECT_EQ(work_names(), std::vector<std::string>{name});
+        EXPECT_EQ(bytes(name), "theirs");
+        file_close(theirs);
+        ASSERT_EQ(prepare_receive(0), 1);
+        EXPECT_EQ(lock_name(path("got.nc").c_str(), &theirs), 0);
+        port_close(0);
+        EXPECT_EQ(lock_name(path("got.nc").c_str(), &theirs), 1);
+        file_close(theirs);
     }
 }
 
