@@ -24,9 +24,13 @@ int32_t scroll_position_of(int32_t row) {
     return position < child[0].vscroll_max ? position : child[0].vscroll_max;
 }
 
-void update_scrollbar(platform::WindowHandle window) {
+void update_scroll_range(platform::WindowHandle window) {
     update_scroll_values();
     platform::set_scroll_range(window, 0, child[0].vscroll_max);
+}
+
+void update_scrollbar(platform::WindowHandle window) {
+    update_scroll_range(window);
     child[0].vscroll_pos = scroll_position_of(child[0].current_row);
     platform::set_scroll_position(window, child[0].vscroll_pos);
 }

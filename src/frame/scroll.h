@@ -16,7 +16,10 @@ void update_scroll_values();
 // The scroll position of a row by that mapping.
 int32_t scroll_position_of(int32_t row);
 
-// update_scroll_values, then sets the bar's range, vscroll_pos from current_row, and the thumb.
+// update_scroll_values, then sets the bar's range: whoever changes the number of rows calls it.
+void update_scroll_range(platform::WindowHandle window);
+
+// update_scroll_range, then sets vscroll_pos from current_row, and the thumb.
 void update_scrollbar(platform::WindowHandle window);
 
 }  // namespace hexlane

@@ -8,6 +8,7 @@
 
 #include "frame/child.h"
 #include "frame/main_window.h"
+#include "frame/scroll.h"
 #include "input/editing_internal.h"
 #include "view/text_view.h"
 
@@ -89,6 +90,7 @@ void extend_to_row_start(const BlockEnd& from) {
     if (!child[0].block_active)
         block.end.col = from.col;
     block_begin();
+    update_scrollbar(child[0].main_window);
 }
 
 void extend_to_row_end(const BlockEnd& from) {
@@ -96,6 +98,7 @@ void extend_to_row_end(const BlockEnd& from) {
     if (!child[0].block_active)
         begin_at(from);
     block.end.col = static_cast<int16_t>(child[0].caret_col);
+    update_scrollbar(child[0].main_window);
 }
 
 void extend_to_document_start(const BlockEnd& from) {

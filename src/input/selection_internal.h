@@ -1,7 +1,8 @@
 // selection_internal.h: what Shift makes of a movement key: the block grows or shrinks with the caret.
 // Each operation runs when the caret has moved and gets the place that it came from; without a block it
-// begins one there. It leaves the ends in any order and paints nothing: extend_block does both. For
-// the keyboard's files and the drag.
+// begins one there. It leaves the ends in any order and paints nothing: extend_block does both. The steps to
+// the ends of a row show the caret's page in the scroll bar, as a repaint would. For the keyboard's files and
+// the drag.
 #pragma once
 
 #include "input/block.h"

@@ -213,6 +213,7 @@ void paste_text(const char* text) {
     std::memmove(at + added, at, std::strlen(at) + 1);
     std::memcpy(at, text, static_cast<std::size_t>(added));
     store_changed_row(row);
+    fetch_row(row);  // the last character of the longest row is stored, but not shown
     repaint_row(row, true);
     update_scrollbar(child[0].main_window);
 }

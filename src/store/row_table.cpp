@@ -220,7 +220,7 @@ int32_t segment_rows(int segment) {
 
 void set_last_file_row(int32_t row) {
     child[0].last_file_row = row;
-    update_scroll_values();
+    update_scroll_range(child[0].main_window);
 }
 
 void build_segment_path() {

@@ -137,7 +137,7 @@ constexpr int32_t SHOWN_BY_FETCH = -1;
 // The file that failed in the last store_row_text that gave 0.
 const char* failed_store_file();
 
-// Sets last_file_row and what the scroll bar derives from it.
+// Sets last_file_row and with it the range of the scroll bar.
 void set_last_file_row(int32_t row);
 
 // Tells the table that segment files or row numbers have changed under it: drops the records kept in memory

@@ -371,6 +371,8 @@ void check_caret() {
                   "the caret shows elsewhere");
     fuzz::require(button_down || caret_shown() == (child[0].block_active == 0),
                   "the caret hides or shows at the wrong time");
+    fuzz::require(scroll_range_high() == child[0].last_file_row / child[0].window_rows,
+                  "the scroll bar has the range of another document");
 }
 
 void check_block() {

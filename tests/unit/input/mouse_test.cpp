@@ -115,6 +115,28 @@ TEST_F(MouseTest, ThumbAndPagesMoveTheView) {
     EXPECT_EQ(child[0].caret_row, 0);
 }
 
+// Text in the end row brings a new end row, whatever stores it, and whether or not anything is painted then.
+TEST_F(MouseTest, TheRangeOfTheScrollBarFollowsTheNumberOfRows) {
+    const struct {
+        const char* label;
+        void (*act)();
+    } cases[] = {{"a scroll that moves nothing", [] { handle_vscroll(platform::SB_LINEUP, 0); }},
+                 {"a key that moves within the row", [] { press("Right"); }},
+                 {"another window",
+                  [] { platform::send_message(child[0].main_window, platform::WM_KILLFOCUS, 0, 0); }}};
+    set_rows_shown(1);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        open_numbered_rows(1);
+        EXPECT_EQ(platform::scroll_range_high(), 1);
+        set_caret(1, 0);
+        press("'X");
+        c.act();
+        ASSERT_EQ(rows(), "0/X/");
+        EXPECT_EQ(platform::scroll_range_high(), 2);
+    }
+}
+
 TEST_F(MouseTest, TheThumbAtTheBottomOfAVeryLongDocumentShowsItsEnd) {
     set_rows_shown(1);
     open_rows(std::string(30001, '/') + "end/");

@@ -61,6 +61,33 @@ TEST_F(BlockTest, AStepBehindAPageKeepsTheRowsOfThePage) {
     EXPECT_EQ(block.end.row, last + 1);
 }
 
+TEST_F(BlockTest, HomeAndEndWithShiftShowTheCaretsPage) {
+    for (const char* key : {"Shift+Home", "Shift+End"}) {
+        set_window_size(80, 6);
+        start_with("AAA\r\nBBB\r\nCCC\r\nDDD\r\nEEE\r\n");
+        for (const char* way : {"Right", "Down", "Down", "Down"})
+            press_key(way);
+        ASSERT_EQ(scroll_position_now(), 0) << "nothing has been painted since";
+        press_key(key);
+        EXPECT_EQ(scroll_position_now(), 1) << key;
+        begin_anew();
+    }
+    set_window_size(80, 28);
+}
+
+TEST_F(BlockTest, APastedRowShowsWhatAFetchBringsOfIt) {
+    set_window_size(300, 28);
+    start_with("12345\r\n" + std::string(250, 'A') + "\r\n");
+    press_key("Shift+End");
+    press_key("Ctrl+C");
+    press_key("Esc");
+    press_key("Down");
+    press_key("Ctrl+V");
+    EXPECT_EQ(screen_row(1), rows()[1]);
+    EXPECT_EQ(screen_row(1).size(), 254U) << "the last of the 255 characters is there, but not seen";
+    set_window_size(80, 28);
+}
+
 TEST_F(BlockTest, ADragThatHasSeenNoCellLeavesNoBlock) {
     start_with("ABC\r\nDEF\r\n");
     mouse(MouseAct::MOVE, 1, 1);
