@@ -12,6 +12,7 @@
 #include "platform/desktop.h"
 #include "platform/keys.h"
 #include "store/row_table.h"
+#include "view/nc_columns.h"
 #include "view/text_view.h"
 
 #include <algorithm>
@@ -63,9 +64,10 @@ void row_start() {
     child[0].caret_col = 0;
 }
 
+// In NC Mode words go on behind the last cell that a row ever shows; the caret does not follow them there.
 void row_end() {
     fetch_row(child[0].current_row);
-    const int32_t end = row_end_column();
+    const int32_t end = std::min(row_end_column(), NC_MAX_LENGTH);
     child[0].caret_col = end > child[0].window_cols ? child[0].window_cols - 1 : end;
 }
 

@@ -135,14 +135,17 @@ TEST_F(MovementTest, EndGoesBehindTheTextAsItShows) {
         std::string text;
         bool nc_mode;
         int32_t col;
+        int cols = 40;
     } cases[] = {
         {"text", "N10G1", false, 5},
         {"spread words", "N10G1", true, 7},
         {"as wide as the window", std::string(40, 'a'), false, 40},
         {"wider than the window", std::string(41, 'a'), false, 39},
+        {"spread words that go on behind what shows", std::string(100, 'a'), true, 255, 300},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
+        set_rows_shown(9, c.cols);
         open_rows(c.text + '/');
         child[0].nc_mode = c.nc_mode;
         press("End");
