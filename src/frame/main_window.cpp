@@ -331,10 +331,7 @@ constexpr MessageEntry MESSAGES[] = {
 };
 
 constexpr char BLANKS[] = "                                                                                "
-                          "                                                                                "
-                          "                                                                                "
-                          "               ";
-static_assert(sizeof BLANKS == 256);
+                          "                                                                                ";
 
 }  // namespace
 
@@ -389,9 +386,11 @@ void end_wait(PointerShape pointer) {
 }
 
 void blank_client(WindowHandle window) {
-    const int cells = std::min(child[0].window_cols, 255);
+    constexpr int32_t BLANK_COUNT = sizeof BLANKS - 1;
     for (int32_t row = 0; row <= child[0].window_rows; row++)
-        draw_text(window, 0, row * child[0].char_height, BLANKS, cells, BLACK, WHITE);
+        for (int32_t col = 0; col < child[0].window_cols; col += BLANK_COUNT)
+            draw_text(window, col * child[0].char_width, row * child[0].char_height, BLANKS,
+                      std::min(child[0].window_cols - col, BLANK_COUNT), BLACK, WHITE);
 }
 
 }  // namespace hexlane

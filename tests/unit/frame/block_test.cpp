@@ -97,6 +97,17 @@ TEST_F(BlockTest, ADragThatHasSeenNoCellLeavesNoBlock) {
     expect_no_block();
 }
 
+TEST_F(BlockTest, CloseClearsTheWholeWidthOfABlock) {
+    set_window_size(600, 28);
+    start_with("ABC\r\nDEF\r\n");
+    press_key("Shift+Down");
+    ASSERT_EQ(screen_cell(599, 0).paper, BLACK);
+    command(1035);
+    for (const int col : {0, 254, 255, 599})
+        EXPECT_EQ(screen_cell(col, 0).paper, WHITE) << col;
+    set_window_size(80, 28);
+}
+
 TEST_F(BlockTest, AScrollThatEndsABlockGraysItsCommands) {
     start_with("ABC\r\nDEF\r\n");
     press_key("Shift+Down");
