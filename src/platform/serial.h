@@ -102,7 +102,8 @@ int line_read(LineHandle line, void* buffer, int size);
 // is still running is not allowed. 1, or 0 when the line has failed.
 int line_write(LineHandle line, const void* data, int count);
 
-// Bytes that the last write has handed to the driver so far.
+// Bytes of the last write that have left, as far as the driver tells. What waits with the driver does not
+// count: line_purge and line_close drop it.
 int line_written(LineHandle line);
 
 // Whether the machine holds the line: bytes wait and none has moved for ten character times.

@@ -250,7 +250,7 @@ int line_write(LineHandle handle, const void* data, int count) {
 
 int line_written(LineHandle handle) {
     const OpenLine open(handle);
-    return open.line != nullptr ? open.line->sending.handed : 0;
+    return open.line != nullptr ? bytes_that_left(*open.line) : 0;
 }
 
 bool line_held(LineHandle handle) {

@@ -96,6 +96,9 @@ void stop_write(Line& line);
 // edges.
 void send_step(Line& line);
 
+// Bytes of the write that the driver has taken and sent.
+int bytes_that_left(Line& line);
+
 // Looks whether bytes wait and none has moved for HELD_CHARACTERS.
 bool line_is_held(Line& line);
 

@@ -196,6 +196,13 @@ void send_step(Line& line) {
     }
 }
 
+int bytes_that_left(Line& line) {
+    if (line.sending.running && !line.gone) {
+        look_at_queue(line, now_ns());
+    }
+    return line.sending.handed - line.sending.queued;
+}
+
 bool line_is_held(Line& line) {
     if (!line.sending.running || line.gone) {
         return false;

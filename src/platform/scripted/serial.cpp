@@ -180,7 +180,7 @@ int line_write(LineHandle handle, const void* data, int count) {
 
 int line_written(LineHandle handle) {
     const ScriptedLine* line = line_of(handle);
-    return line != nullptr ? line->side.write.handed : 0;
+    return line != nullptr ? line->side.write.handed - static_cast<int>(line->side.fifo.size()) : 0;
 }
 
 bool line_held(LineHandle handle) {

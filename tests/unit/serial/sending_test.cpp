@@ -278,7 +278,9 @@ TEST_F(ToldQueue, AHeldQueueIsNotFilledUpAndCostsNothing) {
     ASSERT_TRUE(wait_for([&] { return line_held(line); }));
     expect_asleep(worker.id);
     EXPECT_LE(most_queued, 20);
-    EXPECT_EQ(line_written(line), driver_queue);
+    EXPECT_EQ(line_written(line), 0) << "what waits with the driver would be dropped by a close";
+    driver_queue -= 3;
+    EXPECT_EQ(line_written(line), 3);
     // It goes on: a few bytes at a time leave the driver.
     EXPECT_TRUE(wait_for([&] {
         driver_queue = std::max(0, driver_queue - 4);
