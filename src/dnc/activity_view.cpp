@@ -268,6 +268,7 @@ int64_t activity_proc(WindowHandle view, uint32_t message, int64_t first, int64_
 }  // namespace
 
 void command_activity() {
+    tell_cut_receives();
     show_view(&ACTIVITY_VIEW, activity_proc);
     set_ui_timer(UI_TIMER_SLOW);
     update_menus(child[0].main_window);

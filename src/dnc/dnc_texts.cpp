@@ -81,6 +81,8 @@ constexpr BoxText DNC_BOXES[] = {
     {"Another program has changed the machine settings since they were read here.\n\nKeep Mine writes the "
      "settings of this program over them. Take Theirs reads them, and drops what was changed here.",
      "Communications", BoxIcon::EXCLAMATION, "Keep Mine|Take Theirs|Cancel"},
+    {"%s was being received when the program ended: it may not be complete.", "Communications",
+     BoxIcon::EXCLAMATION, BUTTONS_OK},
 };
 
 }  // namespace

@@ -39,6 +39,7 @@ enum class DncBox {
     TABLE_NOT_MADE,  // reason
     TABLE_SHORT,
     TABLE_CHANGED,  // question; buttons as TableAnswer
+    RECEIVE_CUT,    // file
 };
 
 // Shows a box and gives the index of the button pressed.

@@ -221,7 +221,7 @@ void end_send_properties(int slot) {
         give_up_send(slot);
         return;
     }
-    begin_log_entry(slot);
+    begin_log_entry(slot, true);
     if (!send_continuous)
         t.start_now = 0;
     set_ui_timer(UI_TIMER_SLOW);
@@ -314,12 +314,15 @@ void press_receive(int slot) {
     // The line may have gone behind the questions; that has been told then.
     if (!choose_file_to_receive(slot) || !port_slot[slot].connected)
         return;
+    begin_log_entry(slot, false);
+    if (!port_slot[slot].connected)
+        return;  // gone behind the box that the log can't be written
     if (!prepare_receive(slot)) {
-        show_dnc_box(DncBox::CANNOT_MAKE_FILE, transfer_state[slot].file_name,
-                     file_error_text(last_file_error()));
+        const char* reason = file_error_text(last_file_error());
+        drop_log_entry(slot);
+        show_dnc_box(DncBox::CANNOT_MAKE_FILE, transfer_state[slot].file_name, reason);
         return;
     }
-    begin_log_entry(slot);
     set_ui_timer(UI_TIMER_SLOW);
 }
 

@@ -1,5 +1,7 @@
 #include "dnc/transfer_log.h"
 
+#include "dnc/transfer_log_internal.h"
+
 #include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
@@ -19,8 +21,6 @@ using namespace platform;
 namespace {
 
 constexpr std::size_t TIME_SIZE = 32;
-constexpr std::size_t LINE_SIZE = 2048;
-
 // One transfer; wiped by begin_log_entry.
 struct LogEntry {
     bool open;  // begun and not written yet
@@ -29,6 +29,7 @@ struct LogEntry {
     uint32_t last_look;
     uint32_t held_ms;
     char started[TIME_SIZE];
+    char file[PATH_SIZE];  // as the log has it
 };
 LogEntry entries[SLOT_COUNT];
 bool failure_told = false;  // once a run
@@ -55,8 +56,7 @@ const char* result_of(const TransferState& t) {
 FileHandle open_log(int64_t* length) {
     char path[PATH_SIZE];
     char old[PATH_SIZE];
-    if (!format_text(path, sizeof path, "%s/transfers.log", directories.launch_dir) ||
-        !format_text(old, sizeof old, "%s/transfers.old", directories.launch_dir))
+    if (!name_log("transfers.log", path) || !name_log("transfers.old", old))
         return NO_FILE;
     FileHandle file = file_open(path, FileAccess::READ_WRITE);
     if (file == NO_FILE && last_file_error() != FileError::NOT_FOUND)
@@ -78,46 +78,79 @@ int append_line(const char* line) {
     FileHandle file = open_log(&length);
     if (file == NO_FILE)
         return 0;
-    const int written = length >= 0 && file_write_at(file, length, line, std::strlen(line));
+    const int written =
+        length >= 0 && file_write_at(file, length, line, std::strlen(line)) && file_flush(file);
     return file_close(file) && written;
 }
 
-// Takes a text without its line end. A failure is told.
-void write_line(char line[LINE_SIZE]) {
-    for (char* at = line; *at != '\0'; at++) {
-        if (*at == '\n' || *at == '\r')
-            *at = ' ';  // a file's name may hold one
+// A file's name may hold a line end.
+void make_one_line(char* text) {
+    for (; *text != '\0'; text++) {
+        if (*text == '\n' || *text == '\r')
+            *text = ' ';
     }
-    append_text(line, LINE_SIZE, "\n");
+}
+
+// "sent /home/me/part.nc; machine 3, LATHE, heidenhain, ascii; ..."
+void join_entries(const Receipt& receipt, char line[LOG_LINE_SIZE]) {
+    ReceiptEntry parts[RECEIPT_ENTRIES];
+    const int count = receipt_entries(receipt, parts);
+    line[0] = '\0';
+    for (int i = 0; i < count; i++) {
+        append_text(line, LOG_LINE_SIZE, i == 0 ? "" : "; ");
+        append_text(line, LOG_LINE_SIZE, parts[i].name);
+        append_text(line, LOG_LINE_SIZE, " ");
+        append_text(line, LOG_LINE_SIZE, parts[i].text);
+    }
+}
+
+}  // namespace
+
+int name_log(const char* title, char* path) {
+    return format_text(path, PATH_SIZE, "%s/%s", directories.launch_dir, title);
+}
+
+void write_log_line(char line[LOG_LINE_SIZE]) {
+    make_one_line(line);
+    append_text(line, LOG_LINE_SIZE, "\n");
     if (!append_line(line) && !failure_told) {
         failure_told = true;
         show_dnc_box(DncBox::LOG_NOT_WRITTEN, file_error_text(last_file_error()));
     }
 }
 
-// "sent /home/me/part.nc; machine 3, LATHE, heidenhain, ascii; ..."
-void join_entries(const Receipt& receipt, char line[LINE_SIZE]) {
-    ReceiptEntry parts[RECEIPT_ENTRIES];
-    const int count = receipt_entries(receipt, parts);
-    line[0] = '\0';
-    for (int i = 0; i < count; i++) {
-        append_text(line, LINE_SIZE, i == 0 ? "" : "; ");
-        append_text(line, LINE_SIZE, parts[i].name);
-        append_text(line, LINE_SIZE, " ");
-        append_text(line, LINE_SIZE, parts[i].text);
+bool is_in_open_entry(const char* file) {
+    for (const LogEntry& entry : entries) {
+        if (entry.open && !entry.sending && std::strcmp(entry.file, file) == 0)
+            return true;
     }
+    return false;
 }
 
-}  // namespace
-
-void begin_log_entry(int slot) {
+void begin_log_entry(int slot, bool sending) {
     LogEntry& entry = entries[slot];
     entry = {};
     entry.open = true;
-    entry.sending = transfer_state[slot].file_handle == NO_FILE;
+    entry.sending = sending;
     entry.start_tick = tick_ms();
     entry.last_look = entry.start_tick;
     time_of_day(entry.started, sizeof entry.started);
+    copy_text(entry.file, sizeof entry.file, transfer_state[slot].file_name);
+    make_one_line(entry.file);
+    if (sending)
+        return;
+    char line[LOG_LINE_SIZE];
+    format_text(line, sizeof line, "%s%s%s%s", RECEIVE_BEGUN, entry.started, FILE_OF_BEGUN, entry.file);
+    write_log_line(line);
+}
+
+void drop_log_entry(int slot) {
+    LogEntry& entry = entries[slot];
+    entry.open = false;
+    char line[LOG_LINE_SIZE];
+    format_text(line, sizeof line, "%s%s; result not begun: %s", RECEIVE_ENDED, entry.file,
+                file_error_text(last_file_error()));
+    write_log_line(line);
 }
 
 void watch_line(int slot) {
@@ -153,22 +186,22 @@ void end_log_entry(int slot) {
     receipt.started = entry.started;
     receipt.ended = ended;
     receipt.took_s = (tick_ms() - entry.start_tick) / 1000.0;
-    char line[LINE_SIZE];
+    char line[LOG_LINE_SIZE];
     join_entries(receipt, line);
-    write_line(line);
+    write_log_line(line);
 }
 
 void log_failed_open(int slot) {
     char port[PATH_SIZE + 16];
     char machine[MACHINE_NAME_TEXT_SIZE];
     char now[TIME_SIZE];
-    char line[LINE_SIZE];
+    char line[LOG_LINE_SIZE];
     line_name(port_slot[slot].port_number, port, sizeof port);
     machine_name(machine_of_slot(slot), machine);
     time_of_day(now, sizeof now);
     format_text(line, sizeof line, "not opened %s; machine %d, %s; at %s; reason %s", port,
                 slot_machine[slot] + 1, machine, now, line_problem_text());
-    write_line(line);
+    write_log_line(line);
 }
 
 void note_in_log(const char* text) {

@@ -11,8 +11,15 @@ namespace hexlane {
 
 constexpr int64_t LOG_LIMIT = 256 * 1024;  // bytes
 
-// A transfer has been prepared on the slot.
-void begin_log_entry(int slot);
+// A send has been prepared on the slot; or a receive is about to make its file: then a line with its name is
+// written at once and flushed, since the program may end before the receive does.
+void begin_log_entry(int slot, bool sending);
+
+// The receive that was begun could not make its file: platform::last_file_error() tells why.
+void drop_log_entry(int slot);
+
+// Names each file that was being received when the program ended, once (cut_receives.cpp).
+void tell_cut_receives();
 
 // Looks whether the machine holds the slot's line. Call every second or more often while transfers run.
 void watch_line(int slot);

@@ -14,7 +14,6 @@ import time
 LIMIT = 60.0  # seconds that a condition may take on a busy machine
 STEP = 0.05
 CARET_ROWS = 24  # rows of pixels that a caret can change
-DESKTOPS = 3  # not what the window manager begins with
 
 
 class Failure(Exception):

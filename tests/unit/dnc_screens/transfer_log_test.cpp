@@ -42,17 +42,32 @@ protected:
 };
 
 TEST_F(TransferLog, OneLineATransferAndNoneWithoutOne) {
-    begin_log_entry(0);
+    begin_log_entry(0, true);
     end_log_entry(0);
     end_log_entry(0);
     EXPECT_EQ(rows_of(log()), 1);
     EXPECT_NE(log().find("result stopped\n"), std::string::npos);
 }
 
+// Its name stands in the log before the file is made; one that could not be made is no receive that was cut.
+TEST_F(TransferLog, AReceiveIsBegunAheadOfItsFile) {
+    copy_text(transfer_state[0].file_name, PATH_SIZE, "/nc/a\nb.nc");
+    begin_log_entry(0, false);
+    EXPECT_NE(log().find("; file /nc/a b.nc\n"), std::string::npos);
+    tell_cut_receives();
+    EXPECT_EQ(rows_of(log()), 1);
+    set_last_file_error(FileError::DISK_FULL);
+    drop_log_entry(0);
+    EXPECT_NE(log().find("received /nc/a b.nc; result not begun: no space is left"), std::string::npos);
+    tell_cut_receives();
+    EXPECT_EQ(rows_of(log()), 2);
+    EXPECT_TRUE(shown_boxes().empty());
+}
+
 TEST_F(TransferLog, AFullLogTakesThePlaceOfTheOldOne) {
     write_bytes(home + "/transfers.old", "older\n");
     write_bytes(home + "/transfers.log", std::string(LOG_LIMIT - 1, '.') + "\n");
-    begin_log_entry(0);
+    begin_log_entry(0, true);
     end_log_entry(0);
     EXPECT_EQ(rows_of(log()), 1);
     EXPECT_EQ(log("transfers.old").size(), static_cast<std::size_t>(LOG_LIMIT));
@@ -62,7 +77,7 @@ TEST_F(TransferLog, ALogThatCannotBeWrittenIsToldOnce) {
     ASSERT_EQ(std::system(("mkdir " + home + "/transfers.log").c_str()), 0);
     answer_box("OK");
     for (int i = 0; i < 2; i++) {
-        begin_log_entry(0);
+        begin_log_entry(0, true);
         end_log_entry(0);
     }
     EXPECT_EQ(unused_answers(), 0);
@@ -117,7 +132,7 @@ TEST_F(TransferLog, TheTimeThatTheMachineHoldsTheLineIsCounted) {
     transfer_state[0].total_bytes = 1000;
     send_now = 1;
     ASSERT_EQ(prepare_send(0), 1);
-    begin_log_entry(0);
+    begin_log_entry(0, true);
     advance_clock(500);
     watch_line(0);
     feed_line(1, "\x13");
