@@ -44,7 +44,7 @@ void take_numbers() {
     const PortSlot& port = port_slot[SLOT];
     const LockGuard guard(port.step_lock);
     run.tally = t.tally;
-    run.cut_bytes = port.write_running ? line_written(port.port_handle) : 0;
+    run.cut_bytes = bytes_of_running_write(SLOT);
     run.line_now = t.tally.line_bytes + run.cut_bytes;
     const int64_t all = t.tally.line_bytes + (port.write_running ? port.write_count : 0);
     run.file_now = run.sending ? t.tally.file_bytes * run.line_now / (all > 0 ? all : 1) : t.tally.file_bytes;

@@ -126,16 +126,23 @@ void refresh_rows(ViewHandle view) {
         refresh_row(view, slot);
 }
 
-// The share of the whole file that has gone out: a send from a start point begins at that point's share.
-float sent_percent(int slot) {
+// A send's bytes so far. bytes_done counts whole writes, and at a slow rate one takes minutes.
+struct Sent {
+    int64_t bytes;
+    int64_t whole;
+};
+
+Sent sent_so_far(int slot) {
     const LockGuard guard(port_slot[slot].step_lock);
     const TransferState& t = transfer_state[slot];
-    const int64_t whole = static_cast<int64_t>(t.total_bytes) + t.start_offset;
-    return whole <= 0 ? 100.0F : static_cast<float>(t.bytes_done) / static_cast<float>(whole) * 100.0F;
+    return {static_cast<int64_t>(t.bytes_done) + bytes_of_running_write(slot),
+            static_cast<int64_t>(t.total_bytes) + t.start_offset};
 }
 
-void format_sending(int slot, char* text, std::size_t size) {
-    const float percent = sent_percent(slot);
+// The share of the whole file that has gone out: a send from a start point begins at that point's share.
+void format_sending(const Sent& sent, char* text, std::size_t size) {
+    const float percent =
+        sent.whole <= 0 ? 100.0F : static_cast<float>(sent.bytes) / static_cast<float>(sent.whole) * 100.0F;
     const char* word = percent == 100.0F ? "Sent     " : "Sending     ";
     if (percent < 1.0F)
         format_text(text, size, "%s%1.1f%% ...", word, static_cast<double>(percent));
@@ -147,7 +154,7 @@ void format_status(int slot, int8_t status, char* text, std::size_t size) {
     const TransferState& t = transfer_state[slot];
     switch (status) {
     case SENDING:
-        format_sending(slot, text, size);
+        format_sending(sent_so_far(slot), text, size);
         break;
     case SEND_STANDBY:
         copy_text(text, size, "Send Standby...    ");
@@ -179,14 +186,13 @@ void show_tip(ViewHandle view, int slot) {
 
 void serve_row(ViewHandle view, int slot) {
     show_tip(view, slot);
-    const TransferState& t = transfer_state[slot];
-    const int8_t status = t.status;
+    const int8_t status = transfer_state[slot].status;
     if (status == XON_SEEN)
         return;
     if (status == RECEIVE_DONE)
         refresh_rows(view);
     enable_row(view, slot, !slot_is_busy(slot));
-    if (status == SENDING && t.bytes_done == 0)
+    if (status == SENDING && sent_so_far(slot).bytes == 0)
         return;  // the text waits for the first byte
     char text[64];
     format_status(slot, status, text, sizeof text);

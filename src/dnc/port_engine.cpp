@@ -230,4 +230,8 @@ void port_write(const uint8_t* bytes, int count, int slot) {
         port.write_running = 0;  // the line has failed: its worker learns it from the wait
 }
 
+int32_t bytes_of_running_write(int slot) {
+    return port_slot[slot].write_running ? line_written(port_slot[slot].port_handle) : 0;
+}
+
 }  // namespace hexlane

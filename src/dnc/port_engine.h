@@ -82,6 +82,10 @@ int port_read(uint8_t* buffer, int size, int slot);
 // Starts a write; EV_TXEMPTY tells its end.
 void port_write(const uint8_t* bytes, int count, int slot);
 
+// Bytes of the write that runs which have left already; 0 when none runs. Under the slot's lock, or with no
+// worker running.
+int32_t bytes_of_running_write(int slot);
+
 // The worker's thread (port_worker.cpp).
 int64_t port_worker(int64_t slot);
 

@@ -181,7 +181,7 @@ void end_log_entry(int slot) {
     receipt.port = port;
     receipt.rate = rate_set(slot);
     receipt.tally = tally_of(slot);
-    receipt.cut_bytes = port_slot[slot].write_running ? line_written(port_slot[slot].port_handle) : 0;
+    receipt.cut_bytes = bytes_of_running_write(slot);
     receipt.held_s = entry.held_ms / 1000.0;
     receipt.started = entry.started;
     receipt.ended = ended;
