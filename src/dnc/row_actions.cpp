@@ -356,11 +356,16 @@ void press_file(int slot) {
     transfer_state[slot].status = PORT_IDLE;
 }
 
+// The terminal opens the port itself. The other row's idle port may be the same line.
 void press_terminal(int slot) {
     if (slot_is_busy(slot))
         return;
     if (!store_current_machine(slot_machine[slot]))
         return;
+    for (int any = 0; any < SLOT_COUNT; any++) {
+        if (!slot_is_busy(any))
+            close_idle_port(any);
+    }
     if (!start_program(terminal_to_start(), nullptr, nullptr, nullptr))
         show_dnc_box(DncBox::NO_TERMINAL);
 }
