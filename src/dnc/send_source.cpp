@@ -104,12 +104,17 @@ void read_chunk(int slot) {
         t.last_buffer = 1;
 }
 
-// A NUL ends a piece of a line like a line feed, and is skipped. A piece that is empty for that reason is not
-// the end.
+// A NUL ends a piece of a line like a line feed, and is skipped: the filters never see it, but it is a byte
+// of the file, and counts as taken when the piece in front of it has been used up. A piece that is empty for
+// that reason is not the end.
 void read_line(int slot) {
+    constexpr uint8_t NUL = 0;
     TransferState& t = transfer_state[slot];
     uint8_t* buffer = transfer_buffers[slot].file_buffer;
     do {
+        if (t.nul_behind)
+            count_taken(slot, &NUL, 1);
+        t.nul_behind = 0;
         const int64_t length = read_source(slot, LINE_LIMIT);
         if (length == 0) {
             t.last_buffer = 1;
@@ -119,9 +124,16 @@ void read_line(int slot) {
         while (taken < length && buffer[taken] != '\n' && buffer[taken] != '\0')
             taken++;
         const bool line_feed = taken < length && buffer[taken] == '\n';
+        t.nul_behind = taken < length && !line_feed;
         t.file_count = taken + (line_feed ? 1 : 0);
-        t.file_position += taken < length ? taken + 1 : taken;
+        t.file_position += t.file_count + t.nul_behind;
     } while (t.file_count == 0);
+}
+
+void count_taken(int slot, const uint8_t* bytes, std::size_t count) {
+    TransferTally& tally = transfer_state[slot].tally;
+    tally.file_crc = crc32(tally.file_crc, bytes, count);
+    tally.file_bytes += static_cast<int64_t>(count);
 }
 
 }  // namespace hexlane

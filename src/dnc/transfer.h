@@ -3,6 +3,7 @@
 
 #include "dnc/transfer_state.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace hexlane {
@@ -52,6 +53,10 @@ void finish_failed_transfer(int slot, int64_t transfer_number);
 // slot's lock.
 void read_chunk(int slot);
 void read_line(int slot);
+
+// Notes bytes of the file as taken from it or put into it by this transfer, for its receipt. Under the slot's
+// lock.
+void count_taken(int slot, const uint8_t* bytes, std::size_t count);
 
 // The steps of transfer_step for a caller that holds the lock already, and the worker's start of a queued
 // send.

@@ -22,6 +22,7 @@ void reset_transfer(int slot) {
     t.fill_done = 0;
     t.source_ended = 0;
     t.last_buffer = 0;
+    t.nul_behind = 0;
     t.block_check = 0;
     t.need_start = 0;
     t.end_sent = 0;

@@ -103,6 +103,7 @@ struct TransferState {
 
     // Of this transfer beyond what the filters need.
     int16_t prepared;         // the first buffer is filled: the machine's request may be taken [lock]
+    int16_t nul_behind;       // a NUL has been skipped behind the line in the file buffer [lock]
     int32_t transfer_number;  // goes with TRANSFER_DONE_MESSAGE [lock]
     int32_t file_count;       // bytes in the file buffer [lock]
     int32_t carry_count;      // bytes of carry_buffer that wait for the next fill [lock]

@@ -63,9 +63,8 @@ void refill(int slot) {
         }
         const int32_t from = t.in_index;
         t.fill_done = static_cast<int16_t>(by_line ? fill_from_line(slot) : fill_from_buffer(slot));
-        const auto taken = static_cast<std::size_t>(t.in_index - from);
-        t.tally.file_crc = crc32(t.tally.file_crc, transfer_buffers[slot].file_buffer + from, taken);
-        t.tally.file_bytes += static_cast<int64_t>(taken);
+        count_taken(slot, transfer_buffers[slot].file_buffer + from,
+                    static_cast<std::size_t>(t.in_index - from));
     }
 }
 
@@ -147,8 +146,7 @@ int append_received(int count, int slot) {
     if (!file_write_at(t.file_handle, t.received_length, bytes, static_cast<std::size_t>(stored)))
         return 0;
     t.received_length += stored;
-    t.tally.file_bytes += stored;
-    t.tally.file_crc = crc32(t.tally.file_crc, bytes, static_cast<std::size_t>(stored));
+    count_taken(slot, bytes, static_cast<std::size_t>(stored));
     return 1;
 }
 
@@ -244,6 +242,7 @@ int prepare_send(int slot) {
         t.block_count = 0;
         t.block_check = 0;
         t.last_buffer = 0;
+        t.nul_behind = 0;
         t.fill_done = 0;
         t.end_sent = 0;
         t.source_ended = 0;

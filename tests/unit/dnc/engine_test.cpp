@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <random>
 
+#include "dnc/crc32.h"
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
 #include "dnc/received_file.h"
@@ -127,6 +128,21 @@ TEST_F(EngineTest, LineByLineSendsTheSameBytes) {
     begin_send("part.nc", true);
     ASSERT_TRUE(ended());
     EXPECT_EQ(take_sent(1), file);
+}
+
+// A NUL ends a piece and does not go out, but it is a byte of the file.
+TEST_F(EngineTest, LineByLineCountsTheFilesBytesWithTheirNuls) {
+    const std::string nuls(300, '\0');
+    const std::string file =
+        nuls + "N1\0X1\r\n"s + std::string(256, 'L') + "\0\r\n"s + nuls + "M30\r\n" + nuls;
+    write("part.nc", file);
+    machine().eob_delay_ms = 30;
+    answer_box("OK");
+    begin_send("part.nc", true);
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(take_sent(1), "N1X1\r\n" + std::string(256, 'L') + "\r\nM30\r\n");
+    EXPECT_EQ(transfer_state[0].tally.file_bytes, static_cast<int64_t>(file.size()));
+    EXPECT_EQ(transfer_state[0].tally.file_crc, crc32(0, file.data(), file.size()));
 }
 
 TEST_F(EngineTest, BlockProtocolsWaitForEachAnswer) {
