@@ -59,12 +59,13 @@ OF_MENUS = ["select", "focus"]
 
 
 class Probe:
-    def __init__(self, display, program, scale="1"):
+    def __init__(self, display, program, scale="1", **environment):
         self.display = display
         self.log = os.path.join(display.scratch, f"log-{scale}")
         self.flag = os.path.join(display.scratch, "end-of-long-run")
         with open(self.log, "wb") as log:
-            self.process = display.start([program, self.flag], stdout=log, env={"QT_SCALE_FACTOR": scale})
+            self.process = display.start([program, self.flag], stdout=log,
+                                         env={"QT_SCALE_FACTOR": scale, **environment})
         self.seen = 0
         display.wait_active("Message probe")
 
@@ -300,6 +301,34 @@ def check_sharpness(display, program, scale, pictures):
     return width, height
 
 
+# A desktop whose fixed font is none, with another one installed that is, and with none.
+PROPORTIONAL = """<fontconfig><include>/etc/fonts/fonts.conf</include><match target="pattern">
+<test name="family"><string>monospace</string></test>
+<edit name="family" mode="assign" binding="strong"><string>DejaVu Sans</string></edit></match>
+<selectfont><rejectfont><pattern><patelt name="spacing"><int>{rejected}</int></patelt></pattern></rejectfont></selectfont>
+</fontconfig>"""
+SPACINGS = {"a fixed font": 1, "no fixed font": 100}  # what is rejected: a spacing that no font has, or the fixed one
+
+
+def check_proportional_font(display, program, what, rejected, pictures):
+    """Each letter stays in its cell: what stands beside it hides nothing of it."""
+    fonts = os.path.join(display.scratch, "fonts.conf")
+    with open(fonts, "w", encoding="utf-8") as file:
+        file.write(PROPORTIONAL.format(rejected=rejected))
+    probe = Probe(display, program, FONTCONFIG_FILE=fonts)
+    left, top, width, height = find_mark(display)
+
+    def is_blank(col):
+        rows, _ = display.pixels()
+        cell = [row[3 * (left + col * width):3 * (left + (col + 1) * width)] for row in rows[top + height:top + 2 * height]]
+        return all(row == b"\xff" * len(row) for row in cell)
+    wait_for("the letters", lambda: not is_blank(19))
+    display.picture(os.path.join(pictures, f"proportional-{rejected}.png"))
+    check(f"with {what} the last letter reaches into the next cell", is_blank(20))
+    display.key("alt+h", "l")
+    probe.process.wait(60)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--probe", required=True)
@@ -324,6 +353,8 @@ def main():
             for scale in ("1", "1.25", "2"):
                 width, height = check_sharpness(display, arguments.probe, scale, arguments.pictures)
                 print(f"scale {scale}: a cell is {width} by {height} pixels")
+            for what, rejected in SPACINGS.items():
+                check_proportional_font(display, arguments.probe, what, rejected, arguments.pictures)
         except Failure as failure:
             display.picture(os.path.join(arguments.pictures, "messages-failed.png"))
             print(f"messages_test: {failure}", file=sys.stderr)

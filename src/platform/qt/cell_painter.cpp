@@ -32,7 +32,32 @@ int pixel_size(const QFont& font, qreal ratio, qreal dpi) {
     return static_cast<int>(std::lround(std::max(told, least) * ratio));
 }
 
-// A byte that the font has no glyph for comes from another font, made narrower where it is too wide.
+// Whether narrow and wide letters take the same width.
+bool is_fixed(const QFont& font) {
+    const QFontMetricsF metrics(font);
+    return std::abs(metrics.horizontalAdvance(QLatin1Char('M')) -
+                    metrics.horizontalAdvance(QLatin1Char('i'))) < 1;
+}
+
+// The font that the desktop names for fixed text. What it names may be missing, or be none of fixed width;
+// then any that is, if there is one.
+QFont fixed_font() {
+    const QFont named = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (is_fixed(named)) {
+        return named;
+    }
+    QFont other = named;
+    for (const QString& family : QFontDatabase::families(QFontDatabase::Latin)) {
+        other.setFamily(family);
+        if (QFontDatabase::isFixedPitch(family) && is_fixed(other)) {
+            return other;
+        }
+    }
+    return named;
+}
+
+// A byte without a glyph that fits: from another font if this one has none, made narrower where it is too
+// wide.
 void paint_foreign_cell(QPainter* painter, const CellFont& cells, const QString& text, const QPoint& corner) {
     const qreal advance = QFontMetricsF(cells.font).horizontalAdvance(text);
     const qreal squeeze = advance > cells.width ? cells.width / advance : 1.0;
@@ -104,7 +129,7 @@ void paint_run(QPainter* painter, const CellFont& cells, const Cell* row, int y,
 
 void make_cell_font(CellFont* cells, qreal ratio, qreal dpi) {
     cells->ratio = ratio;
-    cells->font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    cells->font = fixed_font();
     cells->font.setStyleHint(QFont::Monospace);
     cells->font.setPixelSize(pixel_size(cells->font, ratio, dpi));
     cells->outlines = QRawFont::fromFont(cells->font);
@@ -117,7 +142,8 @@ void make_cell_font(CellFont* cells, qreal ratio, qreal dpi) {
         const char32_t code_point = byte_to_unicode(static_cast<uint8_t>(byte));
         const QString text = QString::fromUcs4(&code_point, 1);
         const QList<quint32> found = cells->outlines.glyphIndexesForString(text);
-        cells->glyphs[byte] = found.size() == 1 ? found[0] : 0;
+        const bool fits = metrics.horizontalAdvance(text) < cells->width + 1;
+        cells->glyphs[byte] = found.size() == 1 && fits ? found[0] : 0;
         cells->texts[byte] = all_fonts.inFontUcs4(code_point) ? text : QString();
     }
 }

@@ -15,7 +15,7 @@
 
 namespace hexlane::platform {
 
-// The desktop's fixed-pitch font at the size for one screen.
+// The desktop's fixed-pitch font, or another one when that is none, at the size for one screen.
 struct CellFont {
     QFont font;
     QRawFont outlines;
@@ -23,7 +23,7 @@ struct CellFont {
     int height = CELL_HEIGHT;           // of a cell, device pixels
     int baseline = 0;                   // below the cell's top, device pixels
     qreal ratio = 0;                    // device pixels per logical one that it was made for
-    std::array<quint32, 256> glyphs{};  // by byte; 0 where the font has none
+    std::array<quint32, 256> glyphs{};  // by byte; 0 where the font has none that fits into a cell
     std::array<QString, 256> texts;     // by byte; empty where no font of the system has a glyph
 };
 
