@@ -7,6 +7,7 @@ Typing and saving, a loss of focus, blocks, search, renumbering, macros, colors,
 import argparse
 import os
 import re
+import signal
 import subprocess
 import sys
 
@@ -151,6 +152,17 @@ def check_second_start(editor):
     display.wait_active(TITLE)
     display.key("Delete")
     editor.save_and_expect("a change in the file handed over", other, b"0 X1\r\nM30\r\n")
+    editor.start_again(editor.file)
+    display.wait_active(TITLE)
+    # A program that serves nobody for a while opens the file when it can.
+    editor.process.send_signal(signal.SIGSTOP)
+    patient = editor.start(other, stderr=subprocess.PIPE)
+    check("the second start says that it waits", b"is busy" in patient.stderr.readline())
+    editor.process.send_signal(signal.SIGCONT)
+    check("the second start ended well", patient.wait(60) == 0)
+    display.wait_active(TITLE)
+    display.key("Delete")
+    editor.save_and_expect("a change in the file of the patient start", other, b" X1\r\nM30\r\n")
     editor.start_again(editor.file)
     display.wait_active(TITLE)
 

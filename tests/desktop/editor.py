@@ -27,8 +27,8 @@ class Editor:
         display.wait_active(TITLE)
         self.window = display.window_of(TITLE)
 
-    def start(self, *arguments):
-        return self.display.start([self.program, *arguments], env={"HEXLANE_HOME": self.home})
+    def start(self, *arguments, **options):
+        return self.display.start([self.program, *arguments], env={"HEXLANE_HOME": self.home}, **options)
 
     def save_and_expect(self, what, path, wanted):
         self.display.key("ctrl+s")
