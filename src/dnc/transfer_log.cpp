@@ -206,10 +206,10 @@ void log_failed_open(int slot) {
 
 void note_in_log(const char* text) {
     char now[TIME_SIZE];
-    char line[LINE_SIZE];
+    char line[LOG_LINE_SIZE];
     time_of_day(now, sizeof now);
     format_text(line, sizeof line, "note %s; at %s", text, now);
-    write_line(line);
+    write_log_line(line);
 }
 
 void format_row_tip(int slot, char* text, std::size_t size) {
