@@ -146,10 +146,11 @@ class SimulatorTest(Case):
         self.assertEqual((got, machine.report['held by XOFF']), (program, 1))
 
     def test_send_waits_as_long_as_it_takes(self):
-        program = b'G1 X1\r\n' * 100
+        program = b'G1 X1\r\n' * 10000  # more than a pty holds
         self.home.write('part.nc', program)
         for name, options in (('for its time, longer than the silence that ends a run',
                                ('--start-after', '1600', '--idle', '1500')),
+                              ('for room on the line', ('--idle', '1500')),
                               ('for its other side, with the key pressed ahead', ('--start-key',))):
             with self.subTest(name), Simulator(self.home, '--send', 'part.nc', '--log', 'log', *options) as machine:
                 if '--start-key' in options:
@@ -157,6 +158,9 @@ class SimulatorTest(Case):
                     wait_for(lambda: 'start key' in self.home.path('log').read_text())
                 line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
                 termios.tcflush(line, termios.TCIFLUSH)  # as the station does
+                if 'for room' in name:
+                    with self.assertRaises(subprocess.TimeoutExpired):
+                        machine.process.wait(2)
                 got = self.read_all(line, len(program))
                 os.close(line)
                 self.assertEqual(machine.finish(), 0, machine.report['text'])

@@ -93,7 +93,7 @@ int64_t over_at(const Session& s, End* why) {
         return std::max(s.closed_at, s.last_in) + SETTLE;
     }
     if (anything_moved(s)) {
-        const bool waits = s.held || s.xon_due != 0 || !s.answers_due.empty();
+        const bool waits = s.held || s.full || s.xon_due != 0 || !s.answers_due.empty();
         *why = End::SILENCE;
         return waits ? INT64_MAX : s.last_event + s.options.idle * MS;
     }
@@ -350,6 +350,7 @@ void wait_to_send(Session* s, int64_t until) {
 
 int64_t write_line(Session* s, const char* bytes, std::size_t count) {
     const ssize_t written = write(s->line.fd, bytes, count);
+    s->full = written < 0 && !receiving(*s);
     if (written < 0 && (errno == EAGAIN || errno == EINTR))
         return 0;
     if (written < 0) {

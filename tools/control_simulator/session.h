@@ -42,6 +42,7 @@ struct Session {
     int64_t ahead_of_xoff = 0;  // of the bytes to come, those that were there before it
     bool started = false;       // DC1 was sent, or --send has begun
     bool held = false;          // the other side has sent XOFF (--send)
+    bool full = false;          // the line has taken nothing: the other side holds it without a word (--send)
     bool key_open = true;       // standard input may still bring the start key
     bool key_came = false;      // it was pressed
 };
