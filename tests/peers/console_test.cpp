@@ -98,9 +98,21 @@ TEST(Console, ASignalIsPosted) {
 }
 
 TEST(Console, ABoxTakesTheDefaultButtonAndPrintsItsParagraphs) {
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(message_box("Port is\n active.\n\nGo on?", "Title", BoxIcon::QUESTION, BUTTONS_YES_NO), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Title: Port is active.\n  Go on? Yes.\n");
+    const struct {
+        const char *text, *title;
+        BoxIcon icon;
+        const char* printed;
+    } cases[] = {
+        {"Port is\n active.\n\nGo on?", "Title", BoxIcon::QUESTION,
+         "hexlane-cli: Port is active.\n  Go on? Yes.\n"},
+        {" Error: no printer ", " COMMDLG.DLL ERROR ", BoxIcon::STOP, "hexlane-cli: no printer\n"},
+        {"", "Title", BoxIcon::STOP, "hexlane-cli: \n"},
+    };
+    for (const auto& c : cases) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(message_box(c.text, c.title, c.icon, BUTTONS_YES_NO), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.printed);
+    }
 }
 
 }  // namespace

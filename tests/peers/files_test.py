@@ -114,7 +114,7 @@ class PrintTest(Case):
             with self.subTest(words=words):
                 done = self.home.run('print', *words)
                 self.assertEqual(done.returncode, code, done.stderr)
-                self.assertTrue(done.stderr)
+                self.assertRegex(done.stderr, r'\Ahexlane-cli: (?!Error)\S')
                 self.assertFalse(self.home.path('o').exists())
                 self.assertEqual(self.home.path('part.nc').read_bytes(), b'M30\r\n')
 

@@ -1,9 +1,11 @@
-// boxes.cpp: message boxes as text on standard error. Nobody is asked: the answer is always the default
+// boxes.cpp: message boxes as text on standard error, in the form of the program's other messages: its name,
+// then the reason. A box's title stands on no console. Nobody is asked: the answer is always the default
 // button, and it is printed behind the question.
 
 #include "platform/console/console.h"
 #include "platform/desktop.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string_view>
 #include <unistd.h>
@@ -12,22 +14,26 @@ namespace hexlane::platform {
 
 namespace {
 
+constexpr const char* PROGRAM = "hexlane-cli: ";
+constexpr std::string_view OPENING = "Error: ";  // some boxes begin with it; the name has said as much
+constexpr std::string_view BLANKS = " \n";
+
 // Boxes break their lines for the eye; a console gets one line for each paragraph.
 void print_paragraphs(std::string_view text) {
-    bool blank = true;  // nothing of this line is printed yet, or a blank stands there
-    for (std::size_t i = 0; i < text.size(); i++) {
-        const bool paragraph = text[i] == '\n' && i + 1 < text.size() && text[i + 1] == '\n';
-        if (paragraph) {
-            std::fputs("\n  ", stderr);
-            blank = true;
-            i++;
-        } else if (text[i] != '\n' && text[i] != ' ') {
-            std::fputc(text[i], stderr);
-            blank = false;
-        } else if (!blank) {
-            std::fputc(' ', stderr);
-            blank = true;
+    text.remove_prefix(std::min(text.find_first_not_of(BLANKS), text.size()));
+    if (text.starts_with(OPENING)) {
+        text.remove_prefix(OPENING.size());
+    }
+    const char* between = "";  // owed ahead of the next word
+    while (!text.empty()) {
+        const std::size_t word = std::min(text.find_first_of(BLANKS), text.size());
+        if (word > 0) {
+            std::fprintf(stderr, "%s%.*s", between, static_cast<int>(word), text.data());
+            text.remove_prefix(word);
         }
+        const std::size_t gap = std::min(text.find_first_not_of(BLANKS), text.size());
+        between = text.substr(0, gap).find("\n\n") != std::string_view::npos ? "\n  " : " ";
+        text.remove_prefix(gap);
     }
 }
 
@@ -37,10 +43,10 @@ bool console_is_terminal() {
     return isatty(STDERR_FILENO) != 0;
 }
 
-int message_box(const char* text, const char* title, BoxIcon icon, const char* buttons) {
+int message_box(const char* text, const char*, BoxIcon icon, const char* buttons) {
     if (before_box != nullptr)
         before_box();
-    std::fprintf(stderr, "%s: ", title);
+    std::fputs(PROGRAM, stderr);
     print_paragraphs(text);
     const std::string_view labels = buttons;
     if (icon == BoxIcon::QUESTION)
