@@ -150,7 +150,7 @@ class SimulatorTest(Case):
         self.home.write('part.nc', program)
         for name, options in (('for its time, longer than the silence that ends a run',
                                ('--start-after', '1600', '--idle', '1500')),
-                              ('for room on the line', ('--idle', '1500')),
+                              ('for room on the line', ('--idle', '1200')),
                               ('for its other side, with the key pressed ahead', ('--start-key',))):
             with self.subTest(name), Simulator(self.home, '--send', 'part.nc', '--log', 'log', *options) as machine:
                 if '--start-key' in options:
@@ -160,7 +160,7 @@ class SimulatorTest(Case):
                 termios.tcflush(line, termios.TCIFLUSH)  # as the station does
                 if 'for room' in name:
                     with self.assertRaises(subprocess.TimeoutExpired):
-                        machine.process.wait(2)
+                        machine.process.wait(3.5)  # more than two silences: a full pty takes once more
                 got = self.read_all(line, len(program))
                 os.close(line)
                 self.assertEqual(machine.finish(), 0, machine.report['text'])
