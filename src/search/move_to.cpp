@@ -141,8 +141,8 @@ int has_line_number(int32_t row, int64_t wanted) {
     return number.any && number.value == wanted;
 }
 
-// What both commands end in, also when they were cancelled. A block would be off the screen then, where the next
-// key would delete it unseen.
+// What both commands end in, also when they were cancelled. A block would be off the screen then, where the
+// next key would delete it unseen.
 void show_caret_row_at_top() {
     child[0].caret_col = 0;
     child[0].caret_row = 0;

@@ -22,8 +22,8 @@ struct ControlName {
 
 // A key with modifiers, "Ctrl+Shift+End": Shift and Ctrl go down, then key down with its character or its
 // accelerator's command, then all are let go. What takes the keyboard from the main window has it hear of the
-// releases first. In a box only Enter and Esc mean something, in a view Tab and mnemonics too, and a pane with
-// the focus takes all other keys.
+// releases first. In a box only Enter and Esc mean something, in a view Tab and mnemonics too, and a pane
+// with the focus takes all other keys.
 Refusal person_presses(const std::string& chord);
 
 // The keys that type the text; a line end is Enter. A character without a key comes bare, as from an input
