@@ -3,7 +3,7 @@
 #include "document.h"
 #include "ncutils/line_numbers.h"
 #include "ncutils/utilities.h"
-#include "store/store_limits.h"
+#include "shell/store_limits.h"
 
 #include <benchmark/benchmark.h>
 

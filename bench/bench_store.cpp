@@ -2,8 +2,8 @@
 // save.
 
 #include "document.h"
-#include "frame/child.h"
 #include "platform/text.h"
+#include "shell/child.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"
 #include "store/save.h"

@@ -1,7 +1,7 @@
 // bench_view.cpp: painting the view: plain, by colour, in NC Mode.
 
 #include "document.h"
-#include "frame/child.h"
+#include "shell/child.h"
 #include "view/text_view.h"
 
 #include <benchmark/benchmark.h>

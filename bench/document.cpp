@@ -2,10 +2,10 @@
 
 #include "document.h"
 
-#include "frame/child.h"
 #include "frame/program.h"
 #include "platform/scripted/test_hooks.h"
 #include "platform/text.h"
+#include "shell/child.h"
 #include "store/load.h"
 #include "store/row_table.h"
 

@@ -1,7 +1,7 @@
 // cli_main.cpp: hexlane-cli, the serial station without a desktop: machine sets, sending, receiving, ports.
 
 #include "cli/cli.h"
-#include "frame/directories.h"
+#include "shell/directories.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -3,14 +3,14 @@
 // the desktop in memory. It also prints what only the program's own records know: the lines `state` and
 // `rows`.
 
-#include "frame/child.h"
-#include "frame/directories.h"
+#include "edit/block.h"
+#include "edit/block_buffer.h"
 #include "frame/program.h"
-#include "input/block.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/record.h"
 #include "platform/scripted/script.h"
-#include "store/block_buffer.h"
+#include "shell/child.h"
+#include "shell/directories.h"
 #include "store/row_table.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 // terminal_main.cpp: hexlane-terminal, a window on the serial port of the current machine.
 
 #include "dnc/machine_table.h"
-#include "frame/directories.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
 #include "platform/qt/application.h"
+#include "shell/directories.h"
 #include "terminal/terminal_window.h"
 
 #include <QApplication>

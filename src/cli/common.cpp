@@ -4,8 +4,8 @@
 
 #include "dnc/machine_fields.h"
 #include "dnc/machine_table.h"
-#include "frame/directories.h"
 #include "platform/files.h"
+#include "shell/directories.h"
 
 #include <charconv>
 #include <cstdio>

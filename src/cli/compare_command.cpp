@@ -4,9 +4,9 @@
 
 #include "compare/compare.h"
 #include "compare/report.h"
-#include "frame/directories.h"
 #include "platform/console/console.h"
 #include "platform/desktop.h"
+#include "shell/directories.h"
 #include "store/replace_file.h"
 
 #include <cstdio>

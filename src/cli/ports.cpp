@@ -2,9 +2,9 @@
 
 #include "cli/cli.h"
 
-#include "frame/directories.h"
 #include "platform/posix/serial_devices.h"
 #include "platform/serial.h"
+#include "shell/directories.h"
 
 #include <cstdio>
 #include <string>

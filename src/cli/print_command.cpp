@@ -6,7 +6,7 @@
 #include "platform/process.h"
 #include "platform/text_stream.h"
 #include "print/listing.h"
-#include "store/store_limits.h"
+#include "shell/store_limits.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -4,10 +4,10 @@
 #include "cli/transfer_run.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
-#include "frame/directories.h"
 #include "platform/files.h"
 #include "platform/process.h"
 #include "platform/serial.h"
+#include "shell/directories.h"
 
 #include <cstring>
 

@@ -2,17 +2,17 @@
 
 #include "cli/transfer_run.h"
 
-#include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
 #include "dnc/machine_table.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
-#include "frame/child.h"
 #include "platform/clock.h"
 #include "platform/console/console.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
 #include "platform/serial.h"
+#include "shell/child.h"
+#include "station/station_texts.h"
 
 #include <ctime>
 

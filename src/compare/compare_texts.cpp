@@ -2,7 +2,7 @@
 
 #include "compare/compare_texts.h"
 
-#include "frame/boxes.h"
+#include "shell/boxes.h"
 
 namespace hexlane {
 

@@ -8,11 +8,11 @@
 
 #include "compare/compare.h"
 #include "compare/report.h"
-#include "frame/directories.h"
 #include "platform/clock.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
 #include "print/print_engine.h"
+#include "shell/directories.h"
 #include "store/temp_names.h"
 
 namespace hexlane {

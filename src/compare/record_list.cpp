@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "compare/compare_record_format.h"
-#include "frame/directories.h"
 #include "platform/text.h"
+#include "shell/directories.h"
 
 namespace hexlane {
 

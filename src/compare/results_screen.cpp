@@ -7,13 +7,13 @@
 #include "compare/compare.h"
 #include "compare/result_line.h"
 #include "compare/results_walk.h"
-#include "frame/status_line.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
 #include "platform/desktop.h"
 #include "platform/printing.h"
 #include "platform/surface.h"
 #include "platform/text.h"
+#include "shell/status_line.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 
 namespace hexlane {
 

@@ -6,10 +6,10 @@
 
 #include "compare/compare.h"
 #include "compare/compare_texts.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 
 namespace hexlane {
 

@@ -1,10 +1,10 @@
 // cut_receives.cpp: receives that the log has begun and not ended: the program was killed, or the power went.
 
-#include "dnc/dnc_texts.h"
 #include "dnc/transfer_log.h"
 #include "dnc/transfer_log_internal.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "station/station_texts.h"
 
 #include <cstring>
 

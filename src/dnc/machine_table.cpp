@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "dnc/machine_fields.h"
-#include "frame/directories.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "shell/directories.h"
 #include "store/replace_file.h"
 
 namespace hexlane {

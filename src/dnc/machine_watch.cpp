@@ -1,8 +1,8 @@
 #include "dnc/machine_watch.h"
 
-#include "dnc/dnc_texts.h"
 #include "dnc/machine_table.h"
 #include "platform/files.h"
+#include "station/station_texts.h"
 
 #include <cstring>
 

@@ -1,10 +1,10 @@
 #include "dnc/port_engine.h"
 
-#include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
 #include "platform/text.h"
+#include "station/station_texts.h"
 
 #include <algorithm>
 #include <cstring>

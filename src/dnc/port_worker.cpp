@@ -7,9 +7,9 @@
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
-#include "frame/child.h"
 #include "platform/clock.h"
 #include "platform/desktop.h"
+#include "shell/child.h"
 
 namespace hexlane {
 

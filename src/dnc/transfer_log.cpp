@@ -2,15 +2,15 @@
 
 #include "dnc/transfer_log_internal.h"
 
-#include "dnc/dnc_texts.h"
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
 #include "dnc/receipt.h"
-#include "frame/directories.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/serial.h"
 #include "platform/text.h"
+#include "shell/directories.h"
+#include "station/station_texts.h"
 
 #include <cstring>
 

@@ -7,10 +7,10 @@
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
 #include "dnc/received_file.h"
-#include "frame/child.h"
 #include "platform/clock.h"
 #include "platform/desktop.h"
 #include "platform/threads.h"
+#include "shell/child.h"
 
 #include <cstring>
 

@@ -3,12 +3,12 @@
 #include <cstring>
 
 #include "dnc/transfer_state.h"
-#include "frame/child.h"
+#include "edit/block_buffer.h"
 #include "frame/commands.h"
 #include "frame/transfer_watch.h"
 #include "macros/macro_table.h"
 #include "platform/text.h"
-#include "store/block_buffer.h"
+#include "shell/child.h"
 
 namespace hexlane {
 

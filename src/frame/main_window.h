@@ -26,7 +26,7 @@ void place_caret_now();
 bool bound_caret();
 
 // Brings a caret that a deletion or an Enter would leave behind the last row back to it, on its screen row,
-// and notes that in caret_past_end (input/keyboard.h).
+// and notes that in caret_past_end (edit/keyboard.h).
 void hold_caret_in_document();
 
 // Runs WM_PAINT at once: commits, draws every visible row, the scroll bar and the position.

@@ -4,12 +4,12 @@
 #include "dnc/machine_table.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
-#include "frame/child.h"
 #include "frame/command_state.h"
 #include "frame/commands.h"
-#include "frame/status_line.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
+#include "shell/child.h"
+#include "shell/status_line.h"
 
 namespace hexlane {
 

@@ -2,9 +2,9 @@
 
 #include "macros/macro_table.h"
 
-#include "frame/directories.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "shell/directories.h"
 #include "store/replace_file.h"
 
 #include <cstring>

@@ -2,7 +2,7 @@
 
 #include "macros/macro_texts.h"
 
-#include "frame/boxes.h"
+#include "shell/boxes.h"
 
 namespace hexlane {
 

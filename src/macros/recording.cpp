@@ -2,16 +2,16 @@
 
 #include "macros/recording.h"
 
-#include "frame/child.h"
 #include "frame/command_state.h"
-#include "frame/status_line.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
 #include "macros/macro_list.h"
 #include "macros/macro_table.h"
 #include "macros/macro_texts.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "shell/child.h"
+#include "shell/status_line.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 
 #include <cstring>
 

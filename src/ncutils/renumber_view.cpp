@@ -3,11 +3,11 @@
 #include <iterator>
 
 #include "frame/main_window.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
 #include "ncutils/nc_commands.h"
 #include "ncutils/ncutils_texts.h"
 #include "ncutils/utilities.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 
 namespace hexlane {
 

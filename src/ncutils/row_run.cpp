@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/child.h"
-#include "frame/status_line.h"
-#include "input/block.h"
+#include "edit/block.h"
 #include "ncutils/ncutils_texts.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
+#include "shell/child.h"
+#include "shell/status_line.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
 

@@ -1,8 +1,8 @@
 #include "ncutils/utilities.h"
 
-#include "frame/child.h"
-#include "frame/status_line.h"
 #include "ncutils/line_numbers.h"
+#include "shell/child.h"
+#include "shell/status_line.h"
 #include "store/row_table.h"
 
 namespace hexlane {

@@ -4,13 +4,13 @@
 #include <array>
 #include <cstring>
 
-#include "frame/child.h"
 #include "frame/main_window.h"
-#include "frame/status_line.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
 #include "ncutils/nc_commands.h"
 #include "ncutils/utilities.h"
+#include "shell/child.h"
+#include "shell/status_line.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 
 namespace hexlane {
 

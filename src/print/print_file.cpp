@@ -2,15 +2,15 @@
 
 #include <iterator>
 
-#include "frame/child.h"
+#include "edit/block.h"
 #include "frame/main_window.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
-#include "input/block.h"
 #include "platform/desktop.h"
 #include "platform/printing.h"
 #include "print/listing.h"
 #include "print/print_texts.h"
+#include "shell/child.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 #include "store/row_table.h"
 #include "view/nc_columns.h"
 

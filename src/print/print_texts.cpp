@@ -2,7 +2,7 @@
 
 #include "print/print_texts.h"
 
-#include "frame/boxes.h"
+#include "shell/boxes.h"
 
 namespace hexlane {
 

@@ -1,13 +1,13 @@
 // find.cpp: the command Find: its dialog and the walk from match to match.
 
-#include "frame/child.h"
 #include "frame/main_window.h"
-#include "frame/status_line.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
 #include "search/search.h"
 #include "search/search_internal.h"
 #include "search/search_texts.h"
+#include "shell/child.h"
+#include "shell/status_line.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 #include "store/row_table.h"
 #include "view/text_view.h"
 

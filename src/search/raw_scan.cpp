@@ -3,10 +3,10 @@
 // that place, the row has none. A match can't go over a row's end: no text that is searched for holds a line
 // end or a NUL. So only rows that may hold a match, and rows that were changed, are fetched and compared.
 
-#include "frame/child.h"
-#include "frame/status_line.h"
 #include "platform/text_stream.h"
 #include "search/search_internal.h"
+#include "shell/child.h"
+#include "shell/status_line.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
 

@@ -1,15 +1,15 @@
 // replace.cpp: the command Find and Replace: its dialog and the walk that asks at each match, or asks
 // nothing.
 
-#include "frame/child.h"
 #include "frame/main_window.h"
-#include "frame/status_line.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
 #include "platform/text.h"
 #include "search/search.h"
 #include "search/search_internal.h"
 #include "search/search_texts.h"
+#include "shell/child.h"
+#include "shell/status_line.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
 #include "view/text_view.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/views.h"
-#include "store/store_limits.h"
+#include "shell/store_limits.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,8 +2,8 @@
 
 #include "search/search_texts.h"
 
-#include "frame/boxes.h"
 #include "platform/text.h"
+#include "shell/boxes.h"
 
 namespace hexlane {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/child.h"
 #include "platform/files.h"
+#include "shell/child.h"
 #include "store/copy_buffer.h"
 #include "store/load.h"
 #include "store/replace_file.h"

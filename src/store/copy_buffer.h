@@ -2,7 +2,7 @@
 // done with it before it calls another operation of the store.
 #pragma once
 
-#include "store/store_limits.h"
+#include "shell/store_limits.h"
 
 #include <cstdint>
 

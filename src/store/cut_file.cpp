@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/child.h"
-#include "frame/directories.h"
-#include "frame/status_line.h"
 #include "platform/text.h"
 #include "platform/text_stream.h"
+#include "shell/child.h"
+#include "shell/directories.h"
+#include "shell/status_line.h"
 #include "store/row_edits.h"
 #include "store/row_record_format.h"
 #include "store/row_table.h"

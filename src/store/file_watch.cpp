@@ -1,7 +1,7 @@
 #include "store/file_watch.h"
 
-#include "frame/child.h"
 #include "platform/text_stream.h"
+#include "shell/child.h"
 
 namespace hexlane {
 

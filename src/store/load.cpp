@@ -5,11 +5,11 @@
 
 #include <cstring>
 
-#include "frame/child.h"
-#include "frame/scroll.h"
-#include "frame/status_line.h"
 #include "platform/text.h"
 #include "platform/text_stream.h"
+#include "shell/child.h"
+#include "shell/scroll.h"
+#include "shell/status_line.h"
 #include "store/file_watch.h"
 #include "store/row_edits.h"
 #include "store/row_record_format.h"

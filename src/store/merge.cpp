@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
-#include "frame/child.h"
 #include "platform/files.h"
 #include "platform/text_stream.h"
+#include "shell/child.h"
 #include "store/copy_buffer.h"
 #include "store/load.h"
 #include "store/replace_file.h"

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "frame/directories.h"
 #include "platform/text.h"
+#include "shell/directories.h"
 #include "store/temp_names.h"
 
 namespace hexlane {

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/child.h"
 #include "platform/text_stream.h"
+#include "shell/child.h"
 #include "store/copy_buffer.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
-#include "frame/child.h"
 #include "platform/files.h"
+#include "shell/child.h"
 #include "store/row_edits.h"
 #include "store/segment_rewrite.h"
 #include "store/store_fault.h"

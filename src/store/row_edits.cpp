@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/child.h"
+#include "shell/child.h"
 #include "store/segment_rewrite.h"
 #include "store/store_fault.h"
 

@@ -19,11 +19,11 @@
 #include <cstring>
 #include <iterator>
 
-#include "frame/child.h"
-#include "frame/directories.h"
-#include "frame/scroll.h"
 #include "platform/text.h"
 #include "platform/text_stream.h"
+#include "shell/child.h"
+#include "shell/directories.h"
+#include "shell/scroll.h"
 #include "store/row_edits.h"
 #include "store/row_record_format.h"
 #include "store/store_fault.h"

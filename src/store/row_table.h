@@ -17,11 +17,11 @@
 //   7. Segments that share a file lie in it in the order of the table, so that nothing that is in use stands
 //      behind the last one: the table's last segment may grow in place.
 //
-// Relies on platform/files.h, platform/text_stream.h, frame/child.h, frame/directories.h. Main thread only.
+// Relies on platform/files.h, platform/text_stream.h, shell/child.h, shell/directories.h. Main thread only.
 #pragma once
 
 #include "platform/files.h"
-#include "store/store_limits.h"
+#include "shell/store_limits.h"
 
 #include <cstddef>
 #include <cstdint>

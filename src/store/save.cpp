@@ -8,11 +8,11 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/child.h"
-#include "frame/directories.h"
-#include "frame/status_line.h"
 #include "platform/text.h"
 #include "platform/text_stream.h"
+#include "shell/child.h"
+#include "shell/directories.h"
+#include "shell/status_line.h"
 #include "store/copy_buffer.h"
 #include "store/merge.h"
 #include "store/replace_file.h"

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "frame/child.h"
-#include "frame/directories.h"
 #include "platform/text.h"
+#include "shell/child.h"
+#include "shell/directories.h"
 #include "store/copy_buffer.h"
 #include "store/row_record_format.h"
 #include "store/row_table.h"

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "platform/files.h"
-#include "store/store_limits.h"
+#include "shell/store_limits.h"
 
 #include <cstdint>
 

@@ -2,7 +2,7 @@
 
 #include "store/store_texts.h"
 
-#include "frame/boxes.h"
+#include "shell/boxes.h"
 
 namespace hexlane {
 

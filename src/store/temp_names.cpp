@@ -4,9 +4,9 @@
 
 #include <cstring>
 
-#include "frame/directories.h"
 #include "platform/process.h"
 #include "platform/text.h"
+#include "shell/directories.h"
 #include "store/row_table.h"
 
 namespace hexlane {

@@ -9,7 +9,7 @@
 //      224  2000   reserved
 #pragma once
 
-#include "frame/child.h"
+#include "shell/child.h"
 
 #include <cstdint>
 

@@ -1,8 +1,8 @@
 // color_runs_internal.h: which character of a row takes which colour: the rule without a window.
 #pragma once
 
-#include "frame/child.h"
 #include "platform/surface.h"
+#include "shell/child.h"
 
 #include <cstdint>
 

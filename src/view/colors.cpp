@@ -2,10 +2,10 @@
 
 #include "view/colors.h"
 
-#include "frame/child.h"
-#include "frame/directories.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
+#include "shell/child.h"
+#include "shell/directories.h"
 #include "store/replace_file.h"
 #include "view/color_file_format.h"
 #include "view/text_view.h"

@@ -4,12 +4,12 @@
 #include <cstring>
 #include <iterator>
 
-#include "frame/boxes.h"
-#include "frame/child.h"
-#include "frame/view_controls.h"
-#include "frame/views.h"
 #include "platform/surface.h"
 #include "platform/views.h"
+#include "shell/boxes.h"
+#include "shell/child.h"
+#include "shell/view_controls.h"
+#include "shell/views.h"
 #include "view/colors.h"
 #include "view/text_view.h"
 

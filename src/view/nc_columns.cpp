@@ -2,7 +2,7 @@
 
 #include "view/nc_columns.h"
 
-#include "frame/child.h"
+#include "shell/child.h"
 
 #include <cstring>
 

@@ -1,7 +1,7 @@
 // fuzz_columns.cpp: NC Mode's columns and the colours of a row, for any text that a row can hold.
 
-#include "frame/child.h"
 #include "fuzz_program.h"
+#include "shell/child.h"
 #include "view/color_runs_internal.h"
 #include "view/nc_columns.h"
 

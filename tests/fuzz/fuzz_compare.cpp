@@ -5,8 +5,8 @@
 #include "compare/compare.h"
 #include "compare/report.h"
 #include "compare/result_line.h"
-#include "frame/directories.h"
 #include "fuzz_program.h"
+#include "shell/directories.h"
 
 #include <algorithm>
 #include <fstream>

@@ -2,8 +2,8 @@
 // also the part behind what the editor shows; the store must give the same text at every step and the same
 // file at every save.
 
-#include "frame/child.h"
 #include "fuzz_program.h"
+#include "shell/child.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"
 

@@ -2,16 +2,16 @@
 // in the document and in the view, the ends of a block in order and in the document, and the screen must show
 // what a full repaint of the same state would show, but for what EXCEPTIONS lists.
 
-#include "frame/child.h"
+#include "edit/block.h"
+#include "edit/block_buffer.h"
 #include "frame/command_state.h"
 #include "frame/main_window.h"
 #include "fuzz_program.h"
-#include "input/block.h"
 #include "macros/macro_table.h"
 #include "platform/scripted/test_hooks.h"
 #include "platform/text.h"
 #include "search/search_internal.h"
-#include "store/block_buffer.h"
+#include "shell/child.h"
 #include "store/row_table.h"
 #include "view/colors.h"
 #include "view/text_view.h"

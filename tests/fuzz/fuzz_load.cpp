@@ -1,8 +1,8 @@
 // fuzz_load.cpp: any bytes at all are a document. Its rows are the pieces between LFs and NULs; a save
 // without an edit gives the same bytes back, but for the line end that a last row lacks.
 
-#include "frame/child.h"
 #include "fuzz_program.h"
+#include "shell/child.h"
 #include "store/row_table.h"
 
 #include <algorithm>

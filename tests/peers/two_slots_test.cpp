@@ -5,9 +5,9 @@
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
-#include "frame/child.h"
 #include "platform/console/console.h"
 #include "platform/desktop.h"
+#include "shell/child.h"
 #include "unit/serial/serial_fixture.h"
 
 #include <filesystem>

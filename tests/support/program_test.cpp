@@ -7,13 +7,13 @@
 #include <fstream>
 #include <sstream>
 
-#include "frame/child.h"
-#include "frame/directories.h"
+#include "edit/keyboard.h"
 #include "frame/program.h"
-#include "input/keyboard.h"
 #include "platform/desktop.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
+#include "shell/child.h"
+#include "shell/directories.h"
 #include "store/row_table.h"
 
 namespace hexlane {

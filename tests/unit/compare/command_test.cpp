@@ -7,11 +7,11 @@
 
 #include "compare/compare.h"
 #include "dnc/transfer_state.h"
-#include "frame/child.h"
-#include "frame/directories.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/message_queue.h"
 #include "platform/scripted/test_hooks.h"
+#include "shell/child.h"
+#include "shell/directories.h"
 #include "support/program_test.h"
 
 namespace hexlane {

@@ -7,10 +7,10 @@
 
 #include "compare/compare.h"
 #include "compare/compare_record_format.h"
-#include "frame/directories.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/message_queue.h"
 #include "platform/scripted/test_hooks.h"
+#include "shell/directories.h"
 #include "support/compare_model.h"
 #include "support/program_test.h"
 

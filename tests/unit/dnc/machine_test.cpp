@@ -7,7 +7,7 @@
 #include "dnc/machine_fields.h"
 #include "dnc/machine_presets.h"
 #include "dnc/machine_table.h"
-#include "frame/directories.h"
+#include "shell/directories.h"
 #include "support/program_test.h"
 
 namespace hexlane {

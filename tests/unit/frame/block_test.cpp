@@ -1,11 +1,11 @@
 // Blocks in the whole program: what shows them, what ends them, and the menu beside them.
 
-#include "frame/child.h"
+#include "edit/block.h"
 #include "frame/commands.h"
-#include "input/block.h"
 #include "platform/messages.h"
 #include "platform/scripted/person.h"
 #include "platform/scripted/test_hooks.h"
+#include "shell/child.h"
 #include "support/program_test.h"
 
 namespace hexlane {

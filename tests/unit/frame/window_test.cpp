@@ -2,11 +2,11 @@
 
 #include "frame/main_window.h"
 
-#include "frame/child.h"
+#include "edit/block.h"
 #include "frame/command_state.h"
 #include "frame/commands.h"
-#include "input/block.h"
 #include "platform/scripted/test_hooks.h"
+#include "shell/child.h"
 #include "support/program_test.h"
 
 namespace hexlane {

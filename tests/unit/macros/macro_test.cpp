@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "frame/child.h"
+#include "edit/held_keys.h"
+#include "edit/keyboard.h"
 #include "frame/command_state.h"
-#include "input/held_keys.h"
-#include "input/keyboard.h"
 #include "macros/macro_table.h"
 #include "macros/recording.h"
 #include "platform/keys.h"
 #include "platform/messages.h"
 #include "platform/scripted/person.h"
 #include "platform/scripted/test_hooks.h"
+#include "shell/child.h"
 #include "store/row_table.h"
 #include "support/program_test.h"
 

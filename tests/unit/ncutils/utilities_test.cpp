@@ -1,11 +1,11 @@
 // The utilities as commands over a document: which rows they take, what they leave, what they tell.
 
-#include "frame/child.h"
-#include "input/block.h"
+#include "edit/block.h"
 #include "ncutils/utilities.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
 #include "search/search_internal.h"
+#include "shell/child.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"
 #include "store/save.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/child.h"
 #include "platform/scripted/test_hooks.h"
 #include "search/search_internal.h"
+#include "shell/child.h"
 #include "store/row_table.h"
 #include "support/program_test.h"
 

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <random>
 
-#include "frame/child.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
 #include "search/search_internal.h"
+#include "shell/child.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"
 #include "store/save.h"

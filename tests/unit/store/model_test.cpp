@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <random>
 
-#include "frame/status_line.h"
-#include "input/block.h"
+#include "edit/block.h"
 #include "ncutils/line_numbers.h"
 #include "ncutils/utilities.h"
 #include "platform/scripted/test_hooks.h"
 #include "search/search_internal.h"
+#include "shell/status_line.h"
 #include "store/row_edits.h"
 #include "unit/store/store_fixture.h"
 

@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "input/keyboard.h"
+#include "edit/keyboard.h"
 #include "platform/scripted/test_hooks.h"
 #include "store/row_edits.h"
 #include "unit/store/store_fixture.h"

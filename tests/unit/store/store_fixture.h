@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <string>
 
-#include "frame/child.h"
-#include "frame/directories.h"
+#include "shell/child.h"
+#include "shell/directories.h"
 #include "store/row_record_format.h"
 #include "store/row_table.h"
 #include "support/program_test.h"

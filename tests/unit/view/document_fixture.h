@@ -2,13 +2,13 @@
 // screen and press keys. Folder and files are the test's own.
 #pragma once
 
-#include "frame/child.h"
-#include "frame/directories.h"
+#include "edit/block.h"
+#include "edit/keyboard.h"
 #include "frame/main_window.h"
-#include "input/block.h"
-#include "input/keyboard.h"
 #include "platform/scripted/test_hooks.h"
 #include "platform/text.h"
+#include "shell/child.h"
+#include "shell/directories.h"
 #include "store/load.h"
 #include "store/row_table.h"
 

@@ -1,6 +1,6 @@
 // NC Mode's columns, without a window.
 
-#include "frame/child.h"
+#include "shell/child.h"
 #include "view/nc_columns.h"
 
 #include <gtest/gtest.h>

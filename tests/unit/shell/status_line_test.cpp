@@ -1,0 +1,103 @@
+// What the status line's fields say.
+
+#include "shell/status_line.h"
+
+#include "platform/scripted/test_hooks.h"
+#include "shell/child.h"
+#include "support/program_test.h"
+
+namespace hexlane {
+namespace {
+
+using namespace platform;
+
+constexpr int MESSAGE = 101;
+constexpr int FILE_NAME = 102;
+constexpr int MARK = 103;
+constexpr int COLUMN = 104;
+constexpr int ROW = 105;
+constexpr int ICON = 106;
+
+class StatusLineTest : public ProgramTest {
+protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        start();
+    }
+
+    static std::string shown_title(const std::string& title) {
+        copy_text(child[0].file_title, PATH_SIZE, title.c_str());
+        show_file_name();
+        return status_text(FILE_NAME);
+    }
+
+    static std::string times(int count, const std::string& text) {
+        std::string all;
+        for (int i = 0; i < count; i++)
+            all += text;
+        return all;
+    }
+};
+
+TEST_F(StatusLineTest, TitlesOfFortyCharactersAreCut) {
+    const std::string umlaut = "\xC3\xA4";
+    const std::string clef = "\xF0\x9D\x84\x9E";
+    EXPECT_EQ(shown_title(times(39, "a")), times(39, "a"));
+    EXPECT_EQ(shown_title(times(40, "a")), times(37, "a") + "..");
+    EXPECT_EQ(shown_title(times(255, "a")), times(37, "a") + "..");
+    EXPECT_EQ(shown_title(times(39, umlaut)), times(39, umlaut));
+    EXPECT_EQ(shown_title(times(40, umlaut)), times(37, umlaut) + "..");
+    EXPECT_EQ(shown_title(times(64, clef)), times(37, clef) + "..");
+    EXPECT_EQ(shown_title(""), times(45, " "));
+}
+
+TEST_F(StatusLineTest, RowAndColumnCountFromOne) {
+    struct Case {
+        int32_t row;
+        int32_t col;
+        const char* shown_row;
+        const char* shown_col;
+    };
+    const Case cases[] = {{0, 0, "1", "1"}, {-5, 250, "1", "251"}, {999999998, 9, "999999999", "10"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.shown_row);
+        child[0].current_row = c.row;
+        child[0].caret_col = c.col;
+        show_position();
+        EXPECT_EQ(status_text(ROW), c.shown_row);
+        EXPECT_EQ(status_text(COLUMN), c.shown_col);
+        EXPECT_GE(child[0].current_row, 0);
+    }
+    child[0].current_row = 0;
+    show_row_count(-1);
+    EXPECT_EQ(status_text(ROW), "0");
+    EXPECT_EQ(status_text(COLUMN), "10");
+}
+
+TEST_F(StatusLineTest, MessagesGoByTheirNumberAndOthersChangeNothing) {
+    show_status(STATUS_EDIT_MODE);
+    for (const int without_text : {-1, 0, 3, 16, 20, 22, 1000}) {
+        show_status(without_text);
+        EXPECT_EQ(status_text(MESSAGE), "Edit Mode...") << without_text;
+    }
+    show_status(STATUS_BLANK);
+    EXPECT_EQ(status_text(MESSAGE), times(30, " "));
+    child[0].overwrite_mode = 1;
+    show_position();
+    EXPECT_EQ(status_text(MARK), " OVR");
+    child[0].overwrite_mode = 0;
+    show_position();
+    EXPECT_EQ(status_text(MARK), "    ");
+    EXPECT_EQ(status_text(MESSAGE), times(30, " "));
+}
+
+TEST_F(StatusLineTest, TheIconIsHiddenUntilATransferShowsIt) {
+    EXPECT_FALSE(status_shown(ICON));
+    show_activity_icon(true);
+    EXPECT_TRUE(status_shown(ICON));
+    show_activity_icon(false);
+    EXPECT_FALSE(status_shown(ICON));
+}
+
+}  // namespace
+}  // namespace hexlane
