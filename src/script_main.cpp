@@ -3,12 +3,12 @@
 // the desktop in memory. It also prints what only the program's own records know: the lines `state` and
 // `rows`.
 
-#include "edit/block.h"
-#include "edit/block_buffer.h"
+#include "edit/block_commands.h"
 #include "frame/program.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/record.h"
 #include "platform/scripted/script.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/directories.h"
 #include "store/row_table.h"

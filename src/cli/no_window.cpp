@@ -1,8 +1,8 @@
 // no_window.cpp: what the core's boxes and rows ask of the main window, in a program that has none. These
 // stand in the place of the frame's own, which would bring the whole window with them.
 
-#include "frame/main_window.h"
 #include "platform/surface.h"
+#include "shell/window.h"
 
 namespace hexlane {
 

@@ -13,7 +13,7 @@
 #include "platform/text.h"
 #include "print/print_engine.h"
 #include "shell/directories.h"
-#include "store/temp_names.h"
+#include "shell/temp_names.h"
 
 namespace hexlane {
 

@@ -5,13 +5,13 @@
 
 #include "edit/drag_internal.h"
 
-#include "edit/block.h"
 #include "edit/editing_internal.h"
 #include "edit/mouse.h"
 #include "edit/selection_internal.h"
-#include "frame/main_window.h"
 #include "platform/desktop.h"
+#include "shell/block.h"
 #include "shell/child.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/text_view.h"
 

@@ -2,11 +2,11 @@
 
 #include "edit/editing_internal.h"
 
-#include "frame/main_window.h"
 #include "platform/desktop.h"
 #include "platform/keys.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
+#include "shell/window.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"

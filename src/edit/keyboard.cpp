@@ -3,14 +3,15 @@
 
 #include "edit/keyboard.h"
 
-#include "edit/block.h"
+#include "edit/block_commands.h"
 #include "edit/editing_internal.h"
 #include "edit/held_keys.h"
 #include "edit/selection_internal.h"
-#include "frame/main_window.h"
 #include "platform/desktop.h"
 #include "platform/keys.h"
+#include "shell/block.h"
 #include "shell/child.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/nc_columns.h"
 #include "view/text_view.h"

@@ -19,6 +19,10 @@ void handle_char(int code, int repeat);
 // end row. Whoever wants to know clears it first.
 extern bool caret_past_end;
 
+// Brings a caret that a deletion or an Enter would leave behind the last row back to it, on its screen row,
+// and notes that in caret_past_end.
+void hold_caret_in_document();
+
 // A window procedure's rule: a key down with a block on show first deletes the block, unless it is one of
 // these: Shift, Ctrl, Esc, Page Up to Down, the function keys.
 bool key_keeps_block(int key);

@@ -2,12 +2,13 @@
 
 #include "edit/mouse.h"
 
-#include "edit/block.h"
+#include "edit/block_commands.h"
 #include "edit/drag_internal.h"
 #include "edit/editing_internal.h"
-#include "frame/main_window.h"
 #include "platform/messages.h"
+#include "shell/block.h"
 #include "shell/child.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/text_view.h"
 

@@ -6,10 +6,11 @@
 
 #include "edit/selection_internal.h"
 
+#include "edit/block_commands.h"
 #include "edit/editing_internal.h"
-#include "frame/main_window.h"
 #include "shell/child.h"
 #include "shell/scroll.h"
+#include "shell/window.h"
 #include "view/text_view.h"
 
 namespace hexlane {

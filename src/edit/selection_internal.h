@@ -5,7 +5,7 @@
 // the drag.
 #pragma once
 
-#include "edit/block.h"
+#include "shell/block.h"
 
 namespace hexlane {
 

@@ -1,14 +1,15 @@
 // typing.cpp: the characters that edit: text, Tab, Enter, Backspace, Esc, and the Delete that Backspace ends
 // in.
 
-#include "edit/block.h"
+#include "edit/block_commands.h"
 #include "edit/editing_internal.h"
 #include "edit/held_keys.h"
 #include "edit/keyboard.h"
-#include "frame/main_window.h"
 #include "platform/desktop.h"
 #include "platform/keys.h"
+#include "shell/block.h"
 #include "shell/child.h"
+#include "shell/window.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"
 #include "view/nc_columns.h"
@@ -243,6 +244,11 @@ void handle_char(int code, int repeat) {
     const CharacterRule* rule = rule_of_character(code, held_key(VK_CONTROL));
     while (repeat-- > 0 && act_on_character(*rule, code)) {
     }
+}
+
+void hold_caret_in_document() {
+    if (bound_caret())
+        caret_past_end = true;
 }
 
 }  // namespace hexlane

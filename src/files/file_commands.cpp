@@ -6,19 +6,18 @@
 #include <cstring>
 
 #include "dnc/transfer_state.h"
-#include "edit/block.h"
-#include "edit/block_buffer.h"
+#include "edit/block_commands.h"
 #include "files/file_guard.h"
 #include "files/file_questions.h"
 #include "files/files_texts.h"
-#include "frame/command_state.h"
-#include "frame/main_window.h"
 #include "platform/files.h"
 #include "platform/instance.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/directories.h"
 #include "shell/scroll.h"
 #include "shell/status_line.h"
+#include "shell/window.h"
 #include "store/file_watch.h"
 #include "store/load.h"
 #include "store/merge.h"
@@ -72,7 +71,7 @@ void show_document() {
         show_status(STATUS_EDIT_MODE);
     else
         show_position();
-    update_menus(child[0].main_window);
+    update_menus();
 }
 
 // Loads file_path after a save or a merge: rows are numbered as before, so the caret keeps its place.
@@ -108,7 +107,7 @@ void open_file(const char* path, const char* title) {
     child[0].vscroll_pos = 0;
     child[0].hscroll_pos = 0;
     child[0].mouse_pressed = 0;
-    update_menus(child[0].main_window);
+    update_menus();
     clear_block_records();
 }
 
@@ -136,7 +135,7 @@ int ask_free_name(FileDialog* dialog) {
     while (ask_save_name(dialog)) {
         if (!is_active_file(dialog->path))
             return 1;
-        show_frame_box(FrameBox::SAVE_ACTIVE_FILE);
+        show_files_box(FilesBox::SAVE_ACTIVE_FILE);
     }
     return 0;
 }
@@ -209,7 +208,7 @@ void show_closed() {
     show_position();
     set_caret_visible(true);
     repaint_now();
-    update_menus(child[0].main_window);
+    update_menus();
 }
 
 // A document that was changed, or whose file was replaced, is written first, so that the splice point is a
@@ -243,17 +242,17 @@ bool take_requested_file() {
     note_named_file(requested_file);
     if (!is_active_file(requested_file))
         return true;
-    show_frame_box(FrameBox::OPEN_ACTIVE_FILE);
+    show_files_box(FilesBox::OPEN_ACTIVE_FILE);
     requested_file[0] = '\0';
     return false;
 }
 
 // A name to open that is no file of a port; `refusal` tells of one that is.
-int ask_quiet_file(FileDialog* dialog, FrameBox refusal) {
+int ask_quiet_file(FileDialog* dialog, FilesBox refusal) {
     while (ask_open_name(dialog)) {
         if (!is_active_file(dialog->path))
             return 1;
-        show_frame_box(refusal);
+        show_files_box(refusal);
     }
     return 0;
 }
@@ -279,7 +278,7 @@ void command_open() {
         return;
     }
     FileDialog dialog;
-    if (ask_quiet_file(&dialog, FrameBox::OPEN_ACTIVE_FILE))
+    if (ask_quiet_file(&dialog, FilesBox::OPEN_ACTIVE_FILE))
         open_file(dialog.path, dialog.file_title);
     else if (needs_load)
         load_again();
@@ -303,7 +302,7 @@ int save_and_reload() {
     repaint_now();
     show_file_name();
     show_position();
-    update_menus(child[0].main_window);
+    update_menus();
     return 1;
 }
 
@@ -316,7 +315,7 @@ int reload_document() {
 
 void command_save() {
     if (!child[0].modified) {
-        update_menus(child[0].main_window);
+        update_menus();
         return;
     }
     const GuardAnswer answer = guard_save();
@@ -331,10 +330,10 @@ void command_save_as() {
 }
 
 void command_merge() {
-    if (show_frame_box(FrameBox::MERGE_QUESTION) != 0)
+    if (show_files_box(FilesBox::MERGE_QUESTION) != 0)
         return;
     FileDialog dialog;
-    if (!ask_quiet_file(&dialog, FrameBox::MERGE_ACTIVE_FILE))
+    if (!ask_quiet_file(&dialog, FilesBox::MERGE_ACTIVE_FILE))
         return;
     const GuardAnswer answer = guard_save();
     if (answer == GuardAnswer::SAVE_AS)
@@ -343,9 +342,9 @@ void command_merge() {
         return;
     copy_text(child[0].merge_path, PATH_SIZE, dialog.path);
     if (same_path(child[0].merge_path, child[0].file_path)) {
-        show_frame_box(FrameBox::MERGE_WITH_ITSELF);
+        show_files_box(FilesBox::MERGE_WITH_ITSELF);
         repaint_now();
-        update_menus(child[0].main_window);  // the pending save has ended what was cut
+        update_menus();  // the pending save has ended what was cut
         return;
     }
     const PointerShape pointer = begin_wait();
@@ -360,7 +359,7 @@ void command_merge() {
         show_status(STATUS_BLANK);
     }
     repaint_now();
-    update_menus(child[0].main_window);
+    update_menus();
 }
 
 void take_handovers() {
@@ -371,7 +370,7 @@ void take_handovers() {
         if (write_name_file(path))
             send_message(child[0].main_window, OPEN_REQUEST_MESSAGE, 0, 0);
         else
-            show_frame_box(FrameBox::NAME_NOT_WRITTEN, path, file_error_text(last_file_error()));
+            show_files_box(FilesBox::NAME_NOT_WRITTEN, path, file_error_text(last_file_error()));
     }
 }
 

@@ -12,24 +12,24 @@ namespace {
 bool overwrite_agreed = false;  // for the state of the file that was reported last
 
 // Offers to load the file as it is now; the edits go.
-void offer_reload(FrameBox box) {
+void offer_reload(FilesBox box) {
     mark_change_told();
     overwrite_agreed = false;
-    if (show_frame_box(box, child[0].file_path) == 0)
+    if (show_files_box(box, child[0].file_path) == 0)
         reload_document();
 }
 
 // Overwrite, Save As or Cancel for a file that has been replaced or is gone.
 GuardAnswer ask_overwrite(FileChange change) {
     mark_change_told();
-    const FrameBox box = change == FileChange::REMOVED ? FrameBox::REMOVED : FrameBox::REPLACED_MODIFIED;
-    const int answer = show_frame_box(box, child[0].file_path);
+    const FilesBox box = change == FileChange::REMOVED ? FilesBox::REMOVED : FilesBox::REPLACED_MODIFIED;
+    const int answer = show_files_box(box, child[0].file_path);
     overwrite_agreed = answer == 0;
     return answer == 0 ? GuardAnswer::WRITE : answer == 1 ? GuardAnswer::SAVE_AS : GuardAnswer::STOP;
 }
 
-FrameBox in_place_box() {
-    return child[0].modified ? FrameBox::IN_PLACE_MODIFIED : FrameBox::IN_PLACE_UNMODIFIED;
+FilesBox in_place_box() {
+    return child[0].modified ? FilesBox::IN_PLACE_MODIFIED : FilesBox::IN_PLACE_UNMODIFIED;
 }
 
 }  // namespace
@@ -66,7 +66,7 @@ void check_active_file() {
         return;
     }
     if (change == FileChange::REPLACED && !child[0].modified) {
-        offer_reload(FrameBox::REPLACED_UNMODIFIED);
+        offer_reload(FilesBox::REPLACED_UNMODIFIED);
         return;
     }
     const GuardAnswer answer = ask_overwrite(change);

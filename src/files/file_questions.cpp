@@ -2,10 +2,10 @@
 
 #include <cstring>
 
+#include "files/file_filter.h"
 #include "files/files_texts.h"
-#include "frame/command_state.h"
-#include "frame/main_window.h"
 #include "shell/child.h"
+#include "shell/window.h"
 
 namespace hexlane {
 
@@ -40,7 +40,7 @@ int run_dialog(FileDialog* dialog, const char* title, int (*choose)(FileDialog*)
 }  // namespace
 
 SaveAnswer ask_save() {
-    switch (show_frame_box(FrameBox::SAVE_CHANGES, child[0].file_path)) {
+    switch (show_files_box(FilesBox::SAVE_CHANGES, child[0].file_path)) {
     case 0:
         return SaveAnswer::YES;
     case 1:

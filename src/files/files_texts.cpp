@@ -1,4 +1,4 @@
-// frame_texts.cpp: the table behind show_frame_box, in the order of FrameBox.
+// files_texts.cpp: the table behind show_files_box, in the order of FilesBox.
 
 #include "files/files_texts.h"
 
@@ -16,16 +16,14 @@ namespace {
 constexpr const char* BUTTONS_OVERWRITE = "Overwrite|Save As|Cancel";
 constexpr const char* BUTTONS_RELOAD = "Reload|Cancel";
 
-constexpr BoxText FRAME_BOXES[] = {
+constexpr BoxText FILES_BOXES[] = {
     {"Save current changes? %s", "EditFile", BoxIcon::EXCLAMATION, BUTTONS_YES_NO_CANCEL},
     {"The Merge function will save any pending changes and the merged file will be become a permanent part "
      "of this "
      "file.  Do you want to continue?",
      "Merge File", BoxIcon::QUESTION, BUTTONS_YES_NO},
     {"Cannot merge file with itself.", "Merge Error", BoxIcon::STOP, BUTTONS_OK},
-    {"Unable to display view", "System Error", BoxIcon::STOP, BUTTONS_OK},
     {"You cannot open an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
-    {"You cannot compare with an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
 
     {"Another program has replaced %s since it was opened.\n\nOverwrite puts the document in the editor in "
      "its "
@@ -53,17 +51,14 @@ constexpr BoxText FRAME_BOXES[] = {
      BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"%s not opened\n\nIts name could not be written into newnm.fil in the program's folder: %s.",
      "Access Denied", BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"The program's folder cannot be used: %s\n\nIt does not exist, may not be made, or its path is too "
-     "long.",
-     "System Error", BoxIcon::STOP, BUTTONS_OK},
     {"You cannot merge an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
     {"You cannot save over an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
 };
 
 }  // namespace
 
-int show_frame_box(FrameBox box, const char* first, const char* second) {
-    return show_box(FRAME_BOXES[static_cast<int>(box)], first, second);
+int show_files_box(FilesBox box, const char* first, const char* second) {
+    return show_box(FILES_BOXES[static_cast<int>(box)], first, second);
 }
 
 }  // namespace hexlane

@@ -1,16 +1,14 @@
-// frame_texts.h: every message box of the frame. A new one is a line here and in the table.
+// files_texts.h: every message box of this folder. A new one is a line here and in the table.
 #pragma once
 
 namespace hexlane {
 
-enum class FrameBox {
+enum class FilesBox {
     // Told texts.
     SAVE_CHANGES,  // file
     MERGE_QUESTION,
     MERGE_WITH_ITSELF,
-    VIEW_FAILED,
     OPEN_ACTIVE_FILE,
-    COMPARE_ACTIVE_FILE,
     // Our own: the active file was changed by another program.
     REPLACED_MODIFIED,    // file; Overwrite, Save As, Cancel
     REMOVED,              // file; Overwrite, Save As, Cancel
@@ -19,12 +17,11 @@ enum class FrameBox {
     IN_PLACE_UNMODIFIED,  // file; Reload, Cancel
     NOT_OPENED,           // file, reason
     NAME_NOT_WRITTEN,     // file, reason
-    NO_HOME,              // folder
     MERGE_ACTIVE_FILE,
     SAVE_ACTIVE_FILE,
 };
 
 // Shows a box and gives the index of the button pressed.
-int show_frame_box(FrameBox box, const char* first = "", const char* second = "");
+int show_files_box(FilesBox box, const char* first = "", const char* second = "");
 
 }  // namespace hexlane

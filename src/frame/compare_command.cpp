@@ -5,11 +5,11 @@
 #include "dnc/transfer_state.h"
 #include "files/file_guard.h"
 #include "files/file_questions.h"
-#include "files/files_texts.h"
-#include "frame/main_window.h"
+#include "frame/frame_texts.h"
 #include "platform/files.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
+#include "shell/window.h"
 #include "store/file_watch.h"
 #include "store/save.h"
 

@@ -6,22 +6,25 @@
 
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
-#include "edit/block.h"
+#include "edit/block_commands.h"
 #include "edit/held_keys.h"
 #include "edit/keyboard.h"
 #include "edit/mouse.h"
 #include "files/file_commands.h"
 #include "files/file_guard.h"
-#include "frame/command_state.h"
 #include "frame/commands.h"
+#include "frame/menus.h"
 #include "frame/transfer_watch.h"
 #include "macros/macro_table.h"
 #include "macros/recording.h"
 #include "platform/surface.h"
 #include "platform/views.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/scroll.h"
 #include "shell/status_line.h"
+#include "shell/ui_timer.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
 #include "view/text_view.h"
@@ -31,8 +34,6 @@ namespace hexlane {
 using namespace platform;
 
 namespace {
-
-bool caret_shown = false;  // what set_caret_visible did last
 
 // Commands, boxes and questions that are running, one inside the other. Files handed over by second starts
 // wait until the outermost is done: they must not change the document under a command that is asking about
@@ -123,7 +124,7 @@ int64_t on_paint(WindowHandle window, int64_t, int64_t) {
     if (!child[0].file_open) {
         set_scroll_bar(window);
         blank_client(window);
-        update_menus(window);
+        update_menus();
         return 0;
     }
     commit_pending();
@@ -153,11 +154,11 @@ int64_t on_key_down(WindowHandle window, int64_t first, int64_t second) {
     return 0;
 }
 
-int64_t on_key_up(WindowHandle window, int64_t first, int64_t second) {
+int64_t on_key_up(WindowHandle, int64_t first, int64_t second) {
     if (!child[0].file_open)
         return 0;
     record_event(WM_KEYUP, first, second);
-    update_menus(window);
+    update_menus();
     return 0;
 }
 
@@ -285,14 +286,19 @@ int64_t on_mouse_move(WindowHandle, int64_t first, int64_t second) {
 
 // A release outside of the client area is recorded as any other: a press without one would hold the button
 // for the rest of a pass.
-int64_t on_mouse_up(WindowHandle window, int64_t first, int64_t second) {
+int64_t on_mouse_up(WindowHandle, int64_t first, int64_t second) {
     if (!child[0].file_open)
         return 0;
     record_event(WM_LBUTTONUP, first, second);
     handle_mouse_up(signed_low(second), signed_high(second));
     use_timer(UI_TIMER_SLOW);
     release_capture();
-    update_menus(window);
+    update_menus();
+    return 0;
+}
+
+int64_t on_menus(WindowHandle, int64_t, int64_t) {
+    work_out_menus();
     return 0;
 }
 
@@ -328,10 +334,8 @@ constexpr MessageEntry MESSAGES[] = {
     {HANDOVER_MESSAGE, on_handover},
     {STORE_FAULT_MESSAGE, on_store_fault},
     {FILE_CHECK_MESSAGE, on_file_check},
+    {MENUS_MESSAGE, on_menus},
 };
-
-constexpr char BLANKS[] = "                                                                                "
-                          "                                                                                ";
 
 }  // namespace
 
@@ -341,56 +345,6 @@ int64_t main_window_proc(WindowHandle window, uint32_t message, int64_t first, i
             return entry.handle(window, first, second);
     }
     return 0;
-}
-
-void set_caret_visible(bool visible) {
-    visible = visible && !child[0].block_active;
-    if (visible == caret_shown)
-        return;
-    caret_shown = visible;
-    if (visible)
-        show_caret(child[0].main_window);
-    else
-        hide_caret(child[0].main_window);
-}
-
-void place_caret_now() {
-    place_caret(child[0].main_window, child[0].caret_col * child[0].char_width,
-                child[0].caret_row * child[0].char_height);
-}
-
-bool bound_caret() {
-    const int32_t excess = child[0].current_row - child[0].last_file_row;
-    if (excess <= 0)
-        return false;
-    child[0].current_row = child[0].last_file_row;
-    child[0].caret_row = std::max(child[0].caret_row - excess, 0);
-    return true;
-}
-
-void hold_caret_in_document() {
-    if (bound_caret())
-        caret_past_end = true;
-}
-
-void repaint_now() {
-    send_message(child[0].main_window, WM_PAINT, 0, 0);
-}
-
-PointerShape begin_wait() {
-    return set_pointer_shape(PointerShape::WAIT);
-}
-
-void end_wait(PointerShape pointer) {
-    set_pointer_shape(pointer);
-}
-
-void blank_client(WindowHandle window) {
-    constexpr int32_t BLANK_COUNT = sizeof BLANKS - 1;
-    for (int32_t row = 0; row <= child[0].window_rows; row++)
-        for (int32_t col = 0; col < child[0].window_cols; col += BLANK_COUNT)
-            draw_text(window, col * child[0].char_width, row * child[0].char_height, BLANKS,
-                      std::min(child[0].window_cols - col, BLANK_COUNT), BLACK, WHITE);
 }
 
 }  // namespace hexlane

@@ -9,13 +9,12 @@
 #include "dnc/port_engine.h"
 #include "dnc/transfer_log.h"
 #include "dnc/transfer_state.h"
-#include "edit/block.h"
-#include "edit/block_buffer.h"
+#include "edit/block_commands.h"
 #include "files/file_commands.h"
 #include "files/file_questions.h"
 #include "files/files_texts.h"
-#include "frame/command_state.h"
 #include "frame/commands.h"
+#include "frame/frame_texts.h"
 #include "frame/main_window.h"
 #include "frame/transfer_watch.h"
 #include "macros/macro_table.h"
@@ -24,9 +23,11 @@
 #include "platform/instance.h"
 #include "platform/process.h"
 #include "search/search.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/directories.h"
 #include "shell/status_line.h"
+#include "shell/window.h"
 #include "store/merge.h"
 #include "store/row_table.h"
 #include "view/colors.h"
@@ -96,7 +97,7 @@ void set_up_state() {
     block_clear();
     reset_store();
     reset_search();
-    update_menus(child[0].main_window);
+    update_menus();
     create_directories();
     load_colors();
     merge_backup.merge_backup_active = 0;
@@ -125,7 +126,7 @@ void show_program() {
 // A named file that does not exist is not made here, and nothing is said about it.
 void open_first_file() {
     if (refused_name != nullptr)
-        show_frame_box(FrameBox::NOT_OPENED, refused_name, file_error_text(FileError::NAME_TOO_LONG));
+        show_files_box(FilesBox::NOT_OPENED, refused_name, file_error_text(FileError::NAME_TOO_LONG));
     if (requested_file[0] != '\0' && path_kind(requested_file) != PathKind::NONE) {
         send_message(child[0].main_window, WM_COMMAND, COMMAND_OPEN, 0);
     }

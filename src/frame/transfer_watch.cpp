@@ -4,12 +4,13 @@
 #include "dnc/machine_table.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
-#include "frame/command_state.h"
 #include "frame/commands.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
+#include "shell/ui_timer.h"
+#include "shell/window.h"
 
 namespace hexlane {
 
@@ -36,7 +37,7 @@ void watch_transfers() {
     } else if (!slot_is_busy(0) && !slot_is_busy(1)) {
         stop_ui_timer();
         show_activity_icon(false);
-        update_menus(child[0].main_window);  // Send This works again
+        update_menus();  // Send This works again
     }
 }
 

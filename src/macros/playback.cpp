@@ -4,8 +4,6 @@
 
 #include "edit/held_keys.h"
 #include "edit/keyboard.h"
-#include "frame/command_state.h"
-#include "frame/main_window.h"
 #include "macros/macro_list.h"
 #include "macros/macro_table.h"
 #include "macros/macro_texts.h"
@@ -15,6 +13,7 @@
 #include "shell/child.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
 
@@ -195,7 +194,7 @@ int64_t play_proc(WindowHandle window, uint32_t message, int64_t first, int64_t 
     }
     if (control == DELETE_BUTTON) {
         if (ask_to_delete_macro(window) && macros.count == 0) {
-            update_menus(child[0].main_window);
+            update_menus();
             view_end(window, 0);
         }
         return 0;

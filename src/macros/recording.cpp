@@ -2,7 +2,6 @@
 
 #include "macros/recording.h"
 
-#include "frame/command_state.h"
 #include "macros/macro_list.h"
 #include "macros/macro_table.h"
 #include "macros/macro_texts.h"
@@ -12,6 +11,7 @@
 #include "shell/status_line.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 
 #include <cstring>
 
@@ -124,7 +124,7 @@ void record_event(uint32_t message, int64_t first, int64_t second) {
 
 void command_record_macro() {
     show_view(&RECORD_VIEW, record_proc);
-    update_menus(child[0].main_window);
+    update_menus();
 }
 
 void command_end_record() {
@@ -137,7 +137,7 @@ void command_end_record() {
     macros.recording = false;
     if (!written)
         scan_macros();  // a new macro that has no file is none
-    update_menus(child[0].main_window);
+    update_menus();
     if (!written)
         show_macro_box(MacroBox::NOT_STORED, path, file_error_text(reason));
 }

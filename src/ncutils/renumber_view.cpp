@@ -2,12 +2,12 @@
 
 #include <iterator>
 
-#include "frame/main_window.h"
 #include "ncutils/nc_commands.h"
 #include "ncutils/ncutils_texts.h"
 #include "ncutils/utilities.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 
 namespace hexlane {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "edit/block.h"
 #include "ncutils/ncutils_texts.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
 #include "store/row_table.h"

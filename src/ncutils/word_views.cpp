@@ -4,13 +4,13 @@
 #include <array>
 #include <cstring>
 
-#include "frame/main_window.h"
 #include "ncutils/nc_commands.h"
 #include "ncutils/utilities.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 
 namespace hexlane {
 

@@ -2,15 +2,15 @@
 
 #include <iterator>
 
-#include "edit/block.h"
-#include "frame/main_window.h"
 #include "platform/desktop.h"
 #include "platform/printing.h"
 #include "print/listing.h"
 #include "print/print_texts.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/nc_columns.h"
 

@@ -1,6 +1,5 @@
 // find.cpp: the command Find: its dialog and the walk from match to match.
 
-#include "frame/main_window.h"
 #include "search/search.h"
 #include "search/search_internal.h"
 #include "search/search_texts.h"
@@ -8,6 +7,7 @@
 #include "shell/status_line.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/text_view.h"
 

@@ -1,16 +1,17 @@
 // move_to.cpp: the commands that bring a row to the top of the view: by its place in the document, or by the
 // N word that it begins with.
 
-#include "edit/block.h"
-#include "frame/main_window.h"
+#include "edit/block_commands.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
 #include "search/search.h"
 #include "search/search_internal.h"
 #include "search/search_texts.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/text_view.h"
 

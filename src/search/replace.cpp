@@ -1,7 +1,6 @@
 // replace.cpp: the command Find and Replace: its dialog and the walk that asks at each match, or asks
 // nothing.
 
-#include "frame/main_window.h"
 #include "platform/text.h"
 #include "search/search.h"
 #include "search/search_internal.h"
@@ -10,6 +9,7 @@
 #include "shell/status_line.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
 #include "view/text_view.h"

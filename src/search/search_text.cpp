@@ -1,12 +1,12 @@
 // search_text.cpp: when a text in a row matches, and showing a match.
 
-#include "frame/main_window.h"
 #include "platform/text.h"
 #include "search/search.h"
 #include "search/search_internal.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/nc_columns.h"
 #include "view/text_view.h"

@@ -1,7 +1,7 @@
 #include "shell/boxes.h"
 
-#include "frame/main_window.h"
 #include "platform/text.h"
+#include "shell/window.h"
 
 namespace hexlane {
 

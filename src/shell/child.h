@@ -39,7 +39,7 @@ struct Child {
     int32_t window_rows;    // highest screen row of the text area, at least 1: rows 0 to window_rows show
     int32_t caret_col;      // display column of the caret, from 0
     int32_t caret_row;      // screen row of the caret; the view's top row is current_row - caret_row
-    int16_t block_active;   // a block is on show (edit/block.h)
+    int16_t block_active;   // a block is on show (shell/block.h)
     int16_t overwrite_mode;
     int32_t vscroll_pos;
     int32_t hscroll_pos;

@@ -6,7 +6,7 @@
 #include "platform/files.h"
 #include "platform/process.h"
 #include "shell/child.h"
-#include "store/temp_names.h"
+#include "shell/temp_names.h"
 
 namespace hexlane {
 

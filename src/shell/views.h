@@ -9,7 +9,4 @@ namespace hexlane {
 // "Unable to display view".
 int show_view(const platform::ViewSpec* spec, platform::WindowProcedure procedure);
 
-// The view IDD_ABOUT.
-void show_about();
-
 }  // namespace hexlane

@@ -5,12 +5,13 @@
 #include "dnc/port_engine.h"
 #include "dnc/transfer_log.h"
 #include "dnc/transfer_state.h"
-#include "frame/command_state.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
 #include "shell/child.h"
+#include "shell/ui_timer.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "station/activity.h"
 
 #include <array>
@@ -277,7 +278,7 @@ void command_activity() {
     tell_cut_receives();
     show_view(&ACTIVITY_VIEW, activity_proc);
     set_ui_timer(UI_TIMER_SLOW);
-    update_menus(child[0].main_window);
+    update_menus();
 }
 
 }  // namespace hexlane

@@ -7,10 +7,10 @@
 #include "dnc/machine_watch.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer_state.h"
-#include "frame/command_state.h"
 #include "shell/child.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "station/parameter_views.h"
 #include "station/parameter_views_internal.h"
 #include "station/station_texts.h"
@@ -282,7 +282,7 @@ void show_parameters() {
             port_close_and_report(slot);
     }
     show_view(&SETTINGS_VIEW, settings_proc);
-    update_menus(child[0].main_window);  // the machine that Send This names
+    update_menus();  // the machine that Send This names
 }
 
 }  // namespace hexlane

@@ -8,13 +8,14 @@
 #include "dnc/transfer_log.h"
 #include "files/file_commands.h"
 #include "files/file_questions.h"
-#include "frame/command_state.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
 #include "platform/instance.h"
 #include "platform/process.h"
 #include "shell/child.h"
 #include "shell/directories.h"
+#include "shell/ui_timer.h"
+#include "shell/window.h"
 #include "station/activity.h"
 #include "station/row_index.h"
 #include "station/station_texts.h"
@@ -382,7 +383,7 @@ void command_send_this() {
         return;
     ask_and_send(slot);
     set_ui_timer(UI_TIMER_SLOW);
-    update_menus(child[0].main_window);
+    update_menus();
 }
 
 }  // namespace hexlane

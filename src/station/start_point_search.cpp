@@ -1,10 +1,10 @@
 // start_point_search.cpp: the view SearchDlg: a row by its number, a line number, or a text.
 
-#include "frame/main_window.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "station/row_index.h"
 #include "station/start_point_internal.h"
 #include "station/station_texts.h"

@@ -2,12 +2,12 @@
 
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
-#include "frame/main_window.h"
 #include "platform/desktop.h"
 #include "platform/keys.h"
 #include "platform/surface.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
+#include "shell/window.h"
 #include "station/activity.h"
 #include "station/row_index.h"
 #include "station/start_point.h"

@@ -8,12 +8,12 @@
 #include "shell/child.h"
 #include "shell/directories.h"
 #include "shell/status_line.h"
+#include "shell/temp_names.h"
 #include "store/row_edits.h"
 #include "store/row_record_format.h"
 #include "store/row_table.h"
 #include "store/segment_rewrite.h"
 #include "store/store_fault.h"
-#include "store/temp_names.h"
 
 namespace hexlane {
 

@@ -4,7 +4,7 @@
 
 #include "platform/text.h"
 #include "shell/directories.h"
-#include "store/temp_names.h"
+#include "shell/temp_names.h"
 
 namespace hexlane {
 

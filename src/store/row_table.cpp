@@ -24,10 +24,10 @@
 #include "shell/child.h"
 #include "shell/directories.h"
 #include "shell/scroll.h"
+#include "shell/temp_names.h"
 #include "store/row_edits.h"
 #include "store/row_record_format.h"
 #include "store/store_fault.h"
-#include "store/temp_names.h"
 
 namespace hexlane {
 
@@ -226,7 +226,7 @@ void set_last_file_row(int32_t row) {
 void build_segment_path() {
     const int segment = child[0].current_segment;
     if (segment_table[segment].file_name[0] == '\0')
-        name_segment(segment);
+        choose_free_name(segment_table[segment].file_name, sizeof segment_table[segment].file_name);
     segment_file_path(segment_table[segment], child[0].segment_path);
 }
 

@@ -13,6 +13,7 @@
 #include "shell/child.h"
 #include "shell/directories.h"
 #include "shell/status_line.h"
+#include "shell/temp_names.h"
 #include "store/copy_buffer.h"
 #include "store/merge.h"
 #include "store/replace_file.h"
@@ -20,7 +21,6 @@
 #include "store/row_table.h"
 #include "store/store_fault.h"
 #include "store/store_texts.h"
-#include "store/temp_names.h"
 
 namespace hexlane {
 

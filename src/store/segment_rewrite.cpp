@@ -5,10 +5,10 @@
 #include "platform/text.h"
 #include "shell/child.h"
 #include "shell/directories.h"
+#include "shell/temp_names.h"
 #include "store/copy_buffer.h"
 #include "store/row_record_format.h"
 #include "store/row_table.h"
-#include "store/temp_names.h"
 
 namespace hexlane {
 
@@ -71,7 +71,7 @@ int rewrite_segment(int segment, int32_t index, int32_t skipped, int32_t blanks)
         return 0;
     const SegmentEntry old = entry;
     if (entry.shares_file)
-        name_segment(segment);
+        choose_free_name(segment_table[segment].file_name, sizeof segment_table[segment].file_name);
     build_segment_path();
     if (!fill_work_file(work, old, head, tail, old_size, blanks) ||
         !rename_file(work_path, child[0].segment_path)) {

@@ -4,10 +4,10 @@
 
 #include <cstring>
 
-#include "frame/main_window.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
 #include "shell/child.h"
+#include "shell/window.h"
 #include "store/row_edits.h"
 #include "store/store_texts.h"
 

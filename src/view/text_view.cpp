@@ -2,12 +2,12 @@
 
 #include "view/text_view.h"
 
-#include "edit/block.h"
-#include "frame/main_window.h"
 #include "platform/surface.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/scroll.h"
 #include "shell/status_line.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/color_runs_internal.h"
 #include "view/nc_columns.h"

@@ -2,16 +2,15 @@
 // in the document and in the view, the ends of a block in order and in the document, and the screen must show
 // what a full repaint of the same state would show, but for what EXCEPTIONS lists.
 
-#include "edit/block.h"
-#include "edit/block_buffer.h"
-#include "frame/command_state.h"
-#include "frame/main_window.h"
+#include "edit/block_commands.h"
 #include "fuzz_program.h"
 #include "macros/macro_table.h"
 #include "platform/scripted/test_hooks.h"
 #include "platform/text.h"
 #include "search/search_internal.h"
+#include "shell/block.h"
 #include "shell/child.h"
+#include "shell/window.h"
 #include "store/row_table.h"
 #include "view/colors.h"
 #include "view/text_view.h"
@@ -186,7 +185,7 @@ void play_a_macro(Bytes* bytes) {
     macros.active = macros.event_count = 0;
     macros.recording = true;
     ctrl_enter_pressed = false;
-    update_menus(child[0].main_window);
+    update_menus();
     for (int keys = bytes->below(6); keys > 0; keys--)
         bytes->below(3) == 0 ? type_some_text(bytes) : press_a_key(bytes);
     send_message(child[0].main_window, WM_COMMAND, 1028, 0);
@@ -428,7 +427,7 @@ void begin_session(Bytes* bytes) {
     set_window_size(24, 9);
     press_key("PageUp");  // forgets the page shown last
     repaint_now();
-    update_menus(child[0].main_window);
+    update_menus();
     forget_shown_lines();
 }
 

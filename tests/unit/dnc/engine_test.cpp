@@ -10,12 +10,12 @@
 #include "dnc/port_engine.h"
 #include "dnc/received_file.h"
 #include "dnc/transfer.h"
-#include "frame/command_state.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/line_hooks.h"
 #include "platform/scripted/test_hooks.h"
 #include "platform/scripted/workers.h"
 #include "shell/child.h"
+#include "shell/ui_timer.h"
 #include "support/program_test.h"
 
 namespace hexlane {

@@ -2,6 +2,7 @@
 
 #include "unit/view/document_fixture.h"
 
+#include "shell/window.h"
 #include "view/text_view.h"
 
 namespace hexlane {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "frame/command_state.h"
+#include "files/file_filter.h"
 
 namespace hexlane {
 namespace {

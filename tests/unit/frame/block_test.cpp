@@ -1,10 +1,10 @@
 // Blocks in the whole program: what shows them, what ends them, and the menu beside them.
 
-#include "edit/block.h"
 #include "frame/commands.h"
 #include "platform/messages.h"
 #include "platform/scripted/person.h"
 #include "platform/scripted/test_hooks.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "support/program_test.h"
 

@@ -1,12 +1,12 @@
 // The window procedure: what messages do with and without a file, and the one timer of the window.
 
-#include "frame/main_window.h"
+#include "shell/window.h"
 
-#include "edit/block.h"
-#include "frame/command_state.h"
 #include "frame/commands.h"
 #include "platform/scripted/test_hooks.h"
+#include "shell/block.h"
 #include "shell/child.h"
+#include "shell/ui_timer.h"
 #include "support/program_test.h"
 
 namespace hexlane {

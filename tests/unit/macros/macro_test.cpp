@@ -5,7 +5,6 @@
 
 #include "edit/held_keys.h"
 #include "edit/keyboard.h"
-#include "frame/command_state.h"
 #include "macros/macro_table.h"
 #include "macros/recording.h"
 #include "platform/keys.h"
@@ -13,6 +12,7 @@
 #include "platform/scripted/person.h"
 #include "platform/scripted/test_hooks.h"
 #include "shell/child.h"
+#include "shell/ui_timer.h"
 #include "store/row_table.h"
 #include "support/program_test.h"
 

@@ -1,10 +1,10 @@
 // The utilities as commands over a document: which rows they take, what they leave, what they tell.
 
-#include "edit/block.h"
 #include "ncutils/utilities.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
 #include "search/search_internal.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"

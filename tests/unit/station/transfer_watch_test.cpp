@@ -2,12 +2,12 @@
 
 #include "dnc/machine_fields.h"
 #include "dnc/transfer_state.h"
-#include "frame/command_state.h"
 #include "frame/commands.h"
 #include "frame/transfer_watch.h"
 #include "platform/clock.h"
 #include "platform/scripted/test_hooks.h"
 #include "shell/status_line.h"
+#include "shell/ui_timer.h"
 #include "support/program_test.h"
 
 namespace hexlane {

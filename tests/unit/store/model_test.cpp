@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <random>
 
-#include "edit/block.h"
 #include "ncutils/line_numbers.h"
 #include "ncutils/utilities.h"
 #include "platform/scripted/test_hooks.h"
 #include "search/search_internal.h"
+#include "shell/block.h"
 #include "shell/status_line.h"
 #include "store/row_edits.h"
 #include "unit/store/store_fixture.h"

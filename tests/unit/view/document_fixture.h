@@ -2,13 +2,14 @@
 // screen and press keys. Folder and files are the test's own.
 #pragma once
 
-#include "edit/block.h"
 #include "edit/keyboard.h"
 #include "frame/main_window.h"
 #include "platform/scripted/test_hooks.h"
 #include "platform/text.h"
+#include "shell/block.h"
 #include "shell/child.h"
 #include "shell/directories.h"
+#include "shell/window.h"
 #include "store/load.h"
 #include "store/row_table.h"
 

@@ -1,16 +1,16 @@
-// block_buffer.cpp: the four commands on the block, each for whole rows and for a part of a row.
+// block_commands.cpp: the four commands on the block, each for whole rows and for a part of a row.
 
-#include "edit/block_buffer.h"
+#include "edit/block_commands.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "frame/command_state.h"
-#include "frame/main_window.h"
+#include "edit/keyboard.h"
 #include "platform/keys.h"
 #include "shell/child.h"
 #include "shell/scroll.h"
 #include "shell/status_line.h"
+#include "shell/window.h"
 #include "store/cut_file.h"
 #include "store/row_edits.h"
 #include "store/store_fault.h"
@@ -96,7 +96,7 @@ int delete_block_rows() {
     place_caret_now();
     paint_view();
     update_scrollbar(child[0].main_window);
-    update_menus(child[0].main_window);
+    update_menus();
     return deleted;
 }
 
@@ -129,7 +129,7 @@ int delete_block_part(char cut[ROW_BUFFER_SIZE]) {
     fetch_row(start.row);  // bytes that a fetch did not show may have moved up into it
     repaint_row(start.row, found > 0);
     update_scrollbar(child[0].main_window);
-    update_menus(child[0].main_window);
+    update_menus();
     return deleted;
 }
 
@@ -226,6 +226,16 @@ int32_t rows_that_give_way() {
 
 }  // namespace
 
+void block_dismiss() {
+    if (!child[0].block_active)
+        return;
+    child[0].block_active = 0;
+    commit_pending();
+    paint_view();
+    block_clear();
+    update_menus();
+}
+
 void clear_cut_block() {
     cut_block = NO_BLOCK;
 }
@@ -250,7 +260,7 @@ void command_copy() {
         return;
     if (block_holds_rows() ? copy_rows() : copy_part()) {
         clear_cut_block();
-        update_menus(child[0].main_window);
+        update_menus();
     }
 }
 

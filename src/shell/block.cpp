@@ -1,12 +1,9 @@
 // block.cpp: the record of the selection and its few operations.
 
-#include "edit/block.h"
+#include "shell/block.h"
 
-#include "frame/command_state.h"
-#include "frame/main_window.h"
 #include "shell/child.h"
-#include "store/row_table.h"
-#include "view/text_view.h"
+#include "shell/window.h"
 
 #include <algorithm>
 #include <utility>
@@ -46,16 +43,6 @@ void block_order_ends() {
     block_swap_ends();
     block.start.col =
         std::max<int16_t>(block.start.col, 0);  // a step up from column 0 ends in front of a row
-}
-
-void block_dismiss() {
-    if (!child[0].block_active)
-        return;
-    child[0].block_active = 0;
-    commit_pending();
-    paint_view();
-    block_clear();
-    update_menus(child[0].main_window);
 }
 
 }  // namespace hexlane

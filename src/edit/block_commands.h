@@ -1,11 +1,11 @@
-// block_buffer.h: Cut, Copy, Paste and Delete of the block, and the records of what was cut and copied. The
+// block_commands.h: Cut, Copy, Paste and Delete of the block, and the records of what was cut and copied. The
 // editor keeps its block buffer to itself and leaves the system's clipboard alone.
 //
 // Of whole rows the buffer is a file of records (cut_file.h). Of a part of a row a cut keeps the text, and a
 // copy only its place: the text is read from the row as it stands when it is pasted. Main thread only.
 #pragma once
 
-#include "edit/block.h"
+#include "shell/block.h"
 
 namespace hexlane {
 
@@ -13,6 +13,11 @@ namespace hexlane {
 // its text. Valid for one document as it was loaded: a load clears both.
 extern Block cut_block;
 extern Block copy_block;
+
+// What a key, a character, a mouse press and a scroll do to a block on show: takes it off the screen, then
+// block_clear, and the menu's entries for it go gray. Commits a pending row first. Does nothing without a
+// block.
+void block_dismiss();
 
 void clear_cut_block();
 

@@ -3,6 +3,8 @@
 
 #include "platform/files.h"
 
+#include <cstddef>
+
 namespace hexlane {
 
 // Builds `folder`/`prefix``n` in path[PATH_SIZE] with the first free number of a counter that goes on through
@@ -17,10 +19,11 @@ platform::FileHandle create_work_file(const char* folder, char* path);
 // file gets a name of one character, which fits wherever the file itself does.
 platform::FileHandle create_output_file(const char* folder, char* path);
 
-// Fills file_name of a segment with a name that is free in temp_dir.
-void name_segment(int segment);
-
 // Where temporary files go: the folder that TMP names if it exists, else `wanted`, else "/", else ".".
 void choose_temp_folder(const char* wanted, char* folder);
+
+// Builds a name of temp_prefix and the first free number in name[size], free in temp_dir, for a file that is
+// made later.
+void choose_free_name(char* name, std::size_t size);
 
 }  // namespace hexlane

@@ -1,14 +1,9 @@
-// command_state.h: which menu entries are enabled, the memory of the file dialogs, and the one timer of the
-// main window. Main thread only.
+// file_filter.h: the file types of the file dialogs, and what the dialogs remember. Main thread only.
 #pragma once
 
 #include "platform/desktop.h"
-#include "platform/messages.h"
 
 namespace hexlane {
-
-// Works every entry's state out afresh. Call after each change of what the rules read.
-void update_menus(platform::WindowHandle window);
 
 // The file types of the dialogs; filter index 1 is the first, 0 the custom filter.
 extern const platform::FileFilter FILE_FILTERS[];
@@ -29,15 +24,5 @@ int file_filter(FilterMode mode, const char* path, char custom_filter[CUSTOM_FIL
 // Folder and default extension for the next dialog, as file_filter keeps them.
 const char* dialog_folder();
 const char* dialog_extension();
-
-// Timer 1 of the main window serves one use at a time.
-constexpr int UI_TIMER = 1;
-constexpr int UI_TIMER_DRAG = 0;  // 50 ms
-constexpr int UI_TIMER_SLOW = 1;  // 1000 ms
-
-void set_ui_timer(int use);
-void stop_ui_timer();
-bool drag_timer_running();
-bool slow_timer_running();
 
 }  // namespace hexlane

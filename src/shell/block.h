@@ -39,9 +39,4 @@ bool block_holds_rows();
 // that whoever uses a block finds start.row <= end.row and start.col >= 0.
 void block_order_ends();
 
-// What a key, a character, a mouse press and a scroll do to a block on show: takes it off the screen, then
-// block_clear, and the menu's entries for it go gray. Commits a pending row first. Does nothing without a
-// block.
-void block_dismiss();
-
 }  // namespace hexlane

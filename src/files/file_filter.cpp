@@ -1,14 +1,9 @@
-#include "frame/command_state.h"
+#include "files/file_filter.h"
 
 #include <cstring>
 
-#include "dnc/transfer_state.h"
-#include "edit/block_buffer.h"
-#include "frame/commands.h"
-#include "frame/transfer_watch.h"
-#include "macros/macro_table.h"
 #include "platform/text.h"
-#include "shell/child.h"
+#include "shell/window.h"
 
 namespace hexlane {
 
@@ -32,32 +27,6 @@ char named_file_dir[PATH_SIZE];
 char named_file_ext[6];
 char dialog_dir[PATH_SIZE];
 char dialog_ext[10];
-
-bool drag_timer_on = false;
-bool slow_timer_on = false;
-
-bool is_enabled(Enabled rule) {
-    if (rule == Enabled::ALWAYS)
-        return true;
-    if (!child[0].file_open)
-        return false;
-    switch (rule) {
-    case Enabled::BLOCK_MARKED:
-        return !macros.recording && child[0].block_active != 0;
-    case Enabled::CUT_OR_COPIED:
-        return !macros.recording && (copy_block.start.row >= 0 || cut_block.start.row >= 0);
-    case Enabled::PORT_QUIET:
-        return transfer_state[0].status != SENDING && transfer_state[0].status != RECEIVING;
-    case Enabled::MACRO_THERE:
-        return !macros.recording && macros.count > 0;
-    case Enabled::NOT_RECORDING:
-        return !macros.recording;
-    case Enabled::RECORDING:
-        return macros.recording;
-    default:
-        return true;
-    }
-}
 
 // The folder of `path` without the '/' at its end; the root keeps its own.
 void copy_folder(const char* path, char folder[PATH_SIZE]) {
@@ -101,15 +70,6 @@ void build_custom_filter(char filter[CUSTOM_FILTER_SIZE]) {
 
 }  // namespace
 
-void update_menus(WindowHandle) {
-    label_send_this();
-    for (int i = 0; i < COMMAND_COUNT; i++) {
-        const Command& command = COMMANDS[i];
-        if (command.id != 0 && command.popup != 0)
-            set_menu_enabled(command.id, command.run != nullptr && is_enabled(command.enabled));
-    }
-}
-
 int file_filter(FilterMode mode, const char* path, char custom_filter[CUSTOM_FILTER_SIZE]) {
     std::memset(custom_filter, 0, CUSTOM_FILTER_SIZE);
     switch (mode) {
@@ -132,29 +92,6 @@ const char* dialog_folder() {
 }
 const char* dialog_extension() {
     return dialog_ext;
-}
-
-void set_ui_timer(int use) {
-    if (use == UI_TIMER_DRAG ? drag_timer_on : slow_timer_on)
-        return;
-    stop_ui_timer();
-    drag_timer_on = use == UI_TIMER_DRAG;
-    slow_timer_on = use != UI_TIMER_DRAG;
-    start_timer(child[0].main_window, UI_TIMER, use == UI_TIMER_DRAG ? 50 : 1000);
-}
-
-void stop_ui_timer() {
-    if (drag_timer_on || slow_timer_on)
-        kill_timer(child[0].main_window, UI_TIMER);
-    drag_timer_on = false;
-    slow_timer_on = false;
-}
-
-bool drag_timer_running() {
-    return drag_timer_on;
-}
-bool slow_timer_running() {
-    return slow_timer_on;
 }
 
 }  // namespace hexlane

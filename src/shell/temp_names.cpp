@@ -1,13 +1,12 @@
 // temp_names.cpp: one counter gives all numbered names of the run.
 
-#include "store/temp_names.h"
+#include "shell/temp_names.h"
 
 #include <cstring>
 
 #include "platform/process.h"
 #include "platform/text.h"
 #include "shell/directories.h"
-#include "store/row_table.h"
 
 namespace hexlane {
 
@@ -65,16 +64,6 @@ FileHandle create_output_file(const char* folder, char* path) {
     return NO_FILE;
 }
 
-void name_segment(int segment) {
-    char path[PATH_SIZE];
-    do {
-        format_text(segment_table[segment].file_name, sizeof segment_table[segment].file_name, "%s%d",
-                    directories.temp_prefix, ++name_counter);
-    } while (format_text(path, sizeof path, "%s%s%s", directories.temp_dir,
-                         separator_behind(directories.temp_dir), segment_table[segment].file_name) &&
-             path_kind(path) != PathKind::NONE);
-}
-
 void choose_temp_folder(const char* wanted, char* folder) {
     char named[PATH_SIZE];
     const char* candidates[] = {named, wanted, "/"};
@@ -87,6 +76,15 @@ void choose_temp_folder(const char* wanted, char* folder) {
             return;
     }
     copy_text(folder, PATH_SIZE, ".");
+}
+
+void choose_free_name(char* name, std::size_t size) {
+    char path[PATH_SIZE];
+    do {
+        format_text(name, size, "%s%d", directories.temp_prefix, ++name_counter);
+    } while (format_text(path, sizeof path, "%s%s%s", directories.temp_dir,
+                         separator_behind(directories.temp_dir), name) &&
+             path_kind(path) != PathKind::NONE);
 }
 
 }  // namespace hexlane

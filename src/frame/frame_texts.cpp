@@ -1,0 +1,27 @@
+// frame_texts.cpp: the table behind show_frame_box, in the order of FrameBox.
+
+#include "frame/frame_texts.h"
+
+#include "shell/boxes.h"
+
+namespace hexlane {
+
+using platform::BoxIcon;
+using platform::BUTTONS_OK;
+
+namespace {
+
+constexpr BoxText FRAME_BOXES[] = {
+    {"You cannot compare with an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
+    {"The program's folder cannot be used: %s\n\nIt does not exist, may not be made, or its path is too "
+     "long.",
+     "System Error", BoxIcon::STOP, BUTTONS_OK},
+};
+
+}  // namespace
+
+int show_frame_box(FrameBox box, const char* argument) {
+    return show_box(FRAME_BOXES[static_cast<int>(box)], argument);
+}
+
+}  // namespace hexlane

@@ -1,0 +1,14 @@
+// frame_texts.h: every message box of the frame. A new one is a line here and in the table.
+#pragma once
+
+namespace hexlane {
+
+enum class FrameBox {
+    COMPARE_ACTIVE_FILE,
+    NO_HOME,  // folder
+};
+
+// Shows a box and gives the index of the button pressed.
+int show_frame_box(FrameBox box, const char* argument = "");
+
+}  // namespace hexlane
