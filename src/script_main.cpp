@@ -11,6 +11,7 @@
 #include "shell/block.h"
 #include "shell/child.h"
 #include "shell/directories.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 
 #include <algorithm>

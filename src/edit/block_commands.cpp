@@ -13,6 +13,7 @@
 #include "shell/window.h"
 #include "store/cut_file.h"
 #include "store/row_edits.h"
+#include "store/row_table.h"
 #include "store/store_fault.h"
 #include "view/nc_columns.h"
 #include "view/text_view.h"

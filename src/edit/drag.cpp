@@ -12,7 +12,6 @@
 #include "shell/block.h"
 #include "shell/child.h"
 #include "shell/window.h"
-#include "store/row_table.h"
 #include "view/text_view.h"
 
 #include <algorithm>

@@ -21,6 +21,7 @@
 #include "store/file_watch.h"
 #include "store/load.h"
 #include "store/merge.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 #include "store/save.h"
 #include "view/text_view.h"

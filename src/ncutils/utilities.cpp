@@ -3,6 +3,7 @@
 #include "ncutils/line_numbers.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
+#include "store/row_bytes.h"
 #include "store/row_table.h"
 
 namespace hexlane {

@@ -12,6 +12,7 @@
 #include "shell/view_controls.h"
 #include "shell/views.h"
 #include "shell/window.h"
+#include "store/row_bytes.h"
 #include "store/row_table.h"
 #include "view/text_view.h"
 

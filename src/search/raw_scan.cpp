@@ -7,7 +7,7 @@
 #include "search/search_internal.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
-#include "store/row_table.h"
+#include "store/row_records.h"
 #include "store/store_fault.h"
 
 #include <algorithm>

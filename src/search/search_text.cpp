@@ -7,6 +7,7 @@
 #include "shell/status_line.h"
 #include "shell/views.h"
 #include "shell/window.h"
+#include "store/row_bytes.h"
 #include "store/row_table.h"
 #include "view/nc_columns.h"
 #include "view/text_view.h"

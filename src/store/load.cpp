@@ -13,6 +13,7 @@
 #include "store/file_watch.h"
 #include "store/row_edits.h"
 #include "store/row_record_format.h"
+#include "store/row_records.h"
 #include "store/row_scan.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"

@@ -11,6 +11,7 @@
 #include "store/copy_buffer.h"
 #include "store/load.h"
 #include "store/replace_file.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 #include "store/store_texts.h"
 

@@ -1,12 +1,15 @@
 // row_bytes.cpp: where the bytes of a row stand, in the active file or in the change file, and appending a
 // row's text with the bytes that nobody saw.
 
+#include "store/row_bytes.h"
 #include <algorithm>
+
 #include <cstring>
 
 #include "platform/text_stream.h"
 #include "shell/child.h"
 #include "store/copy_buffer.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
 

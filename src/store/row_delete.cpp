@@ -9,6 +9,8 @@
 #include "platform/files.h"
 #include "shell/child.h"
 #include "store/row_edits.h"
+#include "store/row_records.h"
+#include "store/row_table.h"
 #include "store/segment_rewrite.h"
 #include "store/store_fault.h"
 

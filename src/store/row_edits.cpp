@@ -6,6 +6,9 @@
 #include <cstring>
 
 #include "shell/child.h"
+#include "store/row_bytes.h"
+#include "store/row_records.h"
+#include "store/row_table.h"
 #include "store/segment_rewrite.h"
 #include "store/store_fault.h"
 

@@ -5,8 +5,6 @@
 // gives 0. Main thread only.
 #pragma once
 
-#include "store/row_table.h"
-
 #include <cstdint>
 
 namespace hexlane {

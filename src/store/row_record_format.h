@@ -5,7 +5,7 @@
 //   offset 5, 3 bytes  zero
 #pragma once
 
-#include "store/row_table.h"
+#include "store/row_records.h"
 
 #include <bit>
 #include <cstdint>

@@ -20,57 +20,15 @@
 // Relies on platform/files.h, platform/text_stream.h, shell/child.h, shell/directories.h. Main thread only.
 #pragma once
 
-#include "platform/files.h"
-#include "shell/store_limits.h"
-
 #include <cstddef>
 #include <cstdint>
 
 namespace hexlane {
 
-constexpr char ORIGIN_FILE = 'O';
-constexpr char ORIGIN_CHANGE = 'C';
-constexpr char ORIGIN_BLANK = 'B';
-
-// A record in memory; on disk 8 bytes, little-endian (store/row_record_format.h).
-struct RowRecord {
-    uint32_t position;  // byte offset of the row's first byte in the file that origin names; 0 for 'B'
-    char origin;
-};
-
-struct SegmentEntry {
-    int16_t is_open;              // this segment's file is the open one
-    platform::FileHandle handle;  // valid while is_open is set
-    int32_t first_row;            // number of the segment's first row
-    char file_name[16];           // without folder; empty until the segment is first opened
-    int16_t shares_file;          // made by the load: all segments of a load lie in one file, in table order
-    int64_t base;                 // bytes: where its records begin in that file
-};
-constexpr SegmentEntry NO_SEGMENT = {0, platform::NO_FILE, 0, "", 0, 0};
-
-// The run; wiped by reset_store.
-extern SegmentEntry segment_table[MAX_SEGMENTS];
+struct RowSpan;  // store/row_bytes.h
 
 // Empties the table for a new document: one segment, without a file.
 void reset_store();
-
-// Chooses and opens the segment that holds `row` (the last one for a row past the end). Gives the byte offset
-// of the row's record in that segment's file, or -1 when the file cannot be opened.
-int64_t locate_row(int32_t row);
-
-// Makes current_segment the only open one; with `create` its file is made empty. Gives 1, or 0 on failure.
-int open_segment(bool create);
-
-// Names the current segment if it has no name, and fills segment_path.
-void build_segment_path();
-
-// Reads or writes the record of a row. Give 1, or 0 on failure. write_record accepts last_file_row + 1: the
-// write then extends the last segment.
-[[nodiscard]] int read_record(int32_t row, RowRecord* record);
-[[nodiscard]] int write_record(int32_t row, const RowRecord& record);
-
-// Rows that segment `segment` holds.
-int32_t segment_rows(int segment);
 
 // Brings row `row` into row_text, without its line end, at most ROW_FETCH_MAX characters, and sets row_origin
 // and row_had_lf. For a row past last_file_row: empty text, row_origin as it was.
@@ -105,37 +63,9 @@ bool row_is_empty(int32_t row);
 // has made a row with text the last one.
 int32_t program_end_row();
 
-// Where a row's bytes stand: `length` bytes of `origin`'s file from `position`, without the line end.
-struct RowSpan {
-    char origin;
-    int64_t position;
-    int64_t length;
-    int had_line_end;  // '\n' or 0 for the byte that ends the row, -1 when the file ends first
-    int64_t next;      // position behind the row end
-};
-// Gives 1, or 0 when the row cannot be read.
-[[nodiscard]] int row_span(const RowRecord& record, RowSpan* span);
-
-// The part of a row behind its first `shown` bytes (SHOWN_BY_FETCH: behind what a fetch shows); length 0 for
-// most rows. Gives 1, or 0 when the row cannot be read.
-constexpr int32_t SHOWN_BY_FETCH = -1;
-[[nodiscard]] int unseen_rest(const RowRecord& record, int32_t shown, RowSpan* rest);
-
 // The part of `row` that row_text does not show; the last fetch or commit has brought the row. Length 0 for
 // most rows, and then at no cost. Gives 1; 0 when it cannot be read: then the store is marked damaged.
 [[nodiscard]] int fetched_rest(int32_t row, RowSpan* rest);
-
-// Takes up to `size` bytes from the front of a span that has some. Gives their number; -1 when they cannot be
-// read, and then the store is marked damaged.
-[[nodiscard]] int32_t take_row_bytes(RowSpan* span, void* bytes, std::size_t size);
-
-// Appends `text` and then the bytes of `rest` (nullptr for none) to the change file as one line and points
-// the record of `row` at it. Gives 1; 0 on failure, and then table and change file are as before and nothing
-// has been told.
-[[nodiscard]] int store_row_text(int32_t row, const char* text, const RowSpan* rest);
-
-// The file that failed in the last store_row_text that gave 0.
-const char* failed_store_file();
 
 // Sets last_file_row and with it the range of the scroll bar.
 void set_last_file_row(int32_t row);

@@ -8,6 +8,7 @@
 #include "shell/temp_names.h"
 #include "store/copy_buffer.h"
 #include "store/row_record_format.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 
 namespace hexlane {

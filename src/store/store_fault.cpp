@@ -8,7 +8,10 @@
 #include "platform/text.h"
 #include "shell/child.h"
 #include "shell/window.h"
+#include "store/row_bytes.h"
 #include "store/row_edits.h"
+#include "store/row_records.h"
+#include "store/row_table.h"
 #include "store/store_texts.h"
 
 namespace hexlane {

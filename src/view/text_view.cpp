@@ -8,6 +8,7 @@
 #include "shell/scroll.h"
 #include "shell/status_line.h"
 #include "shell/window.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 #include "view/color_runs_internal.h"
 #include "view/nc_columns.h"

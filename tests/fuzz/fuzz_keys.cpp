@@ -11,6 +11,7 @@
 #include "shell/block.h"
 #include "shell/child.h"
 #include "shell/window.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 #include "view/colors.h"
 #include "view/text_view.h"

@@ -8,6 +8,8 @@
 #include "platform/text.h"
 #include "shell/child.h"
 #include "store/load.h"
+#include "store/row_bytes.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 #include "store/save.h"
 

@@ -14,6 +14,7 @@
 #include "platform/scripted/test_hooks.h"
 #include "shell/child.h"
 #include "shell/directories.h"
+#include "store/row_records.h"
 #include "store/row_table.h"
 
 namespace hexlane {

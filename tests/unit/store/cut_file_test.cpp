@@ -7,7 +7,9 @@
 #include "platform/text_stream.h"
 #include "store/cut_file.h"
 #include "store/load.h"
+#include "store/row_bytes.h"
 #include "store/row_edits.h"
+#include "store/row_table.h"
 #include "store/store_fault.h"
 #include "unit/store/store_fixture.h"
 

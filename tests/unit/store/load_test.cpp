@@ -6,6 +6,7 @@
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
 #include "store/load.h"
+#include "store/row_table.h"
 #include "unit/store/store_fixture.h"
 
 namespace hexlane {

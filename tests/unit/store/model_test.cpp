@@ -12,6 +12,7 @@
 #include "shell/block.h"
 #include "shell/status_line.h"
 #include "store/row_edits.h"
+#include "store/row_table.h"
 #include "unit/store/store_fixture.h"
 
 namespace hexlane {

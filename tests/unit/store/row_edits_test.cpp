@@ -1,6 +1,7 @@
 // Putting rows in and taking rows out. Long random sequences are in model_test.cpp; here are the told cases.
 
 #include "store/row_edits.h"
+#include "store/row_table.h"
 
 #include "unit/store/store_fixture.h"
 

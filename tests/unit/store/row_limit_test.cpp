@@ -9,6 +9,7 @@
 #include "store/load.h"
 #include "store/merge.h"
 #include "store/row_edits.h"
+#include "store/row_table.h"
 #include "store/save.h"
 #include "store/store_fault.h"
 #include "unit/store/store_fixture.h"

@@ -2,6 +2,8 @@
 
 #include "platform/text_stream.h"
 #include "store/row_edits.h"
+#include "store/row_records.h"
+#include "store/row_table.h"
 #include "unit/store/store_fixture.h"
 
 namespace hexlane {

@@ -1,6 +1,7 @@
 // Saving: which bytes reach the file, and what stands behind the last row. Random documents are in
 // model_test.cpp.
 
+#include "store/row_table.h"
 #include "store/save.h"
 
 #include <sys/stat.h>

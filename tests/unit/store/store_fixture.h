@@ -9,7 +9,7 @@
 #include "shell/child.h"
 #include "shell/directories.h"
 #include "store/row_record_format.h"
-#include "store/row_table.h"
+#include "store/row_records.h"
 #include "support/program_test.h"
 
 namespace hexlane {
