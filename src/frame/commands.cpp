@@ -8,7 +8,7 @@
 #include "macros/recording.h"
 #include "ncutils/nc_commands.h"
 #include "platform/keys.h"
-#include "print/print_file.h"
+#include "print/print_view.h"
 #include "search/search.h"
 #include "shell/block.h"
 #include "shell/child.h"

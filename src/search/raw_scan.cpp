@@ -4,7 +4,7 @@
 // end or a NUL. So only rows that may hold a match, and rows that were changed, are fetched and compared.
 
 #include "platform/text_stream.h"
-#include "search/search_internal.h"
+#include "search/matching.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
 #include "store/row_records.h"

@@ -7,7 +7,7 @@
 #include "macros/macro_table.h"
 #include "platform/scripted/test_hooks.h"
 #include "platform/text.h"
-#include "search/search_internal.h"
+#include "search/match_view.h"
 #include "shell/block.h"
 #include "shell/child.h"
 #include "shell/window.h"

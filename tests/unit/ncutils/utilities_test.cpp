@@ -3,7 +3,7 @@
 #include "ncutils/utilities.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
-#include "search/search_internal.h"
+#include "search/match_view.h"
 #include "shell/block.h"
 #include "shell/child.h"
 #include "store/row_edits.h"

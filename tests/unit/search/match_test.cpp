@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "platform/scripted/test_hooks.h"
-#include "search/search_internal.h"
+#include "search/match_view.h"
 #include "shell/child.h"
 #include "store/row_table.h"
 #include "support/program_test.h"

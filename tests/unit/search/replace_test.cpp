@@ -6,7 +6,7 @@
 
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
-#include "search/search_internal.h"
+#include "search/match_view.h"
 #include "shell/child.h"
 #include "store/row_edits.h"
 #include "store/row_table.h"

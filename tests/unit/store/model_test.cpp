@@ -8,7 +8,7 @@
 #include "ncutils/line_numbers.h"
 #include "ncutils/utilities.h"
 #include "platform/scripted/test_hooks.h"
-#include "search/search_internal.h"
+#include "search/match_view.h"
 #include "shell/block.h"
 #include "shell/status_line.h"
 #include "store/row_edits.h"

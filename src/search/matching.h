@@ -1,7 +1,7 @@
-// search_internal.h: what Find and Find and Replace share: the texts, the match rule, the stepping dialogs.
+// matching.h: the rules of a search, without a view: when a row matches, which rows may hold a match, which
+// begins with a line number. They work on row_text and the store. Main thread only.
 #pragma once
 
-#include "platform/views.h"
 #include "shell/store_limits.h"
 
 #include <cstddef>
@@ -10,34 +10,12 @@
 
 namespace hexlane {
 
-constexpr int SEARCH_TEXT_SIZE = 256;                    // characters of a text, the NUL included
-constexpr int SEARCH_FIELD_SIZE = 3 * SEARCH_TEXT_SIZE;  // bytes of it as UTF-8, as its field holds it
-
-// The run; wiped by reset_search.
-struct SearchTexts {
-    char find_text[SEARCH_FIELD_SIZE];  // shared by both commands
-    char replace_text[SEARCH_FIELD_SIZE];
-    bool find_opened;  // the dialog has been opened: it keeps its text from then on
-    bool replace_opened;
-};
-extern SearchTexts search_texts;
-
-// Values of replace_reply (child): what the person answered last. They are the ids of the buttons too.
-constexpr int REPLY_NONE = 0;
-constexpr int REPLY_FIND_NEXT = 1;
-constexpr int REPLY_REPLACE = 2;
-constexpr int REPLY_REPLACE_ALL = 3;
-constexpr int REPLY_DONE = 4;
-
-constexpr int16_t FIND_FIELD = 101;
-constexpr int16_t REPLACE_FIELD = 102;
-extern const platform::InputRule SEARCH_TEXT_RULE;
+constexpr int SEARCH_TEXT_SIZE = 256;  // characters of a text, the NUL included
 
 // A text as rows are compared with it.
 struct SearchPattern {
     char bytes[SEARCH_TEXT_SIZE];  // a to z as capitals
     int32_t length;                // 0: no row holds it
-    int32_t cells;                 // that a match takes on the screen
     int32_t rarest;                // index of the character that NC programs hold least of
 };
 void prepare_pattern(const char* text, SearchPattern* pattern);
@@ -86,15 +64,13 @@ bool matches_at(const SearchPattern& pattern, int32_t index);
 // The indexes in row_text at which a match may begin: where the pattern's first character stands.
 int32_t find_candidates(const SearchPattern& pattern, uint8_t positions[ROW_BUFFER_SIZE]);
 
+// Puts `replacement` in the place of the match at `index` of row_text. 0 when the row would outgrow row_text:
+// it is as it was.
+int replace_match(const SearchPattern& pattern, int32_t index, const char* replacement, int32_t length);
+
 // Whether `row`, which row_text holds, has a match that goes into text that it does not show: behind the
 // longest text of a fetch, or behind a 0x1A. -1 when that can't be read, which the message loop tells.
 int matches_unseen(const SearchPattern& pattern, int32_t row);
-
-// Highlights the match at `index` of `row`, which row_text holds, shows a stepping dialog, and fetches the
-// row again: whatever served messages may have used row_text. Gives the answer, which replace_reply takes, or
-// REPLY_NONE when the dialog could not be shown; -1 when the row could not be fetched.
-int ask_about_match(const platform::ViewSpec* dialog, int32_t row, int32_t index,
-                    const SearchPattern& pattern);
 
 // The first row, from the top of the document, that begins with the line number `number` (below 10^9):
 // LINE_MISSING when there is none, LINE_UNREAD when a row could not be read. The empty end row is not

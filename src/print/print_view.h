@@ -1,4 +1,4 @@
-// print_file.h: the command Print. Main thread only.
+// print_view.h: the command Print. Main thread only.
 #pragma once
 
 namespace hexlane {

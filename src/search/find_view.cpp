@@ -1,7 +1,7 @@
-// find.cpp: the command Find: its dialog and the walk from match to match.
+// find_view.cpp: the command Find: its dialog and the walk from match to match.
 
+#include "search/match_view.h"
 #include "search/search.h"
-#include "search/search_internal.h"
 #include "search/search_texts.h"
 #include "shell/child.h"
 #include "shell/status_line.h"

@@ -1,16 +1,11 @@
-// search_text.cpp: when a text in a row matches, and showing a match.
+// matching.cpp: when a text in a row matches.
+
+#include "search/matching.h"
 
 #include "platform/text.h"
-#include "search/search.h"
-#include "search/search_internal.h"
 #include "shell/child.h"
-#include "shell/status_line.h"
-#include "shell/views.h"
-#include "shell/window.h"
 #include "store/row_bytes.h"
 #include "store/row_table.h"
-#include "view/nc_columns.h"
-#include "view/text_view.h"
 
 #include <algorithm>
 #include <cstring>
@@ -18,10 +13,6 @@
 namespace hexlane {
 
 using namespace platform;
-
-SearchTexts search_texts;
-
-const InputRule SEARCH_TEXT_RULE = {.limit = SEARCH_TEXT_SIZE - 1, .characters = true};
 
 namespace {
 
@@ -43,10 +34,6 @@ int32_t rarest_of(const char* text) {
 
 }  // namespace
 
-void reset_search() {
-    search_texts = {};
-}
-
 // A character that no row can hold makes the text one that no row holds.
 void prepare_pattern(const char* text, SearchPattern* pattern) {
     const bool possible = text_to_bytes(pattern->bytes, sizeof pattern->bytes, text);
@@ -54,7 +41,6 @@ void prepare_pattern(const char* text, SearchPattern* pattern) {
         c = fold_letter(c);
     pattern->length = possible ? static_cast<int32_t>(std::strlen(pattern->bytes)) : 0;
     pattern->rarest = rarest_of(pattern->bytes);
-    pattern->cells = child[0].nc_mode ? nc_display_length(pattern->bytes) : pattern->length;
 }
 
 LetterPlaces begin_places(const char* from, const char* end, char c) {
@@ -90,6 +76,17 @@ int32_t find_candidates(const SearchPattern& pattern, uint8_t positions[ROW_BUFF
     return pattern.length > 0 ? find_char_positions(pattern.bytes[0], positions) : 0;
 }
 
+int replace_match(const SearchPattern& pattern, int32_t index, const char* replacement, int32_t length) {
+    char* text = child[0].row_text;
+    const auto before = static_cast<int32_t>(std::strlen(text));
+    if (before - pattern.length + length >= ROW_BUFFER_SIZE)
+        return 0;
+    const int32_t behind = index + pattern.length;
+    std::memmove(text + index + length, text + behind, static_cast<std::size_t>(before - behind) + 1);
+    std::memcpy(text + index, replacement, static_cast<std::size_t>(length));
+    return 1;
+}
+
 // The unseen bytes in pieces, each with what stands in front of it, where a match may begin.
 int matches_unseen(const SearchPattern& pattern, int32_t row) {
     RowSpan rest;
@@ -114,34 +111,6 @@ int matches_unseen(const SearchPattern& pattern, int32_t row) {
         std::memmove(piece, piece + length - kept, static_cast<std::size_t>(kept));
     }
     return 0;
-}
-
-// ---- Showing a match ---------------------------------------------------------------------------------
-
-namespace {
-
-// The stepping dialogs: each button's id is its answer. Closing one in another way is a Done.
-int64_t step_proc(WindowHandle window, uint32_t message, int64_t first, int64_t second) {
-    view_attach(window);
-    if (message == WM_INITDIALOG)
-        return 1;
-    if (message == WM_COMMAND || message == WM_CLOSE) {
-        view_end(window, message == WM_CLOSE ? REPLY_DONE : low_word(first));
-        return 0;
-    }
-    return view_default(window, message, first, second);
-}
-
-}  // namespace
-
-int ask_about_match(const ViewSpec* dialog, int32_t row, int32_t index, const SearchPattern& pattern) {
-    show_match(row, index, pattern.cells);
-    show_position();
-    const int reply = show_view(dialog, step_proc);
-    set_caret_visible(false);
-    if (reply != REPLY_NONE)
-        child[0].replace_reply = static_cast<int16_t>(reply);
-    return fetch_row(row) ? reply : -1;
 }
 
 }  // namespace hexlane

@@ -1,9 +1,9 @@
-// replace.cpp: the command Find and Replace: its dialog and the walk that asks at each match, or asks
+// replace_view.cpp: the command Find and Replace: its dialog and the walk that asks at each match, or asks
 // nothing.
 
 #include "platform/text.h"
+#include "search/match_view.h"
 #include "search/search.h"
-#include "search/search_internal.h"
 #include "search/search_texts.h"
 #include "shell/child.h"
 #include "shell/status_line.h"
@@ -121,17 +121,12 @@ void count_left_row(Replacing* run, int32_t row) {
 // Puts the replacement into row_text at `index` and stores the row. Gives whether the row has changed: a
 // match whose row would outgrow row_text is left, and so is each in a row that must stay.
 bool put_replacement(Replacing* run, int32_t row, int32_t index) {
-    char* text = child[0].row_text;
-    const auto length = static_cast<int32_t>(std::strlen(text));
-    if (run->stays || length - run->pattern.length + run->length >= ROW_BUFFER_SIZE) {
+    if (run->stays || !replace_match(run->pattern, index, run->text, run->length)) {
         count_left_row(run, row);
         if (!replaces_all())
             repaint_row(row, false);
         return false;
     }
-    const int32_t behind = index + run->pattern.length;
-    std::memmove(text + index + run->length, text + behind, static_cast<size_t>(length - behind) + 1);
-    std::memcpy(text + index, run->text, static_cast<size_t>(run->length));
     if (!commit_row(row)) {
         run->failed = true;
         return false;

@@ -1,4 +1,4 @@
-#include "print/print_file.h"
+#include "print/print_view.h"
 
 #include <iterator>
 
