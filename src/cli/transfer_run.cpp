@@ -6,13 +6,13 @@
 #include "dnc/machine_table.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
+#include "dnc/transfer_end.h"
 #include "platform/clock.h"
 #include "platform/console/console.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
 #include "platform/serial.h"
 #include "shell/child.h"
-#include "station/station_texts.h"
 
 #include <ctime>
 
@@ -61,29 +61,32 @@ void note_end() {
     take_numbers();
 }
 
+// In the form of the boxes of this program.
+void tell_end() {
+    char text[END_TEXT_SIZE];
+    const bool fault = transfer_end_text(SLOT, text);
+    message_box(text, "", fault ? BoxIcon::STOP : BoxIcon::INFORMATION, BUTTONS_OK);
+}
+
 // Closing may find that the medium did not take the last of a received file, or that the line has lost bytes.
 void stop_transfer() {
     note_end();
     port_close(SLOT);
-    const TransferState& t = transfer_state[SLOT];
-    run.fault = t.fault;
-    if (t.fault == TransferFault::CANNOT_WRITE)
-        show_dnc_box(DncBox::CANNOT_WRITE, t.file_name, file_error_text(t.fault_error));
-    if (t.fault == TransferFault::BYTES_LOST)
-        show_dnc_box(DncBox::BYTES_LOST, t.file_name);
+    run.fault = transfer_state[SLOT].fault;
+    if (run.fault == TransferFault::CANNOT_WRITE || run.fault == TransferFault::BYTES_LOST)
+        tell_end();
     post_quit(0);
 }
 
-// The close has told what it has found.
-void end_if_closed() {
-    if (port_slot[SLOT].connected)
-        return;
+// The engine has come to an end by itself.
+void close_and_tell() {
+    port_close(SLOT);
+    tell_end();
     run.fault = transfer_state[SLOT].fault;
     post_quit(0);
 }
 
-// The engine's own time-out closes the port and shows a box, which would come into the end time; so the
-// numbers are taken ahead of every look.
+// What is shown would come into the end time, so the numbers are taken ahead of every look.
 void look(int64_t now) {
     static int64_t last_look = now;
     static int looks = 0;
@@ -100,10 +103,10 @@ void look(int64_t now) {
         stop_transfer();
         return;
     }
-    check_receive_timeout(SLOT);
-    if (!port_slot[SLOT].connected)
+    if (end_silent_receive(SLOT)) {
         note_end();
-    end_if_closed();
+        close_and_tell();
+    }
 }
 
 int64_t handle_message(WindowHandle, uint32_t message, int64_t first, int64_t second) {
@@ -112,13 +115,13 @@ int64_t handle_message(WindowHandle, uint32_t message, int64_t first, int64_t se
     switch (message) {
     case TRANSFER_DONE_MESSAGE:
         note_end();
-        finish_transfer(static_cast<int>(first), second);
-        end_if_closed();
+        if (send_has_ended(static_cast<int>(first), second))
+            close_and_tell();
         break;
     case TRANSFER_FAILED_MESSAGE:
         note_end();
-        finish_failed_transfer(static_cast<int>(first), second);
-        end_if_closed();
+        if (transfer_has_failed(static_cast<int>(first), second))
+            close_and_tell();
         break;
     case STOP_MESSAGE:
         run.stopped = true;
@@ -185,7 +188,10 @@ int open_transfer_port() {
     transfer_state[SLOT].status = run.options.queue ? SEND_STANDBY : PORT_IDLE;
     if (port_init(SLOT, machine) != 1)
         return refuse(EXIT_CANNOT, "cannot make a lock");
-    if (!port_open(SLOT))
+    const int opened = port_open(SLOT);
+    if (opened < 0)
+        return refuse(EXIT_CANNOT, "cannot start a thread");
+    if (!opened)
         return refuse(EXIT_CANNOT, std::string("cannot open ") + run.port + ". " + line_problem_text());
     LineSettings settings = {};
     run.rate = line_settings(port_slot[SLOT].port_handle, &settings) ? settings.baud_rate : 0;

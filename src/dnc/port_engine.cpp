@@ -4,7 +4,6 @@
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
 #include "platform/text.h"
-#include "station/station_texts.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,7 +16,6 @@ PortSlot port_slot[SLOT_COUNT];
 std::atomic<int32_t> block_mode = 0;
 std::atomic<int32_t> row_sent = 0;
 WindowHandle start_point_window = NO_WINDOW;
-int32_t background_requested = 0;
 
 namespace {
 
@@ -62,66 +60,10 @@ int open_with_worker(int slot, bool for_blocks) {
         port.connected = 0;
         let_go_machine(slot);
         line_close(line);
-        show_dnc_box(DncBox::WORKER_FAILED);
-        return 0;
+        return -1;
     }
     line_set_dtr(line, true);
     return 1;
-}
-
-void release_port(int slot) {
-    PortSlot& port = port_slot[slot];
-    thread_join(port.worker_thread);
-    port.worker_thread = NO_THREAD;
-    line_set_dtr(port.port_handle, false);
-    line_purge(port.port_handle);
-    line_close(port.port_handle);
-    let_go_machine(slot);
-    port.port_handle = NO_LINE;
-    port.write_running = 0;
-}
-
-bool asks_before_close(const TransferState& t) {
-    return t.fault == TransferFault::NONE &&
-           (t.status == RECEIVING || (t.status == SENDING && !background_requested));
-}
-
-void disconnect(int slot) {
-    port_slot[slot].connected = 0;
-    line_set_mask(port_slot[slot].port_handle, 0);
-}
-
-void tell_end(int slot) {
-    const TransferState& t = transfer_state[slot];
-    switch (t.fault) {
-    case TransferFault::LINE_GONE: {
-        char port[PATH_SIZE + 16];
-        line_name(port_slot[slot].port_number, port, sizeof port);
-        show_dnc_box(DncBox::LINE_GONE, port);
-        return;
-    }
-    case TransferFault::SOURCE_CHANGED:
-        show_dnc_box(DncBox::SOURCE_CHANGED, t.file_name);
-        return;
-    case TransferFault::CANNOT_READ:
-        show_dnc_box(DncBox::CANNOT_READ, t.file_name);
-        return;
-    case TransferFault::CANNOT_WRITE:
-        show_dnc_box(DncBox::CANNOT_WRITE, t.file_name, file_error_text(t.fault_error));
-        return;
-    case TransferFault::BYTES_LOST:
-        show_dnc_box(DncBox::BYTES_LOST, t.file_name);
-        return;
-    default:
-        show_dnc_box(t.status == SEND_DONE || t.status == RECEIVE_DONE ? DncBox::COMPLETE
-                                                                       : DncBox::TERMINATED);
-    }
-}
-
-// Ahead of the line's end, whose counters tell whether bytes were lost.
-void close_received_file_locked(int slot) {
-    const LockGuard guard(port_slot[slot].step_lock);
-    close_received_file(slot);
 }
 
 }  // namespace
@@ -180,30 +122,31 @@ int port_open_for_blocks(int slot) {
 void port_close(int slot) {
     if (!port_slot[slot].connected)
         return;
-    disconnect(slot);
-    close_received_file_locked(slot);
-    end_log_entry(slot);
-    release_port(slot);
+    port_disconnect(slot);
+    port_release(slot);
 }
 
-int port_close_and_report(int slot) {
-    PortSlot& port = port_slot[slot];
-    const TransferState& t = transfer_state[slot];
-    if (port.closing || !port.connected)
-        return 1;
-    port.closing = true;
-    // A transfer that comes to its end while the question is up is closed whatever the answer.
-    if (asks_before_close(t) && show_dnc_box(DncBox::DISCONNECT) != 0 && asks_before_close(t)) {
-        port.closing = false;
-        return 0;
+// A received file is closed ahead of the line's end, whose counters tell whether bytes were lost.
+void port_disconnect(int slot) {
+    port_slot[slot].connected = 0;
+    line_set_mask(port_slot[slot].port_handle, 0);
+    {
+        const LockGuard guard(port_slot[slot].step_lock);
+        close_received_file(slot);
     }
-    disconnect(slot);
-    close_received_file_locked(slot);
     end_log_entry(slot);
-    tell_end(slot);
-    release_port(slot);
-    port.closing = false;
-    return 1;
+}
+
+void port_release(int slot) {
+    PortSlot& port = port_slot[slot];
+    thread_join(port.worker_thread);
+    port.worker_thread = NO_THREAD;
+    line_set_dtr(port.port_handle, false);
+    line_purge(port.port_handle);
+    line_close(port.port_handle);
+    let_go_machine(slot);
+    port.port_handle = NO_LINE;
+    port.write_running = 0;
 }
 
 int port_read(uint8_t* buffer, int size, int slot) {

@@ -43,7 +43,6 @@ struct PortSlot {
     int32_t write_count;                   // bytes of the write that runs, or ran last [lock]
     std::atomic<int32_t> write_running;    // its transmitter-empty has not come yet [lock]
     bool for_blocks;                       // the worker is the block worker [main]
-    bool closing;                          // port_close_and_report is under way [main]
 };
 extern PortSlot port_slot[SLOT_COUNT];
 
@@ -51,9 +50,6 @@ extern PortSlot port_slot[SLOT_COUNT];
 extern std::atomic<int32_t> block_mode;            // rows are fed one at a time
 extern std::atomic<int32_t> row_sent;              // the end of the row's write has been seen
 extern platform::WindowHandle start_point_window;  // NO_WINDOW when it is not up
-
-// The user lets communications go on in the background: a close asks no question about a send.
-extern int32_t background_requested;
 
 // Makes the slot ready for an open with the settings of `machine`. 1, or -1 when a lock cannot be made.
 int port_init(int slot, const MachineParams& machine);
@@ -64,16 +60,19 @@ void port_apply_machine(int slot, const MachineParams& machine);
 // port_apply_machine for the slot's machine, then writes the line settings. 1, or 0 on failure.
 int port_configure(int slot);
 
-// Opens the port of the slot's machine with the worker, or the block worker. 1, or 0 when it cannot be
-// opened; line_problem_text says why, and a worker that cannot start is told in a box.
+// Opens the port of the slot's machine with the worker, or the block worker. 1; 0 when it cannot be opened,
+// and line_problem_text says why; -1 when no worker can start.
 int port_open(int slot);
 int port_open_for_blocks(int slot);
 
 // Closes without a question and without a message. A file that is being received is closed too.
 void port_close(int slot);
 
-// Asks first if a transfer is running, closes, and shows how the transfer ended. 0 when the user said No.
-int port_close_and_report(int slot);
+// port_close in its two halves, for whoever tells how the transfer ended between them: behind the first no
+// step is taken any more and the receipt is written; the second ends the worker and gives the line back.
+// Needs: connected.
+void port_disconnect(int slot);
+void port_release(int slot);
 
 // Reads into `buffer` what is queued, by the rule that a small amount is taken only when it has not grown
 // since the last attempt. Gives the number of bytes.

@@ -41,13 +41,14 @@ void begin_receiving(int slot, platform::FileHandle file);
 // when the medium did not take it all, which is noted too. Under the slot's lock, or with no worker running.
 int close_received_file(int slot);
 
-// On every tick of the 1000 ms timer: ends a receive after its time of silence. Main thread.
-void check_receive_timeout(int slot);
+// For a tick of a timer: ends a receive behind its time of silence and closes its file. 1 when it has done so
+// just now: the port is to be closed. Main thread.
+int end_silent_receive(int slot);
 
-// TRANSFER_DONE_MESSAGE and TRANSFER_FAILED_MESSAGE: closes the port and tells how it ended, if that transfer
-// is still the slot's. Main thread.
-void finish_transfer(int slot, int64_t transfer_number);
-void finish_failed_transfer(int slot, int64_t transfer_number);
+// Whether TRANSFER_DONE_MESSAGE, TRANSFER_FAILED_MESSAGE with this number are of the slot's present transfer,
+// and its port is to be closed. Main thread.
+bool send_has_ended(int slot, int64_t transfer_number);
+bool transfer_has_failed(int slot, int64_t transfer_number);
 
 // Reading of the file that is sent, a piece or a line at a time, each with an open of its own. Under the
 // slot's lock.

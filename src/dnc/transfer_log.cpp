@@ -1,6 +1,6 @@
 #include "dnc/transfer_log.h"
 
-#include "dnc/transfer_log_internal.h"
+#include "dnc/log_lines.h"
 
 #include "dnc/machine_fields.h"
 #include "dnc/port_engine.h"
@@ -10,7 +10,6 @@
 #include "platform/serial.h"
 #include "platform/text.h"
 #include "shell/directories.h"
-#include "station/station_texts.h"
 
 #include <cstring>
 
@@ -32,7 +31,8 @@ struct LogEntry {
     char file[PATH_SIZE];  // as the log has it
 };
 LogEntry entries[SLOT_COUNT];
-bool failure_told = false;  // once a run
+bool failure_noted = false;           // once a run
+FileError failure = FileError::NONE;  // nobody has taken it yet
 
 // Numbers that the worker changes, as they stand now.
 TransferTally tally_of(int slot) {
@@ -113,10 +113,18 @@ int name_log(const char* title, char* path) {
 void write_log_line(char line[LOG_LINE_SIZE]) {
     make_one_line(line);
     append_text(line, LOG_LINE_SIZE, "\n");
-    if (!append_line(line) && !failure_told) {
-        failure_told = true;
-        show_dnc_box(DncBox::LOG_NOT_WRITTEN, file_error_text(last_file_error()));
-    }
+    if (append_line(line) || failure_noted)
+        return;
+    failure_noted = true;
+    failure = last_file_error();
+}
+
+const char* take_log_failure() {
+    if (failure == FileError::NONE)
+        return nullptr;
+    const char* reason = file_error_text(failure);
+    failure = FileError::NONE;
+    return reason;
 }
 
 bool is_in_open_entry(const char* file) {

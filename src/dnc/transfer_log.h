@@ -18,9 +18,6 @@ void begin_log_entry(int slot, bool sending);
 // The receive that was begun could not make its file: platform::last_file_error() tells why.
 void drop_log_entry(int slot);
 
-// Names each file that was being received when the program ended, once (cut_receives.cpp).
-void tell_cut_receives();
-
 // Looks whether the machine holds the slot's line. Call every second or more often while transfers run.
 void watch_line(int slot);
 
@@ -33,6 +30,9 @@ void log_failed_open(int slot);
 
 // Writes a line of its own into the log: what the user should find there later, and when it was.
 void note_in_log(const char* text);
+
+// Why a line could not be written, once a run, for whoever tells it; nullptr when there is nothing to tell.
+const char* take_log_failure();
 
 // Text of the row's tooltip: device, rate asked and set, bytes, blocks, answers, time held.
 void format_row_tip(int slot, char* text, std::size_t size);

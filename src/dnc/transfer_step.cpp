@@ -324,31 +324,30 @@ int close_received_file(int slot) {
     return 0;
 }
 
-void check_receive_timeout(int slot) {
+int end_silent_receive(int slot) {
     TransferState& t = transfer_state[slot];
     if (t.status != RECEIVING)
-        return;
+        return 0;
     const int limit = machine_setting(machine_of_slot(slot), Field::RECEIVE_TIMEOUT_S) * MS_PER_SECOND;
     {
         const LockGuard guard(port_slot[slot].step_lock);
         if (t.status != RECEIVING || tick_ms() - t.last_activity_tick < static_cast<uint32_t>(limit))
-            return;
+            return 0;
         t.status = RECEIVE_DONE;
         close_received_file(slot);
     }
-    port_close_and_report(slot);
+    return 1;
 }
 
-void finish_transfer(int slot, int64_t transfer_number) {
+bool send_has_ended(int slot, int64_t transfer_number) {
     const TransferState& t = transfer_state[slot];
-    if (port_slot[slot].connected && t.status == SEND_DONE && t.transfer_number == transfer_number)
-        port_close_and_report(slot);
+    return port_slot[slot].connected && t.status == SEND_DONE && t.transfer_number == transfer_number;
 }
 
-void finish_failed_transfer(int slot, int64_t transfer_number) {
+bool transfer_has_failed(int slot, int64_t transfer_number) {
     const TransferState& t = transfer_state[slot];
-    if (port_slot[slot].connected && t.fault != TransferFault::NONE && t.transfer_number == transfer_number)
-        port_close_and_report(slot);
+    return port_slot[slot].connected && t.fault != TransferFault::NONE &&
+           t.transfer_number == transfer_number;
 }
 
 }  // namespace hexlane

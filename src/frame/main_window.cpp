@@ -25,6 +25,7 @@
 #include "shell/status_line.h"
 #include "shell/ui_timer.h"
 #include "shell/window.h"
+#include "station/port_report.h"
 #include "store/row_table.h"
 #include "store/store_fault.h"
 #include "view/text_view.h"

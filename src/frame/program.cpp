@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "dnc/machine_table.h"
-#include "dnc/machine_watch.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer_log.h"
 #include "dnc/transfer_state.h"
@@ -28,6 +27,8 @@
 #include "shell/directories.h"
 #include "shell/status_line.h"
 #include "shell/window.h"
+#include "station/machine_watch.h"
+#include "station/port_report.h"
 #include "store/merge.h"
 #include "store/row_table.h"
 #include "view/colors.h"
@@ -161,6 +162,7 @@ int program_main(const char* file) {
     tell_machine_file();
     if (directories.doubt[0] != '\0')
         note_in_log(directories.doubt);
+    tell_log_failure();
     open_first_file();
     const int code = run_message_loop();
     release_instance();

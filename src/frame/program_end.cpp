@@ -15,6 +15,7 @@
 #include "shell/view_controls.h"
 #include "shell/views.h"
 #include "shell/window.h"
+#include "station/port_report.h"
 #include "store/merge.h"
 #include "store/row_table.h"
 #include "store/save.h"
@@ -71,7 +72,7 @@ bool is_held_back() {
 
 void release_ports() {
     for (int slot = 0; slot < SLOT_COUNT; slot++)
-        port_close(slot);
+        close_port(slot);
 }
 
 // Yes at the question: 1 when the document is safe on the disk and nothing holds the program back. A receive

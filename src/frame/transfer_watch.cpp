@@ -11,6 +11,7 @@
 #include "shell/status_line.h"
 #include "shell/ui_timer.h"
 #include "shell/window.h"
+#include "station/port_report.h"
 
 namespace hexlane {
 

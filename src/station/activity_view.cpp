@@ -13,6 +13,7 @@
 #include "shell/views.h"
 #include "shell/window.h"
 #include "station/activity.h"
+#include "station/port_report.h"
 
 #include <array>
 

@@ -4,15 +4,16 @@
 #include "dnc/machine_fields.h"
 #include "dnc/machine_presets.h"
 #include "dnc/machine_table.h"
-#include "dnc/machine_watch.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer_state.h"
 #include "shell/child.h"
 #include "shell/view_controls.h"
 #include "shell/views.h"
 #include "shell/window.h"
+#include "station/machine_watch.h"
 #include "station/parameter_views.h"
 #include "station/parameter_views_internal.h"
+#include "station/port_report.h"
 #include "station/station_texts.h"
 
 #include <array>
@@ -279,7 +280,7 @@ void show_parameters() {
     std::memcpy(static_cast<void*>(machines_before), machine_table, sizeof machines_before);
     for (int slot = 0; slot < SLOT_COUNT; slot++) {
         if (port_slot[slot].connected && transfer_state[slot].status == PORT_IDLE)
-            port_close_and_report(slot);
+            close_port_and_report(slot);
     }
     show_view(&SETTINGS_VIEW, settings_proc);
     update_menus();  // the machine that Send This names

@@ -2,7 +2,6 @@
 // while the other row goes on, so the state is looked at again behind each one.
 
 #include "dnc/machine_fields.h"
-#include "dnc/machine_watch.h"
 #include "dnc/port_engine.h"
 #include "dnc/transfer.h"
 #include "dnc/transfer_log.h"
@@ -17,6 +16,8 @@
 #include "shell/ui_timer.h"
 #include "shell/window.h"
 #include "station/activity.h"
+#include "station/machine_watch.h"
+#include "station/port_report.h"
 #include "station/row_index.h"
 #include "station/station_texts.h"
 
@@ -133,18 +134,14 @@ int choose_file_to_receive(int slot) {
     return 0;
 }
 
-int open_port(int slot) {
-    return port_init(slot, machine_of_slot(slot)) == 1 && port_open(slot);
-}
-
 // A port that a dialog given up has left open is closed: each transfer opens it afresh, with the machine's
 // settings as they are then. One whose transfer has just ended tells so.
 void close_idle_port(int slot) {
     const int8_t status = transfer_state[slot].status;
     if (status == SEND_DONE || status == RECEIVE_DONE)
-        port_close_and_report(slot);
+        close_port_and_report(slot);
     else
-        port_close(slot);
+        close_port(slot);
 }
 
 // Makes the slot quiet. Its port is closed already: a write that is still running reads the buffers.
@@ -172,7 +169,7 @@ int test_port(int slot) {
         show_connection_failed();
         return 0;
     }
-    port_close(slot);
+    close_port(slot);
     return 1;
 }
 
@@ -182,7 +179,7 @@ void give_up_send(int slot) {
         const LockGuard guard(port_slot[slot].step_lock);
         transfer_state[slot].status = PORT_IDLE;
     }
-    port_close_and_report(slot);
+    close_port_and_report(slot);
     drop_transfer(slot);
 }
 
@@ -223,6 +220,7 @@ void end_send_properties(int slot) {
         return;
     }
     begin_log_entry(slot, true);
+    tell_log_failure();
     if (!send_continuous)
         t.start_now = 0;
     set_ui_timer(UI_TIMER_SLOW);
@@ -248,7 +246,7 @@ bool free_slot(int slot) {
     if (show_dnc_box(DncBox::TERMINATE_PORT) != 0)
         return false;
     if (slot_is_busy(slot)) {
-        if (!port_close_and_report(slot))
+        if (!close_port_and_report(slot))
             return false;
         drop_transfer(slot);
     }
@@ -282,6 +280,7 @@ const char* terminal_to_start() {
     if (doubt[0] != '\0') {
         warn_on_terminal(doubt);
         note_in_log(doubt);
+        tell_log_failure();
     }
     return TERMINAL_PROGRAM;
 }
@@ -316,11 +315,13 @@ void press_receive(int slot) {
     if (!choose_file_to_receive(slot) || !port_slot[slot].connected)
         return;
     begin_log_entry(slot, false);
+    tell_log_failure();
     if (!port_slot[slot].connected)
         return;  // gone behind the box that the log can't be written
     if (!prepare_receive(slot)) {
         const char* reason = file_error_text(last_file_error());
         drop_log_entry(slot);
+        tell_log_failure();
         show_dnc_box(DncBox::CANNOT_MAKE_FILE, transfer_state[slot].file_name, reason);
         return;
     }
@@ -338,7 +339,7 @@ void press_stop(int slot) {
         }
     }
     if (port_slot[slot].connected)
-        port_close_and_report(slot);
+        close_port_and_report(slot);
     drop_transfer(slot);
 }
 

@@ -7,6 +7,7 @@
 #include "dnc/transfer.h"
 #include "platform/desktop.h"
 #include "station/activity.h"
+#include "station/port_report.h"
 #include "station/row_index.h"
 #include "station/start_point_internal.h"
 #include "station/station_texts.h"
@@ -76,7 +77,7 @@ bool leave_row() {
         return true;
     stop_feed();
     if (faulty)
-        show_dnc_box(DncBox::SOURCE_CHANGED, transfer_state[send_slot].file_name);
+        tell_transfer_end(send_slot);
     return false;
 }
 

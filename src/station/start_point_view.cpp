@@ -9,6 +9,7 @@
 #include "shell/views.h"
 #include "shell/window.h"
 #include "station/activity.h"
+#include "station/port_report.h"
 #include "station/row_index.h"
 #include "station/start_point.h"
 #include "station/start_point_internal.h"
@@ -267,11 +268,11 @@ void mark_row(int32_t row) {
 
 // The port is the screen's own while it is up. The slot counts as quiet meanwhile: a request of the machine
 // would find nothing to send, and rows that are fed need the line's normal handshake.
-int open_port() {
+int open_screen_port() {
     transfer_state[send_slot].status = PORT_IDLE;
     if (port_slot[send_slot].connected)
         return 1;
-    return port_init(send_slot, machine_of_slot(send_slot)) == 1 && port_open_for_blocks(send_slot);
+    return open_port_for_blocks(send_slot);
 }
 
 void open_screen(ViewHandle view) {
@@ -293,7 +294,7 @@ void open_screen(ViewHandle view) {
     end_wait(pointer);
     if (!opened)
         show_dnc_box(DncBox::NO_ROW_INDEX, path, file_error_text(error));
-    if (!open_port())
+    if (!open_screen_port())
         show_connection_failed();
     start_timer(view, FEED_TIMER, FEED_TIMER_MS);
 }
@@ -301,7 +302,7 @@ void open_screen(ViewHandle view) {
 // Leaves the screen with the send to begin at `offset`.
 void close_screen(int64_t offset, int result) {
     block_mode = 0;
-    port_close(send_slot);
+    close_port(send_slot);
     start_point_window = NO_WINDOW;
     close_row_index();
     {
@@ -336,7 +337,7 @@ void press_cancel() {
 
 // Send Block. A port that could not be opened before is tried once more.
 void press_feed() {
-    if (open_port())
+    if (open_screen_port())
         begin_feed();
     else
         show_connection_failed();

@@ -17,8 +17,6 @@ namespace {
 constexpr BoxText DNC_BOXES[] = {
     {"Port communications are active.\n Do you want to disconnect?", "Communications", BoxIcon::QUESTION,
      BUTTONS_YES_NO},
-    {"File Transmission Complete.", "Communications", BoxIcon::INFORMATION, BUTTONS_OK},
-    {"File Transmission Terminated.", "Communications", BoxIcon::INFORMATION, BUTTONS_OK},
     {" Connection failed.\n Check Communication Settings \n or Port confict.%s", "Communications Error",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"Failed to create event for thread!", "TTY Error!", BoxIcon::EXCLAMATION, BUTTONS_OK},
@@ -39,17 +37,6 @@ constexpr BoxText DNC_BOXES[] = {
     {"Unable to execute Terminal Mode", "Parlock Error", BoxIcon::STOP, BUTTONS_OK},
     {"Connection failed.\n Check Communication Settings \n or Port confict.%s", "Communications Error",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"File Transmission Terminated.\n\n%s has gone: the adapter was unplugged or the line was hung up.",
-     "Communications", BoxIcon::STOP, BUTTONS_OK},
-    {"File Transmission Terminated.\n\n%s was changed or removed by another program while it was being sent. "
-     "What the "
-     "machine has is not the whole program.",
-     "Communications", BoxIcon::STOP, BUTTONS_OK},
-    {"File Transmission Terminated.\n\n%s could not be read. What the machine has is not the whole program.",
-     "Communications", BoxIcon::STOP, BUTTONS_OK},
-    {"File Transmission Terminated.\n\nReceived data could not be written to %s: %s. What came before is in "
-     "the file.",
-     "Communications", BoxIcon::STOP, BUTTONS_OK},
     {"%s has a character that the name of a machine cannot hold.", "Communications Parameter Settings",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"The machines could not be saved: %s.\n\nThe file is as it was.", "Communications", BoxIcon::STOP,
@@ -62,10 +49,6 @@ constexpr BoxText DNC_BOXES[] = {
     {"The rows of %s could not be shown to the end: %s.", "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"The receipt could not be written to transfers.log: %s.\n\nTransfers go on without it.",
      "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"File Transmission Terminated.\n\nBytes were lost on the line while %s was being received: the machine "
-     "sent "
-     "faster than the port could take them. The file is not the whole program.",
-     "Communications", BoxIcon::STOP, BUTTONS_OK},
     {"The file of the machine settings could not be read: %s.\n\nIt is left as it is. What the machines have "
      "here does not come from it: look at them before a transfer.",
      "Communications", BoxIcon::STOP, BUTTONS_OK},

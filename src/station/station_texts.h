@@ -5,9 +5,7 @@ namespace hexlane {
 
 enum class DncBox {
     // Told texts.
-    DISCONNECT,  // question
-    COMPLETE,
-    TERMINATED,
+    DISCONNECT,         // question
     CONNECTION_FAILED,  // reason, or empty
     WORKER_FAILED,
     DELAY_DROPPED,
@@ -22,10 +20,6 @@ enum class DncBox {
     NO_TERMINAL,
     RECEIVE_CONNECTION_FAILED,  // reason, or empty
     // Our own.
-    LINE_GONE,          // port
-    SOURCE_CHANGED,     // file
-    CANNOT_READ,        // file
-    CANNOT_WRITE,       // file, reason
     NAME_NOT_IN_TABLE,  // name
     TABLE_NOT_SAVED,    // reason
     TOO_LARGE_TO_SEND,
@@ -33,7 +27,6 @@ enum class DncBox {
     CANNOT_MAKE_FILE,  // file, reason
     NO_ROW_INDEX,      // file, reason
     LOG_NOT_WRITTEN,   // reason
-    BYTES_LOST,        // file
     TABLE_NOT_READ,    // reason
     TABLE_MADE_ANEW,
     TABLE_NOT_MADE,  // reason

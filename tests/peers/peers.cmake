@@ -7,7 +7,7 @@ target_link_libraries(console_test PRIVATE hexlane_console hexlane_posix hexlane
 gtest_discover_tests(console_test TEST_PREFIX console_test. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 
 # Both slots of the engine at once, over ptys, without a window.
-add_executable(two_slots_test ${peers}/two_slots_test.cpp ${PROJECT_SOURCE_DIR}/src/cli/no_window.cpp)
+add_executable(two_slots_test ${peers}/two_slots_test.cpp)
 target_include_directories(two_slots_test PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(two_slots_test PRIVATE hexlane_core hexlane_console hexlane_posix hexlane_platform_common
                                              GTest::gtest_main)

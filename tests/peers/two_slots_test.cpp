@@ -30,14 +30,17 @@ bool all_closed() {
 
 int64_t serve(WindowHandle, uint32_t message, int64_t first, int64_t second) {
     if (message == TRANSFER_DONE_MESSAGE)
-        finish_transfer(static_cast<int>(first), second);
+        if (send_has_ended(static_cast<int>(first), second))
+            port_close(static_cast<int>(first));
     if (message == TRANSFER_FAILED_MESSAGE)
-        finish_failed_transfer(static_cast<int>(first), second);
+        if (transfer_has_failed(static_cast<int>(first), second))
+            port_close(static_cast<int>(first));
     if (message == WM_TIMER) {
         for (int slot = 0; slot < SLOT_COUNT; slot++) {
             if (port_slot[slot].connected)
                 seen_on_screen += transfer_state[slot].bytes_done + line_held(port_slot[slot].port_handle);
-            check_receive_timeout(slot);
+            if (end_silent_receive(slot))
+                port_close(slot);
         }
     }
     if (all_closed())

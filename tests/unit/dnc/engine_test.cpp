@@ -16,6 +16,7 @@
 #include "platform/scripted/workers.h"
 #include "shell/child.h"
 #include "shell/ui_timer.h"
+#include "station/port_report.h"
 #include "support/program_test.h"
 
 namespace hexlane {
@@ -502,7 +503,7 @@ TEST_F(EngineTest, AQuestionAnsweredNoLeavesTheTransferRunning) {
     begin_send("part.nc", true);
     advance_clock(200);
     answer_box("No");
-    EXPECT_EQ(port_close_and_report(0), 0);
+    EXPECT_EQ(close_port_and_report(0), 0);
     answer_box("OK");
     ASSERT_TRUE(ended());
     EXPECT_EQ(take_sent(1), file);
@@ -548,7 +549,7 @@ TEST_F(EngineTest, AWorkerThatCannotStartIsToldAndThePortClosed) {
         others.push_back(other);
     ASSERT_EQ(port_init(0, machine()), 1);
     answer_box("OK");
-    EXPECT_EQ(port_open(0), 0);
+    EXPECT_EQ(open_port(0), 0);
     EXPECT_EQ(last_box(), "Failed to create event for thread!");
     EXPECT_FALSE(port_slot[0].connected);
     EXPECT_FALSE(line_facts(1).open);

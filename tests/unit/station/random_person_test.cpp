@@ -21,6 +21,7 @@
 #include "shell/child.h"
 #include "shell/ui_timer.h"
 #include "station/activity.h"
+#include "station/port_report.h"
 #include "store/row_table.h"
 #include "support/program_test.h"
 
@@ -372,12 +373,12 @@ protected:
         const TransferState& t = transfer_state[slot];
         const bool receives = t.status == RECEIVING || t.status == RECEIVE_STANDBY;
         EXPECT_NE(t.status, XON_SEEN);
-        if (!port_slot[slot].closing) {
+        if (!is_being_closed(slot)) {
             EXPECT_EQ(t.file_handle != NO_FILE, receives);
         }
         const bool in_properties = slot == send_slot && view_is_up("SEND");
         if (slot_is_busy(slot) && !in_properties) {
-            EXPECT_TRUE(port_slot[slot].connected || port_slot[slot].closing);
+            EXPECT_TRUE(port_slot[slot].connected || is_being_closed(slot));
         }
         if (in_properties && !view_is_up("StartPoint")) {
             EXPECT_FALSE(port_slot[slot].connected);
@@ -403,8 +404,8 @@ protected:
         for (int port = 1; port <= PORT_COUNT; port++)
             lines += line_facts(port).open ? 1 : 0;
         int slots = 0;
-        for (const PortSlot& port : port_slot)
-            slots += port.connected || port.closing ? 1 : 0;
+        for (int slot = 0; slot < SLOT_COUNT; slot++)
+            slots += port_slot[slot].connected || is_being_closed(slot) ? 1 : 0;
         EXPECT_EQ(lines, slots);
     }
 

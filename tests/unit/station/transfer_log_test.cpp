@@ -13,6 +13,7 @@
 #include "platform/scripted/test_hooks.h"
 #include "shell/view_controls.h"
 #include "station/activity.h"
+#include "station/port_report.h"
 #include "support/program_test.h"
 
 namespace hexlane {
@@ -79,6 +80,7 @@ TEST_F(TransferLog, ALogThatCannotBeWrittenIsToldOnce) {
     for (int i = 0; i < 2; i++) {
         begin_log_entry(0, true);
         end_log_entry(0);
+        tell_log_failure();
     }
     EXPECT_EQ(unused_answers(), 0);
     EXPECT_NE(shown_boxes().back().text.find("it is not an ordinary file"), std::string::npos)

@@ -1,4 +1,4 @@
-#include "dnc/machine_watch.h"
+#include "station/machine_watch.h"
 
 #include "dnc/machine_table.h"
 #include "platform/files.h"

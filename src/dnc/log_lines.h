@@ -1,4 +1,4 @@
-// transfer_log_internal.h: what the log's writing (transfer_log.cpp) and the search for receives that nothing
+// log_lines.h: what the log's writing (transfer_log.cpp) and the search for receives that nothing
 // has ended (cut_receives.cpp) share.
 #pragma once
 

@@ -1,9 +1,10 @@
 // cut_receives.cpp: receives that the log has begun and not ended: the program was killed, or the power went.
 
+#include "dnc/log_lines.h"
 #include "dnc/transfer_log.h"
-#include "dnc/transfer_log_internal.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "station/port_report.h"
 #include "station/station_texts.h"
 
 #include <cstring>
@@ -102,6 +103,7 @@ void tell_cut_receives() {
         end_cut_receive(file);
     }
     close_logs(reader);
+    tell_log_failure();
 }
 
 }  // namespace hexlane
