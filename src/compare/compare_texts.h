@@ -13,6 +13,7 @@ enum class CompareBox {
     TOO_LARGE,         // file
     NO_RECORDS,        // reason
     DISTURBED,         // file
+    COUNT,             // how many; no box
 };
 
 // Shows a box and gives the index of the button pressed.

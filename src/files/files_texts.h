@@ -19,6 +19,7 @@ enum class FilesBox {
     NAME_NOT_WRITTEN,     // file, reason
     MERGE_ACTIVE_FILE,
     SAVE_ACTIVE_FILE,
+    COUNT,  // how many; no box
 };
 
 // Shows a box and gives the index of the button pressed.

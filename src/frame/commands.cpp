@@ -42,6 +42,7 @@ constexpr MenuPopup POPUPS[] = {
     {NC_POPUP, "&NC Utils", "NC edit operations", false},
     {MACROS_POPUP, "&Macros", "Macro operations", false},
     {DNC_POPUP, "&DNC", "DNC Communications", false},
+    // "Utilites": so spelled by the system itself.
     {HELP_POPUP, "&Help", "Help Utilites", true},
 };
 
@@ -91,6 +92,7 @@ constexpr Command line_in(int16_t popup) {
 }  // namespace
 
 const Command COMMANDS[] = {
+    // "exsiting": so spelled by the system itself.
     {1001, FILE_POPUP, "&Open...\tCtrl+O", "Open an exsiting file", Enabled::ALWAYS, false, command_open},
     {1035, FILE_POPUP, "C&lose", "Close the active file", Enabled::FILE_OPEN, false, command_close},
     line_in(FILE_POPUP),
@@ -163,6 +165,7 @@ const Command COMMANDS[] = {
 
     {1037, HELP_POPUP, "Help &Contents", "Displays Help contents for Parlock", Enabled::ALWAYS, true,
      command_help_contents},
+    // "contenst": so spelled by the system itself.
     {1039, HELP_POPUP, "&Help on Help", "Displays Help contenst for Windows Help", Enabled::ALWAYS, true,
      command_help_on_help},
     line_in(HELP_POPUP),

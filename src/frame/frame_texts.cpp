@@ -4,6 +4,9 @@
 
 #include "shell/boxes.h"
 
+#include <cstddef>
+#include <iterator>
+
 namespace hexlane {
 
 using platform::BoxIcon;
@@ -13,10 +16,10 @@ namespace {
 
 constexpr BoxText FRAME_BOXES[] = {
     {"You cannot compare with an active file", "Communications Error", BoxIcon::STOP, BUTTONS_OK},
-    {"The program's folder cannot be used: %s\n\nIt does not exist, may not be made, or its path is too "
-     "long.",
+    {"The program's folder cannot be used: %s\n\nIt does not exist, may not be made, or its path is too long.",
      "System Error", BoxIcon::STOP, BUTTONS_OK},
 };
+static_assert(std::size(FRAME_BOXES) == static_cast<std::size_t>(FrameBox::COUNT));
 
 }  // namespace
 

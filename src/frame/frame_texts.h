@@ -6,6 +6,7 @@ namespace hexlane {
 enum class FrameBox {
     COMPARE_ACTIVE_FILE,
     NO_HOME,  // folder
+    COUNT,    // how many; no box
 };
 
 // Shows a box and gives the index of the button pressed.

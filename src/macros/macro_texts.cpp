@@ -4,6 +4,9 @@
 
 #include "shell/boxes.h"
 
+#include <cstddef>
+#include <iterator>
+
 namespace hexlane {
 
 using platform::BoxIcon;
@@ -21,14 +24,14 @@ constexpr BoxText MACRO_BOXES[] = {
      "Record Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"%s has a character that the name of a macro cannot hold.", "Record Macro", BoxIcon::EXCLAMATION,
      BUTTONS_OK},
-    {"%s could not be stored: %s.\n\nThe recording is lost. If it was to replace a macro, that one is as it "
-     "was.",
+    {"%s could not be stored: %s.\n\nThe recording is lost. If it was to replace a macro, that one is as it was.",
      "Record Macro", BoxIcon::STOP, BUTTONS_OK},
     {"%s could not be read: %s.\n\nNothing has been played.", "Play Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"%s is damaged: it is no whole macro.\n\nNothing has been played. Delete it, or record it anew.",
      "Play Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"%s could not be deleted: %s.", "Delete Macro", BoxIcon::EXCLAMATION, BUTTONS_OK},
 };
+static_assert(std::size(MACRO_BOXES) == static_cast<std::size_t>(MacroBox::COUNT));
 
 }  // namespace
 

@@ -15,6 +15,7 @@ enum class MacroBox {
     NOT_READ,           // file, reason
     DAMAGED,            // file
     NOT_DELETED,        // file, reason
+    COUNT,              // how many; no box
 };
 
 constexpr int YES_BUTTON = 0;

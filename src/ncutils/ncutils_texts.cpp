@@ -4,6 +4,9 @@
 
 #include "shell/boxes.h"
 
+#include <cstddef>
+#include <iterator>
+
 namespace hexlane {
 
 using platform::BoxIcon;
@@ -16,18 +19,15 @@ constexpr BoxText NCUTILS_BOXES[] = {
     {"Renumber Complete.", "NC Utility", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"  Are you sure?", "Strip Line Numbers", BoxIcon::QUESTION, BUTTONS_YES_NO},
 
-    {"Rows left as they were: %s. The first is row %s.\n\nThe new text would not fit into a row, or words "
-     "stand behind the characters that a row shows. All other rows are done, so the program is now mixed.",
+    {"Rows left as they were: %s. The first is row %s.\n\nThe new text would not fit into a row, or words stand behind the characters that a row shows. All other rows are done, so the program is now mixed.",
      "NC Utility", BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"Rows that cannot be converted: %s. The first is row %s.\n\nThe new text would not fit into a row, or "
-     "words stand behind the characters that a row shows. Nothing has been changed, since one row that is "
-     "left makes all rows behind it wrong.",
+    {"Rows that cannot be converted: %s. The first is row %s.\n\nThe new text would not fit into a row, or words stand behind the characters that a row shows. Nothing has been changed, since one row that is left makes all rows behind it wrong.",
      "NC Utility", BoxIcon::STOP, BUTTONS_OK},
-    {"The run stopped at row %s, which could not be read or stored.\n\nThe rows in front of it are done, the "
-     "rows behind it are as they were, so the program is now mixed.",
+    {"The run stopped at row %s, which could not be read or stored.\n\nThe rows in front of it are done, the rows behind it are as they were, so the program is now mixed.",
      "NC Utility", BoxIcon::STOP, BUTTONS_OK},
     {"Row %s could not be read.\n\nNothing has been changed.", "NC Utility", BoxIcon::STOP, BUTTONS_OK},
 };
+static_assert(std::size(NCUTILS_BOXES) == static_cast<std::size_t>(NcUtilsBox::COUNT));
 
 }  // namespace
 

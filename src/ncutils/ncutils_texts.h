@@ -12,6 +12,7 @@ enum class NcUtilsBox {
     NOT_CONVERTED,  // the same
     RUN_STOPPED,    // number of the row
     LOOK_STOPPED,   // the same
+    COUNT,          // how many; no box
 };
 
 // Shows a box and gives the index of the button pressed.

@@ -4,6 +4,9 @@
 
 #include "shell/boxes.h"
 
+#include <cstddef>
+#include <iterator>
+
 namespace hexlane {
 
 using platform::BoxIcon;
@@ -18,6 +21,7 @@ constexpr BoxText PRINT_BOXES[] = {
     {"The print job could not be finished: %s.\n\nA part of it may be missing.", "Print Error",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
 };
+static_assert(std::size(PRINT_BOXES) == static_cast<std::size_t>(PrintBox::COUNT));
 
 }  // namespace
 

@@ -9,6 +9,7 @@ enum class PrintBox {
     CANNOT_PRINT,  // of the command Print
     // Our own.
     NOT_COMPLETE,  // reason
+    COUNT,         // how many; no box
 };
 
 // Shows a box and gives the index of the button pressed.

@@ -5,6 +5,9 @@
 #include "platform/text.h"
 #include "shell/boxes.h"
 
+#include <cstddef>
+#include <iterator>
+
 namespace hexlane {
 
 using platform::BoxIcon;
@@ -19,16 +22,14 @@ constexpr BoxText SEARCH_BOXES[] = {
     {"'Row Number' must be between 1 and %s", "Move To Row Number", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"Line Number '%s' not found.", "Move To Line Number", BoxIcon::EXCLAMATION, BUTTONS_OK},
 
-    {"Rows left with a match: %s. The first is row %s.\n\nThe row would have become too long, or it has a "
-     "match behind the characters that it shows and stays whole as it was. So the program may hold both the "
-     "old text and the new one.",
+    {"Rows left with a match: %s. The first is row %s.\n\nThe row would have become too long, or it has a match behind the characters that it shows and stays whole as it was. So the program may hold both the old text and the new one.",
      "Find and Replace", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"%s has a character that a row cannot hold. Nothing has been replaced.", "Find and Replace",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"The replacing has stopped at row %s, which could not be read or stored.\n\nWhat was replaced before "
-     "stays replaced.",
+    {"The replacing has stopped at row %s, which could not be read or stored.\n\nWhat was replaced before stays replaced.",
      "Find and Replace", BoxIcon::STOP, BUTTONS_OK},
 };
+static_assert(std::size(SEARCH_BOXES) == static_cast<std::size_t>(SearchBox::COUNT));
 
 // Stands below the told text.
 constexpr char UNSEEN_MATCHES[] =

@@ -16,6 +16,7 @@ enum class SearchBox {
     ROWS_LEFT,          // how many, number of the first
     NOT_IN_TABLE,       // replacement
     REPLACING_STOPPED,  // row number
+    COUNT,              // how many; no box
 };
 
 // Writes the paragraph that tells of matches in text that rows do not show: in how many rows, and the first

@@ -94,6 +94,7 @@ constexpr auto LOWER_CONTROLS = std::to_array<ControlSpec>({
     {303, ControlKind::FRAME, "Start/End String", 6, 0, 6, 10, 0, 0, nullptr},
     {404, ControlKind::TEXT, "Start &Char (ASCII value)", 6, 0, 1, 2, 0, 0, nullptr},
     {START_CHAR_FIELD, ControlKind::FIELD, "", 6, 2, 1, 2, 4, 0, &ASCII_RULE},
+    // "Occurence": so spelled by the system itself.
     {405, ControlKind::TEXT, "Start Char &Occurence", 7, 0, 1, 2, 0, 0, nullptr},
     {START_COUNT_FIELD, ControlKind::FIELD, "", 7, 2, 1, 2, 4, 0, &COUNT_RULE},
     {406, ControlKind::TEXT, "&End Char (ASCII value)", 8, 0, 1, 2, 0, 0, nullptr},

@@ -6,6 +6,9 @@
 #include "platform/text.h"
 #include "shell/boxes.h"
 
+#include <cstddef>
+#include <iterator>
+
 namespace hexlane {
 
 using platform::BoxIcon;
@@ -17,11 +20,11 @@ namespace {
 constexpr BoxText DNC_BOXES[] = {
     {"Port communications are active.\n Do you want to disconnect?", "Communications", BoxIcon::QUESTION,
      BUTTONS_YES_NO},
+    // "confict": so spelled by the system itself.
     {" Connection failed.\n Check Communication Settings \n or Port confict.%s", "Communications Error",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"Failed to create event for thread!", "TTY Error!", BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"End of Block Delay is not allowed if \nEnd of Block is set to No Conversion.\n\nEOB Delay was set back "
-     "to 0.",
+    {"End of Block Delay is not allowed if \nEnd of Block is set to No Conversion.\n\nEOB Delay was set back to 0.",
      "Communications", BoxIcon::INFORMATION, BUTTONS_OK},
     {"File is open in the editor.\nDo you want to close File?", "File Conflict", BoxIcon::STOP,
      BUTTONS_YES_NO},
@@ -35,6 +38,7 @@ constexpr BoxText DNC_BOXES[] = {
     {"Do you want to close\ncommunications on this port?", "File Conflict", BoxIcon::STOP, BUTTONS_YES_NO},
     {"Port is active.  Terminate activity?", "Communications", BoxIcon::QUESTION, BUTTONS_YES_NO},
     {"Unable to execute Terminal Mode", "Parlock Error", BoxIcon::STOP, BUTTONS_OK},
+    // "confict": so spelled by the system itself.
     {"Connection failed.\n Check Communication Settings \n or Port confict.%s", "Communications Error",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"%s has a character that the name of a machine cannot hold.", "Communications Parameter Settings",
@@ -49,24 +53,20 @@ constexpr BoxText DNC_BOXES[] = {
     {"The rows of %s could not be shown to the end: %s.", "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
     {"The receipt could not be written to transfers.log: %s.\n\nTransfers go on without it.",
      "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"The file of the machine settings could not be read: %s.\n\nIt is left as it is. What the machines have "
-     "here does not come from it: look at them before a transfer.",
+    {"The file of the machine settings could not be read: %s.\n\nIt is left as it is. What the machines have here does not come from it: look at them before a transfer.",
      "Communications", BoxIcon::STOP, BUTTONS_OK},
-    {"The file of the machine settings was gone. It has been made anew, and all machines have their default "
-     "settings.",
+    {"The file of the machine settings was gone. It has been made anew, and all machines have their default settings.",
      "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"The file of the machine settings could not be made: %s.\n\nWhat is set here is lost at the end of the "
-     "program, unless a Save succeeds.",
+    {"The file of the machine settings could not be made: %s.\n\nWhat is set here is lost at the end of the program, unless a Save succeeds.",
      "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"The file of the machine settings is incomplete.\n\nWhat it has counts; what it lacks has the default: "
-     "look at the machines before a transfer. Save makes the file complete.",
+    {"The file of the machine settings is incomplete.\n\nWhat it has counts; what it lacks has the default: look at the machines before a transfer. Save makes the file complete.",
      "Communications", BoxIcon::EXCLAMATION, BUTTONS_OK},
-    {"Another program has changed the machine settings since they were read here.\n\nKeep Mine writes the "
-     "settings of this program over them. Take Theirs reads them, and drops what was changed here.",
+    {"Another program has changed the machine settings since they were read here.\n\nKeep Mine writes the settings of this program over them. Take Theirs reads them, and drops what was changed here.",
      "Communications", BoxIcon::EXCLAMATION, "Keep Mine|Take Theirs|Cancel"},
     {"%s was being received when the program ended: it may not be complete.", "Communications",
      BoxIcon::EXCLAMATION, BUTTONS_OK},
 };
+static_assert(std::size(DNC_BOXES) == static_cast<std::size_t>(DncBox::COUNT));
 
 }  // namespace
 

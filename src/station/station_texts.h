@@ -33,6 +33,7 @@ enum class DncBox {
     TABLE_SHORT,
     TABLE_CHANGED,  // question; buttons as TableAnswer
     RECEIVE_CUT,    // file
+    COUNT,          // how many; no box
 };
 
 // Shows a box and gives the index of the button pressed.

@@ -28,6 +28,7 @@ enum class StoreBox {
     TABLE_FULL,           // limit
     SAVE_TOO_MANY_ROWS,   // file, limit
     MERGE_TOO_MANY_ROWS,  // file, limit
+    COUNT,                // how many; no box
 };
 
 // Shows a box and gives the index of the button pressed.

@@ -6,13 +6,14 @@
 #include "platform/process.h"
 
 #include <cstring>
+#include <iterator>
 
 namespace hexlane::platform {
 
 namespace {
 
 // What is said; %s stands for the name as it was given or worked out.
-enum class FileSaying { TOO_LONG, NO_FOLDER, IS_FOLDER, NO_FILE_AT_ALL, CREATE, REPLACE };
+enum class FileSaying { TOO_LONG, NO_FOLDER, IS_FOLDER, NO_FILE_AT_ALL, CREATE, REPLACE, COUNT };
 
 struct FileText {
     FileSaying saying;
@@ -29,6 +30,7 @@ constexpr FileText FILE_TEXTS[] = {
     {FileSaying::CREATE, "%s\nThis file does not exist.\nCreate it?", BoxIcon::QUESTION, BUTTONS_YES_NO},
     {FileSaying::REPLACE, "%s\nThis file exists already.\nReplace it?", BoxIcon::EXCLAMATION, BUTTONS_YES_NO},
 };
+static_assert(std::size(FILE_TEXTS) == static_cast<std::size_t>(FileSaying::COUNT));
 constexpr int FIRST_BUTTON = 0;  // OK or Yes
 
 // Shows a text about `name` under the dialog's title. Gives 1 for Yes.
