@@ -69,8 +69,8 @@ def faults_of(name, controls):
 
 def main():
     faults, shown, printed = set(), set(), set()
-    for record in pathlib.Path(sys.argv[1]).glob('*/*/expected'):
-        lines = record.read_text().splitlines()
+    for transcript in pathlib.Path(sys.argv[1]).glob('*/*.run'):
+        lines = transcript.read_text().splitlines()
         shown.update(match.group(1) for line in lines if (match := re.match(r'view (\w+) "', line)))
         for name, controls in views_of(lines):
             printed.add(name)
