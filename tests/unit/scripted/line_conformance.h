@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -202,17 +203,21 @@ TEST_F(LineConformance, DelayLastsOrEndsWithMaskNone) {
 TEST_F(LineConformance, PurgeDropsTheWriteAndWhatHasCome) {
     open();
     start_worker();
-    static const std::string bytes(5000, 'w');
+    std::string bytes(5000, 'w');
     ASSERT_EQ(line_write(line, bytes.data(), static_cast<int>(bytes.size())), 1);
     station->feed("abc");
     EXPECT_TRUE(has_queued(3));
     line_purge(line);
+    std::fill(bytes.begin(), bytes.end(), '!');  // the buffer is ours again
     EXPECT_EQ(line_queue_length(line), 0);
     station->let_pass(100);
     EXPECT_EQ(events_seen & EV_TXEMPTY, 0U);
-    EXPECT_LT(station->sent().size(), bytes.size());
     EXPECT_EQ(line_write(line, "X", 1), 1);
     EXPECT_TRUE(sees(EV_TXEMPTY));
+    EXPECT_EQ(line_written(line), 1);
+    EXPECT_TRUE(station->wait_for([this] { return station->sent().ends_with('X'); }));
+    EXPECT_LT(station->sent().size(), bytes.size());
+    EXPECT_EQ(station->sent().find('!'), std::string::npos);
 
     line_set_mask(line, EV_RXFLAG);
     events_seen = 0;

@@ -151,20 +151,6 @@ TEST_F(ThreadsTest, WorkerGoesOnBeforeAnythingElseFallsDue) {
     line_close(line);
 }
 
-TEST_F(ThreadsTest, PumpServesOneMessageAndWhatATestHasLaidReady) {
-    const ThreadHandle thread = start([](int64_t) {
-        post_message(window, POSTED, 1, 0);
-        post_message(window, POSTED, 2, 0);
-        return int64_t{0};
-    });
-    at_pump(2, [] { note("act"); });
-    for (int pump = 0; pump < 4; pump++) {
-        note(pump_one_message() ? "served" : "nothing");
-    }
-    EXPECT_EQ(record, "posted1 served act served posted2 served nothing");
-    thread_join(thread);
-}
-
 void take_twice() {
     lock_take(lock);
     lock_take(lock);

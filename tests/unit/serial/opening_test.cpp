@@ -1,11 +1,11 @@
 // COM numbers and devices, opening for us alone, why an opening fails, and the driver's settings.
 
+#include "../platform/temp_folder.h"
 #include "serial_fixture.h"
 
 #include <asm/termbits.h>
 #include <csignal>
 #include <cstring>
-#include <fstream>
 #include <grp.h>
 #include <sys/file.h>
 #include <sys/fsuid.h>
@@ -22,16 +22,23 @@ std::string device_of(int port) {
     return name;
 }
 
-TEST(Ports, TheRunThenTheEnvironmentThenTheFileTellTheDevice) {
-    char folder[] = "/tmp/hexlane-portsXXXXXX";
-    ASSERT_NE(mkdtemp(folder), nullptr);
-    const std::string file = std::string(folder) + "/ports";
-    setenv("HEXLANE_HOME", folder, 1);
-    line_set_device(1, "");
-    line_set_device(2, "");
+class Ports : public TempFolder {
+protected:
+    Ports() {
+        setenv("HEXLANE_HOME", folder.c_str(), 1);
+        line_set_device(1, "");
+        line_set_device(2, "");
+    }
+    ~Ports() override {
+        unsetenv("HEXLANE_COM2");
+        unsetenv("HEXLANE_HOME");
+    }
+};
+
+TEST_F(Ports, TheRunThenTheEnvironmentThenTheFileTellTheDevice) {
     EXPECT_EQ(device_of(1), "/dev/ttyS0");
     EXPECT_EQ(device_of(4), "/dev/ttyS3");
-    std::ofstream(file) << "# machines\n\n  com2\t/dev/serial/by id/x  # the mill\nCOM1 /dev/a\n";
+    write("ports", "# machines\n\n  com2\t/dev/serial/by id/x  # the mill\nCOM1 /dev/a\n");
     EXPECT_EQ(device_of(1), "/dev/a");
     EXPECT_EQ(device_of(2), "/dev/serial/by id/x");
     EXPECT_EQ(device_of(3), "/dev/ttyS2");
@@ -43,14 +50,10 @@ TEST(Ports, TheRunThenTheEnvironmentThenTheFileTellTheDevice) {
     EXPECT_EQ(device_of(2), "/dev/ttyUSB7");
     EXPECT_EQ(device_of(0), "");
     EXPECT_EQ(device_of(5), "");
-    unsetenv("HEXLANE_COM2");
-    unsetenv("HEXLANE_HOME");
-    unlink(file.c_str());
-    rmdir(folder);
 }
 
 // What a row means for COM1 and COM2: the device, or what the problem says.
-TEST(Ports, ARowThatCannotBeReadIsNeverPassedOver) {
+TEST_F(Ports, ARowThatCannotBeReadIsNeverPassedOver) {
     const std::string unreadable = "ports, row 2: no port can be read";
     const std::string twice = "ports, row 2: the port has a row above";
     const std::string long_name(2 * PATH_SIZE, 'x');
@@ -67,15 +70,10 @@ TEST(Ports, ARowThatCannotBeReadIsNeverPassedOver) {
                  {"COM1 /dev/a\nCOM1 /dev/b", twice, "/dev/ttyS1"},
                  {"COM1 /dev/a\nCOM2 /" + long_name + "\n", "/dev/a", unreadable},
                  {"\xFF\xFE\nC\nCOM1 /dev/a", "/dev/a", "ports, row 1: no port can be read"}};
-    char folder[] = "/tmp/hexlane-portsXXXXXX";
-    ASSERT_NE(mkdtemp(folder), nullptr);
-    const std::string file = std::string(folder) + "/ports";
-    setenv("HEXLANE_HOME", folder, 1);
     for (const auto& c : cases) {
-        std::ofstream(file) << c.rows;
+        write("ports", c.rows);
         for (const int port : {1, 2}) {
             SCOPED_TRACE(c.rows + " COM" + std::to_string(port));
-            line_set_device(port, "");
             const std::string device = device_of(port);
             const std::string& wanted = port == 1 ? c.com1 : c.com2;
             EXPECT_NE((device.empty() ? line_problem_text() : device).find(wanted), std::string::npos)
@@ -86,16 +84,12 @@ TEST(Ports, ARowThatCannotBeReadIsNeverPassedOver) {
     line_set_device(1, "/dev/mine");  // nobody asks the file then
     EXPECT_EQ(line_set_device(1, long_name.c_str()), 0);
     EXPECT_EQ(device_of(1), "/dev/mine");
-    unlink(file.c_str());
-    ASSERT_EQ(mkdir(file.c_str(), 0700), 0);
+    std::filesystem::remove(path("ports"));
+    std::filesystem::create_directory(path("ports"));
     EXPECT_EQ(device_of(2), "");
-    EXPECT_NE(std::string(line_problem_text()).find(file + " can't be read"), std::string::npos);
+    EXPECT_NE(std::string(line_problem_text()).find(path("ports") + " can't be read"), std::string::npos);
     setenv("HEXLANE_COM2", long_name.c_str(), 1);
     EXPECT_EQ(device_of(2), "");
-    unsetenv("HEXLANE_COM2");
-    unsetenv("HEXLANE_HOME");
-    rmdir(file.c_str());
-    rmdir(folder);
 }
 
 TEST(Settings, AnyRateIsSetAndReadBack) {

@@ -15,41 +15,6 @@ std::string read_ring(LineHandle line, int size) {
     return bytes;
 }
 
-// Waits until the ring holds `count` bytes. Gives the events seen.
-uint32_t wait_for_bytes(LineHandle line, int count) {
-    uint32_t seen = 0;
-    while (line_queue_length(line) < count) {
-        uint32_t events = 0;
-        if (line_wait_event(line, &events) != 1) {
-            ADD_FAILURE() << "the line has failed";
-            return seen;
-        }
-        seen |= events;
-    }
-    return seen;
-}
-
-TEST(Receiving, AFullRingKeepsItsBytesAndTakesTheRestWhenItHasRoom) {
-    Machine machine;
-    const LineHandle line = open_line(machine, 9600);
-    std::string bytes;
-    for (int i = 0; i < RECEIVE_RING; i++) {
-        bytes += static_cast<char>('0' + i % 64);
-    }
-    machine.send(bytes.substr(0, 3000));
-    EXPECT_EQ(wait_for_bytes(line, 3000), EV_RXCHAR);
-    machine.send(bytes.substr(3000));
-    EXPECT_EQ(wait_for_bytes(line, RECEIVE_RING), EV_RXCHAR);
-    machine.send("more\x06");
-
-    // Around the ring's end.
-    EXPECT_EQ(read_ring(line, 4000), bytes.substr(0, 4000));
-    EXPECT_EQ(wait_for_bytes(line, 96 + 5), EV_RXCHAR | EV_RXFLAG);
-    EXPECT_EQ(read_ring(line, 5000), bytes.substr(4000) + "more\x06");
-    EXPECT_EQ(line_read(line, bytes.data(), 10), 0);
-    line_close(line);
-}
-
 TEST(Receiving, AMachineIsStoppedWhileNobodyReadsAndNothingIsLost) {
     Machine machine;
     const LineHandle line = open_line(machine, 9600);
@@ -75,61 +40,6 @@ TEST(Receiving, AMachineIsStoppedWhileNobodyReadsAndNothingIsLost) {
     line_close(line);
 }
 
-TEST(Receiving, EveryByteValuePassesUnchanged) {
-    Machine machine;
-    const LineHandle line = open_line(machine, 9600);
-    ASSERT_EQ(line_configure(line, plain_settings(9600)), 1);
-    std::string bytes;
-    for (int i = 0; i < 256; i++) {
-        bytes += static_cast<char>(i);
-    }
-    machine.send(bytes);
-    wait_for_bytes(line, 256);
-    EXPECT_EQ(read_ring(line, 300), bytes);
-    line_set_mask(line, EV_TXEMPTY);
-    ASSERT_EQ(line_write(line, bytes.data(), 256), 1);
-    uint32_t events = 0;
-    ASSERT_EQ(line_wait_event(line, &events), 1);
-    EXPECT_EQ(machine.take(), bytes);
-    line_close(line);
-}
-
-TEST(Waiting, OnlyMaskedEventsEndAWait) {
-    Machine machine;
-    const LineHandle line = open_line(machine, 9600);
-    line_set_mask(line, EV_RXFLAG);
-    machine.send("abc");
-    {
-        Worker worker(line);
-        wait_for([&] { return line_queue_length(line) == 3; });
-        EXPECT_EQ(worker.seen, 0u);
-        machine.send("\x06");
-        EXPECT_TRUE(worker.waits_for(EV_RXFLAG));
-        EXPECT_EQ(worker.seen, EV_RXFLAG);
-    }
-    line_close(line);
-}
-
-TEST(Waiting, MaskZeroEndsTheWaitThatGoesOnAndEachLaterOne) {
-    Machine machine;
-    const LineHandle line = open_line(machine, 9600);
-    {
-        Worker worker(line);
-        wait_for([&] { return worker.id != 0; });
-        line_set_mask(line, 0);
-        wait_for([&] { return worker.last_result == 1; });
-    }
-    machine.send("x");
-    uint32_t events = 99;
-    EXPECT_EQ(line_wait_event(line, &events), 1);
-    EXPECT_EQ(events, 0u);
-    line_set_mask(line, EV_RXCHAR);
-    EXPECT_EQ(line_wait_event(line, &events), 1);
-    EXPECT_EQ(events, EV_RXCHAR);
-    line_close(line);
-    EXPECT_EQ(line_wait_event(line, &events), 0) << "a closed line";
-}
-
 TEST(Waiting, ALineClosesAndOpensAgainWhileTheMachineHoldsIt) {
     Machine machine;
     const int other_side =
@@ -148,6 +58,8 @@ TEST(Waiting, ALineClosesAndOpensAgainWhileTheMachineHoldsIt) {
         const auto start = Clock::now();
         line_close(line);
         EXPECT_LT(ms_since(start), 1000);
+        uint32_t events = 0;
+        EXPECT_EQ(line_wait_event(line, &events), 0) << "a closed line";
     }
     close(other_side);
 }
@@ -201,20 +113,6 @@ TEST(Waiting, AHangUpIsToldOnceWithinASecondWhateverTheLineDoes) {
     }
 }
 
-TEST(Waiting, TwoIdleLinesSleep) {
-    Machine machines[2];
-    const LineHandle lines[] = {open_line(machines[0], 9600, 1), open_line(machines[1], 115200, 2)};
-    {
-        Worker first(lines[0]);
-        Worker second(lines[1]);
-        wait_for([&] { return first.id != 0 && second.id != 0; });
-        expect_asleep(first.id);
-        expect_asleep(second.id);
-    }
-    line_close(lines[0]);
-    line_close(lines[1]);
-}
-
 TEST(Delay, HoldsForItsTimeWhileBytesAreHandedOn) {
     Machine machine;
     const LineHandle line = open_line(machine, 9600);
@@ -238,20 +136,6 @@ TEST(Delay, HoldsForItsTimeWhileBytesAreHandedOn) {
     uint32_t events = 0;
     EXPECT_EQ(line_wait_event(line, &events), 1);
     EXPECT_EQ(events, EV_RXCHAR | EV_RXFLAG | EV_TXEMPTY) << "what happened meanwhile is told afterwards";
-    line_close(line);
-}
-
-TEST(Delay, EndsAtOnceWithMaskZero) {
-    Machine machine;
-    const LineHandle line = open_line(machine, 9600);
-    std::atomic<bool> ended{false};
-    std::thread worker([&] {
-        EXPECT_EQ(line_delay(line, 60'000), 0);
-        ended = true;
-    });
-    line_set_mask(line, 0);
-    EXPECT_TRUE(wait_for([&] { return ended.load(); }));
-    worker.join();
     line_close(line);
 }
 
@@ -282,6 +166,7 @@ void transfer(LineHandle line, const std::string& out, std::string* in, std::siz
 TEST(Waiting, TwoLinesCarryBothDirectionsAtOnce) {
     const PacingOff off;
     constexpr std::size_t SIZE = 150'000;
+    constexpr uint32_t RATE = 110;  // hours, if it were kept
     Machine machines[2];
     std::string received[2];
     std::vector<std::thread> threads;
@@ -290,12 +175,11 @@ TEST(Waiting, TwoLinesCarryBothDirectionsAtOnce) {
     LineHandle lines[2];
     for (int i = 0; i < 2; i++) {
         for (std::size_t byte = 0; byte < SIZE; byte++) {
-            to_machine[i] +=
-                static_cast<char>(' ' + (byte * 7 + byte / 91 + static_cast<std::size_t>(i)) % 90);
-            to_program[i] +=
-                static_cast<char>(' ' + (byte * 5 + byte / 77 + static_cast<std::size_t>(i)) % 90);
+            to_machine[i] += static_cast<char>(byte * 7 + byte / 91 + static_cast<std::size_t>(i));
+            to_program[i] += static_cast<char>(byte * 5 + byte / 77 + static_cast<std::size_t>(i));
         }
-        lines[i] = open_line(machines[i], 115200, i + 1);
+        lines[i] = open_line(machines[i], RATE, i + 1);
+        ASSERT_EQ(line_configure(lines[i], plain_settings(RATE)), 1);  // no handshake: any byte may pass
         threads.emplace_back([&, i] { transfer(lines[i], to_machine[i], &received[i], SIZE); });
         threads.emplace_back([&, i] {
             for (std::size_t done = 0; done < SIZE || machines[i].take().size() < SIZE;) {
