@@ -1,6 +1,5 @@
 // Workers and locks.
 
-#include "platform/posix/threads_hook.h"
 #include "platform/threads.h"
 #include "serial_fixture.h"
 
@@ -8,67 +7,31 @@ namespace hexlane::platform {
 namespace {
 
 std::atomic<int> runs{0};
-std::atomic<bool> sending{false};
-std::atomic<int> served{0};
+std::atomic<bool> waiting{false};
 
-TEST(Threads, AreStartedJoinedAndTheirPlacesUsedAgain) {
-    runs = 0;
-    for (int round = 0; round < 20; round++) {
-        ThreadHandle threads[3];
-        for (int i = 0; i < 3; i++) {
-            threads[i] = thread_start(
-                [](int64_t argument) {
-                    runs += static_cast<int>(argument);
-                    return int64_t{0};
-                },
-                i + 1, static_cast<ThreadPriority>(i));
-            ASSERT_NE(threads[i], NO_THREAD);
+TEST(Threads, AreRefusedWhenAllPlacesAreTakenAndThoseAreUsedAgain) {
+    const auto work = [](int64_t argument) {
+        wait_for([] { return !waiting; });
+        runs += static_cast<int>(argument);
+        return int64_t{0};
+    };
+    for (int round = 0; round < 3; round++) {
+        runs = 0;
+        waiting = true;
+        std::vector<ThreadHandle> threads;
+        for (ThreadHandle thread;
+             (thread = thread_start(work, 7, static_cast<ThreadPriority>(round))) != NO_THREAD;) {
+            threads.push_back(thread);
+            ASSERT_LT(threads.size(), 100u);
         }
+        EXPECT_GE(threads.size(), 2u);
+        waiting = false;
         for (const ThreadHandle thread : threads) {
             thread_join(thread);
             thread_join(thread);  // a handle that is free means nothing
         }
+        EXPECT_EQ(runs, 7 * static_cast<int>(threads.size()));
     }
-    EXPECT_EQ(runs, 120);
-}
-
-TEST(Threads, TooManyAreRefused) {
-    sending = true;
-    std::vector<ThreadHandle> threads;
-    const auto wait = [](int64_t) {
-        wait_for([] { return !sending; });
-        return int64_t{0};
-    };
-    for (ThreadHandle thread; (thread = thread_start(wait, 0, ThreadPriority::NORMAL)) != NO_THREAD;) {
-        threads.push_back(thread);
-        ASSERT_LT(threads.size(), 100u);
-    }
-    EXPECT_GE(threads.size(), 2u);
-    sending = false;
-    for (const ThreadHandle thread : threads) {
-        thread_join(thread);
-    }
-}
-
-// A worker that sends a message ends only when the main thread has handled it.
-TEST(Threads, AJoinOnTheMainThreadServesSentMessages) {
-    served = 0;
-    sending = true;
-    serve_sent_messages = [] {
-        if (sending) {
-            served++;
-            sending = false;
-        }
-    };
-    const ThreadHandle thread = thread_start(
-        [](int64_t) {
-            wait_for([] { return !sending; });
-            return int64_t{0};
-        },
-        0, ThreadPriority::HIGHEST);
-    thread_join(thread);
-    EXPECT_EQ(served, 1);
-    serve_sent_messages = nullptr;
 }
 
 TEST(Locks, KeepOthersOutAndAreFreedForReuse) {
