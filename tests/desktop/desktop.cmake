@@ -22,7 +22,7 @@ target_link_libraries(terminal_window_test PRIVATE hexlane_terminal_line hexlane
 add_test(NAME desktop.terminal COMMAND terminal_window_test)
 set_tests_properties(desktop.terminal PROPERTIES TIMEOUT 300 ENVIRONMENT QT_QPA_PLATFORM=offscreen)
 
-# The program itself: typing, saving, blocks, search, renumbering, macros, colors, second start, file dialogs, end.
+# The program itself: typing, saving, blocks, macros, colors, second start, file dialogs, end.
 add_test(NAME desktop.program
          COMMAND Python3::Interpreter ${desktop}/desktop_test.py --program $<TARGET_FILE:hexlane>
                  --examples ${PROJECT_SOURCE_DIR}/examples --pictures ${pictures})
@@ -41,8 +41,7 @@ add_test(NAME desktop.tour
                  --simulator $<TARGET_FILE:control-simulator> --example ${PROJECT_SOURCE_DIR}/examples/pocket-plate.nc
                  --out ${pictures}/tour)
 
-# Two ports at work while editing goes on, against two simulated controls; and the terminal, which lies beside the
-# program.
+# Two ports at work while editing goes on, against two simulated controls.
 add_test(NAME desktop.transfers
          COMMAND Python3::Interpreter ${desktop}/desktop_transfers.py --program $<TARGET_FILE:hexlane>
                  --cli $<TARGET_FILE:hexlane-cli> --simulator $<TARGET_FILE:control-simulator>

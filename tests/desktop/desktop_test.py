@@ -1,17 +1,15 @@
 #!/usr/bin/env python3
 """The real program on a virtual display, with keyboard and mouse, its files compared byte by byte.
 
-Typing and saving, a loss of focus, blocks, search, renumbering, macros, colors, a second start, file dialogs, leaving.
+Typing and saving, a loss of focus, blocks, macros, colors, a second start, file dialogs, leaving.
 """
 
-import argparse
 import os
-import re
 import signal
 import subprocess
 import sys
 
-from display import Display, Failure, check, wait_for
+from display import check, run, wait_for
 from editor import TITLE, Editor, read
 
 COLORS_LEAST = 50  # different colours on a screen that shows coloured text
@@ -79,32 +77,6 @@ def check_block(editor):
     copied = editor.rows[9]
     editor.change("a part of a row behind it",
                   editor.rows[:9] + [copied[:-2] + copied[:3] + copied[-2:]] + editor.rows[10:])
-
-
-def check_find(editor):
-    """The caret stands at the match when the search is over."""
-    editor.open("Find", "alt+v", "f")
-    editor.display.type("g43")
-    editor.display.key("Return")
-    wait_for("a match on show", lambda: editor.marked(3 * editor.cell_width))
-    editor.keep_picture("match")
-    editor.close("Escape")
-    editor.display.type("M0 ")
-    text = b"".join(editor.rows)
-    found = text.index(b"G43", len(b"".join(editor.rows[:9])))  # the caret was in row 9
-    editor.change("what was typed at the match", (text[:found] + b"M0 " + text[found:]).splitlines(keepends=True))
-
-
-def check_renumber(editor):
-    editor.open("RENUMBER", "alt+n", "r")
-    editor.display.type("10")
-    editor.display.key("Tab")
-    editor.display.type("5")
-    editor.keep_picture("renumber")
-    editor.open("NC Utility", "Return")
-    editor.close("Return")
-    numbers = iter(range(10, 10 + 5 * len(editor.rows), 5))
-    editor.change("new line numbers", [re.sub(rb"^N\d+", lambda _: b"N%04d" % next(numbers), row) for row in editor.rows])
 
 
 def check_macro(editor):
@@ -226,27 +198,13 @@ def check_command_line(editor):
     check("--help tells the usage", b"[FILE]" in run("--help").stdout)
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--examples", required=True)
-    parser.add_argument("--pictures", required=True)
-    arguments = parser.parse_args()
-    os.makedirs(arguments.pictures, exist_ok=True)
-    with Display() as display:
-        try:
-            editor = Test(display, arguments)
-            for step in (check_typing, check_focus, check_block, check_find, check_renumber, check_macro,
-                         check_colors, check_second_start, check_save_as, check_open_dialog,
-                         check_end, check_command_line):
-                step(editor)
-                print(f"{step.__name__}: good")
-        except Failure as failure:
-            display.picture(os.path.join(arguments.pictures, "program-failed.png"))
-            print(f"desktop_test: {failure}", file=sys.stderr)
-            return 1
-    return 0
+def play(display, arguments):
+    editor = Test(display, arguments)
+    for step in (check_typing, check_focus, check_block, check_macro, check_colors, check_second_start, check_save_as,
+                 check_open_dialog, check_end, check_command_line):
+        step(editor)
+        print(f"{step.__name__}: good")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run("program examples pictures", play))

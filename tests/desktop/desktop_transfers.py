@@ -1,66 +1,28 @@
 #!/usr/bin/env python3
-"""Two ports at work in the real program while editing goes on, with a picture of every screen of the communications.
+"""Two ports at work in the real program while editing goes on, with pictures of the screens.
 
 Two controls are played by control-simulator on two ptys: one loads a program that is sent, one punches a program that
 is received. A third file is edited and saved meanwhile. At the end the files are compared byte for byte.
 """
 
-import argparse
-import fcntl
 import os
 import shutil
 import signal
 import subprocess
 import sys
-import tty
 
-from display import Display, Failure, check, wait_for
+from display import check, run, wait_for
+from editor import TITLE, read
 
-TITLE = "Hexlane NC Editor and DNC Communications"
 ACTIVITY = "Communications Activity Screen"
 PUNCHED_SIZE = 20000  # bytes: at 9600 bits a second 20 seconds, and 15 of silence end the receive
 PARAMETERS = "Communications Parameter Settings"
-TERMINAL = "Hexlane Terminal - MILL"
 COMMUNICATIONS = "Communications"  # the box at a transfer's end, and the view Terminate
-
-
-def read(path):
-    if not os.path.exists(path):
-        return b""
-    with open(path, "rb") as file:
-        return file.read()
 
 
 def write(path, data):
     with open(path, "wb") as file:
         file.write(data)
-
-
-class Pty:
-    """A machine that this test plays itself: the other end of a pty, with a link to it."""
-
-    def __init__(self, link):
-        self.master, slave = os.openpty()
-        tty.setraw(slave)
-        if os.path.islink(link):
-            os.unlink(link)
-        os.symlink(os.ttyname(slave), link)
-        os.close(slave)
-        os.set_blocking(self.master, False)
-        self.seen = b""
-
-    def write(self, data):
-        os.write(self.master, data)
-
-    def read_so_far(self):
-        try:
-            self.seen += os.read(self.master, 4096)
-        except OSError:  # nothing yet, or nobody has the other end open
-            pass
-        return self.seen
-
-    def close(self):
-        os.close(self.master)
 
 
 class Shop:
@@ -143,21 +105,6 @@ class Shop:
 
 # ---- The run -------------------------------------------------------------------------------------------
 
-def look_at_parameters(shop):
-    """Every dialog of the machine sets; Cancel drops what was tried."""
-    shop.open(PARAMETERS, "alt+d", "p")
-    shop.picture("parameters")
-    shop.press("alt+a")                       # EIA: parity, bits and conversion are not free any more
-    shop.picture("parameters-eia")
-    shop.open("Advanced Settings", "alt+d")
-    shop.picture("advanced")
-    shop.open("ASCII Chart", "alt+a")
-    shop.picture("ascii-chart")
-    shop.open("Advanced Settings", "alt+e")
-    shop.open(PARAMETERS, "Escape")
-    shop.open(TITLE, "Escape")
-
-
 def machine_names(shop):
     """The names of the first two machines, and which machine is the current one, as the file has them."""
     data = read(os.path.join(shop.home, "ZOLT", "INIT", "COMMPARM.INI"))
@@ -228,7 +175,7 @@ def receive_on_the_other_port(shop):
     wait_for("the file of the receive", lambda: os.path.exists(shop.received_file))
     shop.lathe.stdin.write(b"\n")             # the operator of the lathe presses its start key
     shop.lathe.stdin.flush()
-    wait_for("bytes from the lathe", lambda: len(read(shop.received_file)) > 0)
+    wait_for("bytes from the lathe", lambda: read(shop.received_file))
     shop.hold_mill(False)
     shop.click(0.5, 0.35, button=0)           # the pointer rests on the upper row
     display.wait_still("the tip of the upper row", still=8)
@@ -282,71 +229,6 @@ def see_the_ends(shop):
     check(f"two receipts: {lines}", len(lines) == 2 and all(line.endswith("result complete") for line in lines))
 
 
-def talk_to_the_machine(shop):
-    """The Terminal button, on a pty that this test holds the other end of."""
-    display = shop.display
-    machine = Pty(shop.ports[0])
-    shop.open(TERMINAL, "alt+m")
-    machine.write(b"\x02N10 G0 X1\r\n\x17\x06READY\r\n")
-    display.type("G1 X5")
-    display.key("Return")
-    wait_for("the typed text at the machine", lambda: machine.read_so_far() == b"G1 X5\r\n")
-    shop.picture("terminal")
-    shop.press("alt+r")                       # the list of control characters, which finds what is typed
-    display.type("DC1")
-    shop.press("alt+o")
-    wait_for("the control character at the machine", lambda: machine.read_so_far() == b"G1 X5\r\n\x11")
-    capture_what_comes(shop, machine)
-    close_and_open_the_port(shop, machine)
-    shop.press("alt+h")
-    shop.picture("terminal-hexadecimal")
-    machine.close()
-    shop.picture("terminal-gone")
-    shop.press("alt+p")                       # the machine's end is not there
-    shop.picture("terminal-no-port")
-    machine = Pty(shop.ports[0])
-    shop.press("alt+p")
-    speak_until(shop, machine, b"M2\r\n")
-    display.key("alt+F4")
-    display.wait_active(ACTIVITY)
-    machine.close()
-
-
-def speak_until(shop, machine, wanted):
-    """Types into the field of the terminal, and Enter; the machine has it then."""
-    shop.press("alt+t")
-    shop.display.type(wanted.decode().rstrip())
-    shop.display.key("Return")
-    wait_for(f"{wanted} at the machine", lambda: machine.read_so_far().endswith(wanted))
-
-
-def capture_what_comes(shop, machine):
-    captured = shop.scratch("captured.nc")
-    shop.display.key("alt+c")
-    shop.answer_file_dialog("Capture to a file", captured)
-    shop.display.wait_active(TERMINAL)
-    wait_for("the file of the capture", lambda: os.path.exists(captured))
-    machine.write(b"N20 M30\r\n")
-    wait_for("the captured bytes", lambda: read(captured) == b"N20 M30\r\n")
-    shop.picture("terminal-capture")
-    shop.press("alt+c")
-    speak_until(shop, machine, b"M0\r\n")    # keys are taken in order, so the capture has ended before
-    machine.write(b"BEHIND THE CAPTURE\r\n")
-    shop.display.wait_still("the bytes behind the capture", still=2)
-    check("the capture has an end", read(captured) == b"N20 M30\r\n")
-
-
-def close_and_open_the_port(shop, machine):
-    """A closed port is free for others, and sends nothing."""
-    shop.press("alt+p")
-    shop.picture("terminal-closed")
-    other = os.open(shop.ports[0], os.O_RDWR | os.O_NOCTTY)
-    fcntl.flock(other, fcntl.LOCK_EX | fcntl.LOCK_NB)
-    os.close(other)
-    shop.press("alt+p")
-    speak_until(shop, machine, b"M1\r\n")
-
-
 def end_quietly(shop):
     shop.open(TITLE, "Escape")
     shop.display.key("alt+F4")
@@ -355,28 +237,16 @@ def end_quietly(shop):
     check("temporary files are gone", os.listdir(os.path.join(shop.home, "ZOLT", "ZOLTTMP")) == [])
 
 
-STEPS = (look_at_parameters, rename_to_a_name_that_is_taken, send_from_the_block, receive_on_the_other_port,
-         edit_meanwhile, hold_the_end, see_the_ends, talk_to_the_machine, end_quietly)
+STEPS = (rename_to_a_name_that_is_taken, send_from_the_block, receive_on_the_other_port, edit_meanwhile, hold_the_end,
+         see_the_ends, end_quietly)
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    for name in ("program", "cli", "simulator", "examples", "pictures"):
-        parser.add_argument("--" + name, required=True)
-    options = parser.parse_args()
-    os.makedirs(options.pictures, exist_ok=True)
-    with Display() as display:
-        try:
-            shop = Shop(display, options)
-            for step in STEPS:
-                step(shop)
-                print(f"{step.__name__}: good", flush=True)
-        except Failure as failure:
-            display.picture(os.path.join(options.pictures, "dnc-failed.png"))
-            print(f"desktop_transfers: {failure}", file=sys.stderr)
-            return 1
-    return 0
+def play(display, arguments):
+    shop = Shop(display, arguments)
+    for step in STEPS:
+        step(shop)
+        print(f"{step.__name__}: good", flush=True)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run("program cli simulator examples pictures", play))

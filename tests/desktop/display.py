@@ -4,10 +4,12 @@ Needs Xvfb, openbox, xdotool, xprop, setxkbmap and ImageMagick's import and conv
 fixed time: every wait is for a condition, with a generous limit.
 """
 
+import argparse
 import os
 import shlex
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -180,3 +182,25 @@ class Display:
             count = count + 1 if changed <= CARET_ROWS else 0
             return count >= still
         wait_for(what, is_still)
+
+
+def run(names, play, size="1280x1024"):
+    """The main function of a program that plays a person: `play` gets a display and the arguments --NAME.
+
+    Gives its exit code; a failure leaves a picture of the screen in the last of the arguments, a folder.
+    """
+    parser = argparse.ArgumentParser()
+    for name in names.split():
+        parser.add_argument("--" + name, required=True)
+    parser.add_argument("--folder")
+    arguments = parser.parse_args()
+    pictures = getattr(arguments, names.split()[-1])
+    os.makedirs(pictures, exist_ok=True)
+    program = os.path.splitext(os.path.basename(sys.argv[0]))[0]
+    with Display(size, arguments.folder) as display:
+        try:
+            return play(display, arguments) or 0
+        except Failure as failure:
+            display.picture(os.path.join(pictures, program + "-failed.png"))
+            print(f"{program}: {failure}", file=sys.stderr)
+            return 1

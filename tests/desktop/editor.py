@@ -48,6 +48,16 @@ class Editor:
         """Keys that close the topmost window, up to the editor's own."""
         self.open(TITLE, *keys)
 
+    def open_comparison(self, rows):
+        """Compare with a file of these rows, up to its dialog. Gives the file's path."""
+        path = os.path.join(self.display.scratch, "changed.nc")
+        with open(path, "wb") as file:
+            file.write(b"".join(rows))
+        self.open("Open file", "F6")
+        self.display.type(path)
+        self.open("COMPARE FILES", "Return")
+        return path
+
     # ---- The text area, in cells -------------------------------------------------------------------------
 
     def measure(self):

@@ -82,10 +82,6 @@ int number(int64_t parameter) {
     return static_cast<int>(parameter);
 }
 
-int64_t status_procedure(WindowHandle view, uint32_t message, int64_t first, int64_t second) {
-    return view_default(view, message, first, second);
-}
-
 void begin_view(ViewHandle view) {
     say("view begins");
     const WindowHandle pane = view_pane(view, PANE);
@@ -285,7 +281,7 @@ int main(int argc, char** argv) {
     end_of_long_run = argv[1];
     const MainWindowSpec spec = {"Probe", "Message probe", procedure, POPUPS, 2, ENTRIES, 7, ACCELERATORS, 3};
     window = create_main_window(&spec);
-    status = view_create_child(window, &STATUS, status_procedure);
+    status = view_create_child(window, &STATUS, view_default);
     show_window(window, ShowWindow::NORMAL);
     const int code = run_message_loop();
     end_desktop();

@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
 """Plays a person on the message probe: what reaches a window procedure from real keys, mouse, menus and boxes."""
 
-import argparse
 import os
 import sys
 
-from display import Display, Failure, check, wait_for
+from display import Failure, check, run, wait_for
 
 SB_LINEUP, SB_LINEDOWN, SB_PAGEUP, SB_PAGEDOWN, SB_THUMBPOSITION = range(5)
 FIRST_COLS = 100  # cells across in a new window
@@ -78,24 +77,22 @@ class Probe:
 
         Gives all lines, those too.
         """
-        mark = ["down 123", "up 123"]
-
-        def all_lines():
-            lines = self.lines()[self.seen:]
-            return lines[:-2] if lines[-2:] == mark else lines
-
-        def new_lines():
-            return [line for line in all_lines() if not line.startswith(tuple(leave_out))]
-        try:
-            wait_for("these lines", lambda: new_lines()[:len(wanted)] == wanted)
-            self.display.key("F12")  # when this key has come, everything before it has
-            wait_for("the key behind them", lambda: self.lines()[self.seen:][-2:] == mark)
-            check("more came than was expected", new_lines() == wanted)
-        except Failure as failure:
-            raise Failure(f"{what}: {failure}\n  wanted {wanted}\n  got    {all_lines()}") from None
-        lines = all_lines()
-        self.seen += len(lines) + len(mark)
+        self.wait_for_lines(what, wanted, leave_out)
+        self.display.key("F12")  # when this key has come, everything before it has
+        wait_for("the key behind them", lambda: self.lines()[self.seen:][-2:] == ["down 123", "up 123"])
+        lines = self.lines()[self.seen:-2]
+        self.wait_for_lines(what, wanted, leave_out, behind=2)
+        self.seen += len(lines) + 2
         return lines
+
+    def wait_for_lines(self, what, wanted, leave_out, behind=0):
+        def new_lines():
+            lines = self.lines()[self.seen:]
+            return [line for line in lines[:len(lines) - behind] if not line.startswith(tuple(leave_out))]
+        try:
+            wait_for("these lines", lambda: new_lines() == wanted)
+        except Failure as failure:
+            raise Failure(f"{what}: {failure}\n  wanted {wanted}\n  got    {self.lines()[self.seen:]}") from None
 
     def expect_modal(self, what, wanted):
         """The same of a command that shows something modal: the program has no keyboard while that is up.
@@ -107,11 +104,7 @@ class Probe:
 
     def expect_under_box(self, what, wanted, leave_out=("focus",)):
         """The same where no key can be pressed behind it."""
-        try:
-            wait_for("these lines", lambda: [line for line in self.lines()[self.seen:]
-                                             if not line.startswith(tuple(leave_out))] == wanted)
-        except Failure as failure:
-            raise Failure(f"{what}: {failure}\n  wanted {wanted}\n  got    {self.lines()[self.seen:]}") from None
+        self.wait_for_lines(what, wanted, leave_out)
         self.seen = len(self.lines())
 
 
@@ -329,38 +322,20 @@ def check_proportional_font(display, program, what, rejected, pictures):
     probe.process.wait(60)
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--probe", required=True)
-    parser.add_argument("--pictures", required=True)
-    arguments = parser.parse_args()
-    os.makedirs(arguments.pictures, exist_ok=True)
-    with Display() as display:
-        try:
-            probe = Probe(display, arguments.probe)
-            check_start(probe)
-            check_keys(probe, display)
-            check_other_keyboards(probe, display)
-            check_mouse(probe, display)
-            check_scroll_bar(probe, display)
-            check_menu(probe, display)
-            check_held(probe, display)
-            check_box(probe, display)
-            check_view(probe, display)
-            check_timer_and_worker(probe, display)
-            check_long_run(probe, display, arguments.pictures)
-            check_end(probe, display)
-            for scale in ("1", "1.25", "2"):
-                width, height = check_sharpness(display, arguments.probe, scale, arguments.pictures)
-                print(f"scale {scale}: a cell is {width} by {height} pixels")
-            for what, rejected in SPACINGS.items():
-                check_proportional_font(display, arguments.probe, what, rejected, arguments.pictures)
-        except Failure as failure:
-            display.picture(os.path.join(arguments.pictures, "messages-failed.png"))
-            print(f"messages_test: {failure}", file=sys.stderr)
-            return 1
-    return 0
+def play(display, arguments):
+    probe = Probe(display, arguments.probe)
+    check_start(probe)
+    for check_one in (check_keys, check_other_keyboards, check_mouse, check_scroll_bar, check_menu, check_held, check_box,
+                      check_view, check_timer_and_worker):
+        check_one(probe, display)
+    check_long_run(probe, display, arguments.pictures)
+    check_end(probe, display)
+    for scale in ("1", "1.25", "2"):
+        width, height = check_sharpness(display, arguments.probe, scale, arguments.pictures)
+        print(f"scale {scale}: a cell is {width} by {height} pixels")
+    for what, rejected in SPACINGS.items():
+        check_proportional_font(display, arguments.probe, what, rejected, arguments.pictures)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run("probe pictures", play))

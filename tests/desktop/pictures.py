@@ -7,7 +7,6 @@ Some pictures show where the programs lie: --folder gives that place a name, so 
 pictures. Fails when a dialog does not come up, does not have the keyboard, or does not go away. Small files: few colors are kept.
 """
 
-import argparse
 import os
 import pty
 import shutil
@@ -16,7 +15,7 @@ import sys
 import threading
 import tty
 
-from display import Display, Failure, wait_for
+from display import run, wait_for
 from editor import TITLE, Editor
 
 COLORS_KEPT = 96
@@ -136,12 +135,7 @@ def keep_compare(pictures):
     rows = pictures.original.splitlines(keepends=True)
     rows[9] = rows[9].replace(b"3200", b"2800")
     rows.insert(17, b"M1 (CHECK THE FACE)\r\n")
-    changed = os.path.join(pictures.display.scratch, "changed.nc")
-    with open(changed, "wb") as file:
-        file.write(b"".join(rows))
-    pictures.open("Open file", "F6")
-    pictures.display.type(changed)
-    pictures.open("COMPARE FILES", "Return")
+    pictures.open_comparison(rows)
     pictures.keep_active("compare-files")
     pictures.open("Compare Results", "Return")
     pictures.display.key("Return")
@@ -223,34 +217,20 @@ def record_macro(pictures):
     pictures.display.key("alt+m", "e")
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--examples", required=True)
-    parser.add_argument("--out", required=True)
-    parser.add_argument("--folder")
-    arguments = parser.parse_args()
-    os.makedirs(arguments.out, exist_ok=True)
-    with Display(folder=arguments.folder) as display:
-        control = Control(display)
-        display.environment["CUPS_SERVER"] = os.path.join(display.scratch, "no-cups")  # whatever printers there are
-        try:
-            pictures = Pictures(display, arguments)
-            keep_window(pictures)
-            keep_match(pictures)
-            record_macro(pictures)
-            for dialog in DIALOGS:
-                pictures.keep_dialog(*dialog)
-            keep_replace_step(pictures)
-            keep_macro_runs(pictures)
-            keep_compare(pictures)
-            keep_transfer(pictures, control, os.path.join(arguments.examples, "bowl-finish.nc"))
-        except Failure as failure:
-            display.picture(os.path.join(arguments.out, "failed.png"))
-            print(f"pictures: {failure}", file=sys.stderr)
-            return 1
-    return 0
+def play(display, arguments):
+    control = Control(display)
+    display.environment["CUPS_SERVER"] = os.path.join(display.scratch, "no-cups")  # whatever printers there are
+    pictures = Pictures(display, arguments)
+    keep_window(pictures)
+    keep_match(pictures)
+    record_macro(pictures)
+    for dialog in DIALOGS:
+        pictures.keep_dialog(*dialog)
+    keep_replace_step(pictures)
+    keep_macro_runs(pictures)
+    keep_compare(pictures)
+    keep_transfer(pictures, control, os.path.join(arguments.examples, "bowl-finish.nc"))
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run("program examples out", play))

@@ -1,13 +1,12 @@
 #!/usr/bin/env python3
 """Print in the real window through a print service: what arrives there, by its text and pages."""
 
-import argparse
 import os
 import shutil
 import subprocess
 import sys
 
-from display import Display, Failure, check, wait_for
+from display import check, run, wait_for
 from editor import TITLE, Editor
 from print_service import QUEUE, PrintService
 
@@ -40,30 +39,17 @@ def check_job(editor, service):
     check("the rows of the second page", words_of(pages[1]) == words_of(" ".join(rows[49:100])))
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--examples", required=True)
-    parser.add_argument("--pictures", required=True)
-    arguments = parser.parse_args()
+def play(display, arguments):
     if shutil.which("pdftotext") is None:
         return skip("pdftotext is not installed")
-    with Display() as display:
-        try:
-            service = PrintService(display)
-        except RuntimeError as reason:
-            return skip(str(reason))
-        display.environment["CUPS_SERVER"] = service.socket
-        try:
-            editor = Editor(display, arguments.program, arguments.examples)
-            check_job(editor, service)
-            print("print service: good")
-        except Failure as failure:
-            display.picture(os.path.join(arguments.pictures, "print-failed.png"))
-            print(f"print_test: {failure}", file=sys.stderr)
-            return 1
+    try:
+        service = PrintService(display)
+    except RuntimeError as reason:
+        return skip(str(reason))
+    display.environment["CUPS_SERVER"] = service.socket
+    check_job(Editor(display, arguments.program, arguments.examples), service)
     return 0
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run("program examples pictures", play))

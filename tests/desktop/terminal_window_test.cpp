@@ -26,6 +26,7 @@
 #include <ctime>
 #include <filesystem>
 #include <set>
+#include <stdexcept>
 
 namespace hexlane {
 namespace {
@@ -90,20 +91,18 @@ protected:
             workers.erase(id);
     }
 
-    // ---- What is on the window ----------------------------------------------------------------------------
-
-    QPushButton* button(const QString& label) {
-        for (auto* found : window->findChildren<QPushButton*>()) {
+    // The widget of that kind whose text begins so. Its test ends where there is none.
+    template <typename Widget>
+    Widget* labelled(const QString& label) {
+        for (auto* found : window->findChildren<Widget*>()) {
             if (found->text().remove(QLatin1Char('&')).startsWith(label))
                 return found;
         }
-        ADD_FAILURE() << "no button " << label.toStdString();
-        return nullptr;
+        throw std::runtime_error("nothing is labelled " + label.toStdString());
     }
-    void press(const QString& label) {
-        if (QPushButton* found = button(label); found != nullptr)
-            found->click();
-    }
+    QPushButton* button(const QString& label) { return labelled<QPushButton>(label); }
+    QCheckBox* box(const QString& label) { return labelled<QCheckBox>(label); }
+    void press(const QString& label) { button(label)->click(); }
     // Whether a visible label has the words in it.
     bool tells(const QString& words) {
         for (const auto* label : window->findChildren<QLabel*>()) {
@@ -156,18 +155,12 @@ protected:
     std::set<int> workers;  // threads that began with the window: the line's is one of them
 };
 
-// ---- Sending
-// -------------------------------------------------------------------------------------------------
-
 TEST_F(Terminal, TypedTextGoesOutWithTheEndOfBlockUnlessThatIsOff) {
     show();
     type(QStringLiteral("G1 X5"));
     ASSERT_TRUE(machine_gets("G1 X5\r\n"));
     EXPECT_EQ(text_field()->selectedText(), QStringLiteral("G1 X5"));
-    for (auto* box : window->findChildren<QCheckBox*>()) {
-        if (box->text().contains(QStringLiteral("block")))
-            box->setChecked(false);
-    }
+    box(QStringLiteral("with end of block"))->click();
     text_field()->setText(QStringLiteral("M0"));
     press(QStringLiteral("Send"));
     EXPECT_TRUE(machine_gets("G1 X5\r\nM0"));
@@ -208,25 +201,18 @@ TEST_F(Terminal, CharactersWithoutACodeAreToldAndTheRestIsSent) {
     EXPECT_FALSE(tells(QStringLiteral("were left out")));
 }
 
-// ---- Receiving
-// -----------------------------------------------------------------------------------------------
-
 TEST_F(Terminal, HexadecimalShowsTheSameBytesAndGoesBack) {
     show();
     machine.send("\x02READY\r\n\x17\x06");
     const QString named = QStringLiteral("<STX>READY<CR><LF>\n<ETB><ACK>");
     ASSERT_TRUE(comes_true([&] { return view_text() == named; })) << view_text().toStdString();
-    QCheckBox* box = nullptr;
-    for (auto* found : window->findChildren<QCheckBox*>())
-        box = found->text().contains(QStringLiteral("Hexadecimal")) ? found : box;
-    ASSERT_NE(box, nullptr);
-    box->click();
+    box(QStringLiteral("Hexadecimal"))->click();
     EXPECT_EQ(view_text(), QStringLiteral("02 52 45 41 44 59 0D 0A 17 06 "));
     machine.send("0123456");
     EXPECT_TRUE(comes_true([&] {
         return view_text() == QStringLiteral("02 52 45 41 44 59 0D 0A 17 06 30 31 32 33 34 35\n36 ");
     })) << view_text().toStdString();
-    box->click();
+    box(QStringLiteral("Hexadecimal"))->click();
     EXPECT_EQ(view_text(), named + QStringLiteral("0123456"));
     press(QStringLiteral("Clear"));
     EXPECT_EQ(view_text(), QString());
@@ -248,9 +234,6 @@ TEST_F(Terminal, ErrorsAreCountedFromTheOpeningOfThePortOn) {
     press(QStringLiteral("Open port"));
     EXPECT_TRUE(tells(QStringLiteral("errors: 0 parity, 0 framing, 0 overrun")));
 }
-
-// ---- The port
-// ------------------------------------------------------------------------------------------------
 
 TEST_F(Terminal, CloseLetsThePortGoAndOpenTakesItBack) {
     show();
@@ -314,9 +297,6 @@ TEST_F(Terminal, BytesThatAHeldLineDropsAreTold) {
     press(QStringLiteral("Close port"));
     EXPECT_TRUE(tells(QStringLiteral("The last 7 bytes were not sent")));
 }
-
-// ---- Capture
-// -------------------------------------------------------------------------------------------------
 
 TEST_F(Terminal, ACaptureHoldsWhatComesInUntilItsEnd) {
     QFile old(scratch("captured.nc"));

@@ -4,14 +4,13 @@
 Works on a copy of the example, in a home of its own; nothing is left behind but the pictures.
 """
 
-import argparse
 import os
 import re
 import shutil
 import subprocess
 import sys
 
-from display import Display, Failure, wait_for
+from display import run, wait_for
 from editor import Editor, read
 
 ACTIVITY = "Communications Activity Screen"
@@ -128,12 +127,7 @@ def compare(editor):
     rows[2] = rows[2].rstrip() + b" (OLD)\r\n"
     rows.insert(5, b"M0\r\n")
     del rows[9]
-    before = os.path.join(editor.display.scratch, "before.nc")
-    with open(before, "wb") as file:
-        file.write(b"".join(rows))
-    editor.open("Open file", "F6")
-    editor.display.type(before)
-    editor.open("COMPARE FILES", "Return")
+    editor.open_comparison(rows)
     editor.open("Compare Results", "Return")
     editor.display.key("Return")
 
@@ -202,27 +196,13 @@ def take_tour(editor, out):
     editor.process.wait(60)
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--simulator", required=True)
-    parser.add_argument("--example", required=True)
-    parser.add_argument("--out", required=True)
-    arguments = parser.parse_args()
-    os.makedirs(arguments.out, exist_ok=True)
-    with Display("1024x768") as display:
-        display.environment["CUPS_SERVER"] = os.path.join(display.scratch, "no-print-service")
-        display.environment["HEXLANE_COM1"] = os.path.join(display.scratch, "mill")
-        try:
-            editor = Editor(display, arguments.program, EXAMPLES, os.path.abspath(arguments.example))
-            editor.simulator = arguments.simulator
-            take_tour(editor, arguments.out)
-        except Failure as failure:
-            display.picture(os.path.join(arguments.out, "tour-failed.png"))
-            print(f"tour: {failure}", file=sys.stderr)
-            return 1
-    return 0
+def play(display, arguments):
+    display.environment["CUPS_SERVER"] = os.path.join(display.scratch, "no-print-service")
+    display.environment["HEXLANE_COM1"] = os.path.join(display.scratch, "mill")
+    editor = Editor(display, arguments.program, EXAMPLES, os.path.abspath(arguments.example))
+    editor.simulator = arguments.simulator
+    take_tour(editor, arguments.out)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run("program simulator example out", play, size="1024x768"))
