@@ -60,8 +60,6 @@ int64_t window_proc(WindowHandle, uint32_t message, int64_t first, int64_t) {
         open_line();
     } else if (message == WM_CHAR && first == 'r') {
         run_long();
-    } else if (message == WM_CHAR && first == 'b') {
-        message_box("Up", "Test", BoxIcon::NONE, BUTTONS_OK);
     } else if (message == WM_CLOSE) {
         post_quit(0);
     }
@@ -99,30 +97,6 @@ Played play(std::string script) {
     waitpid(child, &status, 0);
     played.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return played;
-}
-
-TEST(Script, LinesActInTheMiddleOfALongRun) {
-    reset_desktop();
-    const Played played = play("later 2 char 98  # brings up a box\n"
-                               "later  4 \tcaret\n"
-                               "char 114\n"
-                               "press \"OK\"\n"
-                               "close\n");
-    EXPECT_EQ(played.record, "> later 2 char 98\n"
-                             "> later  4 \\x09caret\n"
-                             "> char 114\n"
-                             "pump 1\n"
-                             "> char 98\n"
-                             "message \"Up\" title \"Test\" icon none buttons \"OK\"\n"
-                             "> press \"OK\"\n"
-                             "pump 2 served\n"
-                             "pump 3\n"
-                             "> caret\n"
-                             "caret hidden\n"
-                             "pump 4 served\n"
-                             "> close\n"
-                             "exit 0\n");
-    EXPECT_EQ(played.code, SCRIPT_RAN);
 }
 
 TEST(Script, LineThatWaitsForAPumpInVainStopsTheRun) {

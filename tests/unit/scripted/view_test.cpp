@@ -221,24 +221,6 @@ TEST_F(ViewTest, HiddenOrDisabledControlLosesTheFocus) {
     });
 }
 
-// ---- Panes -------------------------------------------------------------------------------------------
-
-TEST_F(ViewTest, PaneHasCellsOfItsOwn) {
-    run(
-        [](ViewHandle view) {
-            const WindowHandle pane = view_pane(view, 7);
-            EXPECT_NE(pane, view_pane(view, 9));
-            EXPECT_EQ(view_pane(view, 5), NO_WINDOW);
-            draw_text(pane, CELL_WIDTH, 2 * CELL_HEIGHT + 1, "0123456789", 10, WHITE, 0xFF);
-            draw_text(pane, 0, 3 * CELL_HEIGHT, "outside", 7, WHITE, BLACK);
-            EXPECT_EQ(pane_row(pane, 2), " 012345678");
-            EXPECT_EQ(pane_cell(pane, 1, 2).paper, 0xFFU);
-            EXPECT_EQ(pane_row(pane, 0) + pane_row(view_pane(view, 9), 0) + screen_row(2), "");
-            view_end(view, 0);
-        },
-        PANE_VIEW);
-}
-
 TEST_F(ViewTest, PaneTellsItsViewOfKeysMouseAndScrollBar) {
     run(
         [](ViewHandle view) {

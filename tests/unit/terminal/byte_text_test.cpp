@@ -41,12 +41,6 @@ TEST(LineBytes, CharactersThatTheCodeHasNotAreCounted) {
     EXPECT_EQ(lost, 1);
 }
 
-TEST(ControlByte, EiaHasFewOfThem) {
-    EXPECT_EQ(control_byte(CHARACTERS, 0x11), 0x11);
-    EXPECT_EQ(control_byte(EIA, '\n'), EIA_CODE.send['\n']);
-    EXPECT_EQ(control_byte(EIA, 0x01), -1);
-}
-
 TEST(CountersText, TellsWhatWaitsAndWhatWentWrong) {
     LineCounters counters = {};
     counters.received = 12;
