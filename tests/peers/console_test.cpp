@@ -74,21 +74,17 @@ TEST(Console, StartingATimerAgainGivesItTheNewPeriod) {
     EXPECT_EQ(heard, "22");
 }
 
-TEST(Console, AWorkersSendIsServedInTheLoop) {
+TEST(Console, AWorkersSendIsServedInTheLoopAndWhileItIsJoined) {
     const WindowHandle target = window();
-    answer = 0;
-    const ThreadHandle worker = thread_start(ask, target, ThreadPriority::NORMAL);
-    EXPECT_EQ(run_message_loop(), 5);
-    thread_join(worker);
-    EXPECT_EQ(answer, 42);
-}
-
-TEST(Console, AWorkersSendIsServedWhileItIsJoined) {
-    const WindowHandle target = window();
-    answer = 0;
-    thread_join(thread_start(ask, target, ThreadPriority::NORMAL));
-    EXPECT_EQ(answer, 42);
-    EXPECT_EQ(run_message_loop(), 5);
+    for (const bool joined_first : {false, true}) {
+        answer = 0;
+        const ThreadHandle worker = thread_start(ask, target, ThreadPriority::NORMAL);
+        if (joined_first)
+            thread_join(worker);
+        EXPECT_EQ(run_message_loop(), 5);
+        thread_join(worker);
+        EXPECT_EQ(answer, 42);
+    }
 }
 
 TEST(Console, ASignalIsPosted) {

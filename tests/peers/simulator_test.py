@@ -70,16 +70,16 @@ class SimulatorTest(Case):
                 self.assertIn(told, machine.report['text'])
                 self.assertGreater(machine.report['other faults'] + machine.report.get('check errors', 0), 0)
 
-    def test_dollar_in_a_program_is_no_line_end(self):
-        machine = self.feed('--eob dollar', b'A$B$\r\n$$\r\n')
-        self.assertEqual(machine.process.returncode, 0, machine.report['text'])
-        self.assertEqual(self.home.path('machine.nc').read_bytes(), b'A$B\r\n$\r\n')
-
-    def test_an_end_string_that_fills_the_last_block(self):
-        program = b'1' * 249
-        machine = self.feed('--protocol bridgeport --end-string 13,10', program + b'\r\n\x17' + b'1' + b'\x04')
-        self.assertEqual(machine.process.returncode, 0, machine.report['text'])
-        self.assertEqual(self.home.path('machine.nc').read_bytes(), program)
+    def test_programs_that_look_like_a_fault(self):
+        for name, options, stream, program in (
+            ('a dollar that is no line end', '--eob dollar', b'A$B$\r\n$$\r\n', b'A$B\r\n$\r\n'),
+            ('an end string that fills the last block', '--protocol bridgeport --end-string 13,10',
+             b'1' * 249 + b'\r\n\x171\x04', b'1' * 249),
+        ):
+            with self.subTest(name):
+                machine = self.feed(options, stream)
+                self.assertEqual(machine.process.returncode, 0, machine.report['text'])
+                self.assertEqual(self.home.path('machine.nc').read_bytes(), program)
 
     def test_the_line_is_opened_again_before_anything_comes(self):
         with Simulator(self.home, '--receive', 'machine.nc') as machine:

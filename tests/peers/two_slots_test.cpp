@@ -8,11 +8,8 @@
 #include "platform/console/console.h"
 #include "platform/desktop.h"
 #include "shell/child.h"
+#include "unit/platform/temp_folder.h"
 #include "unit/serial/serial_fixture.h"
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace hexlane {
 namespace {
@@ -73,10 +70,9 @@ std::string rows_of_blocks(const std::string& line) {
     return rows;
 }
 
-class TwoSlots : public testing::Test {
+class TwoSlots : public TempFolder {
 protected:
-    TwoSlots() : folder(std::filesystem::temp_directory_path() / ("two-slots-" + std::to_string(getpid()))) {
-        std::filesystem::create_directory(folder);
+    TwoSlots() {
         child[0].main_window = main_window();
         set_machine_defaults();
         for (int slot = 0; slot < SLOT_COUNT; slot++) {
@@ -91,12 +87,10 @@ protected:
             port_close(slot);
         for (std::thread& each : machines)
             each.join();
-        std::filesystem::remove_all(folder);
     }
 
     void name_file(int slot) {
-        const std::string path = folder / std::to_string(slot);
-        copy_text(transfer_state[slot].file_name, PATH_SIZE, path.c_str());
+        copy_text(transfer_state[slot].file_name, PATH_SIZE, path(std::to_string(slot)).c_str());
         transfer_state[slot].start_now = 1;
         ASSERT_EQ(port_init(slot, machine_table[slot]), 1);
         ASSERT_EQ(port_open(slot), 1) << line_problem_text();
@@ -104,7 +98,7 @@ protected:
 
     // The machine takes what comes until `last` has, and answers each block of a line that has blocks.
     void begin_send(int slot, const std::string& last) {
-        std::ofstream(folder / std::to_string(slot), std::ios::binary) << program(slot);
+        write(std::to_string(slot), program(slot));
         name_file(slot);
         TransferState& t = transfer_state[slot];
         send_now = 1;
@@ -148,14 +142,13 @@ protected:
         machines.clear();
     }
 
-    std::string file(int slot) {
-        std::ostringstream text;
-        text << std::ifstream(folder / std::to_string(slot), std::ios::binary).rdbuf();
-        return text.str();
+    void expect_received(int slot) const {
+        const std::string file = read(std::to_string(slot));
+        EXPECT_EQ(transfer_state[slot].status, RECEIVE_DONE);
+        EXPECT_TRUE(file == program(slot)) << file.size();
     }
 
     const PacingOff off;
-    std::filesystem::path folder;
     Machine machine[SLOT_COUNT];
     std::vector<std::thread> machines;
 };
@@ -176,10 +169,8 @@ TEST_F(TwoSlots, ReceiveAtOnce) {
     begin_receive(0);
     begin_receive(1);
     run_until_closed();
-    for (int slot = 0; slot < SLOT_COUNT; slot++) {
-        EXPECT_EQ(transfer_state[slot].status, RECEIVE_DONE);
-        EXPECT_TRUE(file(slot) == program(slot)) << file(slot).size();
-    }
+    for (int slot = 0; slot < SLOT_COUNT; slot++)
+        expect_received(slot);
     EXPECT_GT(seen_on_screen, 0);
 }
 
@@ -187,9 +178,8 @@ TEST_F(TwoSlots, OneSendsWhileTheOtherReceives) {
     begin_receive(0);
     begin_send(1, program(1).substr(program(1).size() - 20));
     run_until_closed();
-    EXPECT_EQ(transfer_state[0].status, RECEIVE_DONE);
+    expect_received(0);
     EXPECT_EQ(transfer_state[1].status, SEND_DONE);
-    EXPECT_TRUE(file(0) == program(0)) << file(0).size();
     EXPECT_TRUE(machine[1].take() == program(1));
 }
 
