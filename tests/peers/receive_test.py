@@ -60,13 +60,6 @@ class ReceiveTest(Case):
                                  self.errors + machine.report['text'])
                 self.assertEqual(self.home.path('got.nc').read_bytes(), program)
 
-    def test_leader_is_dropped_and_sequences_are_kept(self):
-        self.home.write('part.nc', b'N1 G0\r\n')
-        _, cli = self.receive({'data_type': 'ascii', 'eob': 'lf'},
-                              ('--eob', 'lf', '--start-string', '0*50,37,10', '--end-string', '37,0*50'))
-        self.assertEqual(self.home.path('got.nc').read_bytes(), b'%\r\nN1 G0\r\n%')
-        self.assertEqual(cli.receipt['line'].split()[0], '109')
-
     def test_receipt(self):
         self.home.write('part.nc', PROGRAM)
         machine, cli = self.receive({'eob': 'lf'}, ('--eob', 'lf'))

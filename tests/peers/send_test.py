@@ -26,13 +26,6 @@ class SendTest(Case):
             self.all_well(machine, cli)
         return self.home.path('machine.nc').read_bytes(), machine, cli
 
-    def test_every_example_under_every_protocol(self):
-        for example in sorted((TOP / 'examples').glob('*.nc')):
-            for protocol in PROTOCOLS:
-                with self.subTest(example=example.name, protocol=protocol):
-                    got, _, _ = self.send(protocol, b'', file=example)
-                    self.assertEqual(got, example.read_bytes())
-
     def test_a_paced_line_stops_soon_after_xoff(self):
         self.home.set_machine(2, {'protocol': 'general', 'baud': 9600})
         source = self.home.write('part.nc', PROGRAM[:1000])

@@ -1,5 +1,4 @@
-// The rules of the keyboard: what types a character, what modifiers make of it, and when an accelerator
-// fires.
+// The rules of the keyboard: what types a character, and what modifiers make of it.
 
 #include "platform/keys.h"
 
@@ -63,21 +62,6 @@ TEST(Keys, ParameterHoldsRepeatScanCodeAndState) {
     EXPECT_EQ(key_parameter(key_by_name("A"), 1, false), 0x001E0001);
     EXPECT_EQ(key_parameter(key_by_name("Right"), 3, false), 0x014D0003);
     EXPECT_EQ(key_parameter(key_by_name("Right"), 1, true), 0xC14D0001);
-}
-
-TEST(Keys, AcceleratorsMatchModifiersExactlyAndTakeTheKey) {
-    const Accelerator accelerators[] = {{'S', KEY_WITH_CTRL, 1002}, {VK_DELETE, 0, 1011}};
-    const auto plan = [&](const char* name, int modifiers) {
-        return plan_key(key_by_name(name), modifiers, accelerators, 2);
-    };
-    EXPECT_EQ(plan("S", KEY_WITH_CTRL).command, 1002);
-    EXPECT_TRUE(plan("S", KEY_WITH_CTRL).taken);
-    EXPECT_EQ(plan("S", KEY_WITH_CTRL).character, -1);
-    EXPECT_EQ(plan("S", KEY_WITH_CTRL | KEY_WITH_SHIFT).command, 0);
-    EXPECT_EQ(plan("S", KEY_WITH_CTRL | KEY_WITH_SHIFT).character, 19);
-    EXPECT_EQ(plan("Delete", 0).command, 1011);
-    EXPECT_FALSE(plan("Delete", KEY_WITH_SHIFT).taken);
-    EXPECT_EQ(plan("S", 0).character, 's');
 }
 
 }  // namespace

@@ -80,8 +80,9 @@ TEST_F(DesktopTest, KeysBecomeTheMessagesOfTheirPress) {
         {"Alt+F", ""},
         {"F10", ""},                                        // the menu bar's
         {"Ctrl+O", "down 17, command 1001, up 79, up 17"},  // accelerator
-        {"Ctrl+S", "down 17, up 83, up 17"},                // of a grayed entry: taken, and nothing done
-        {"Backspace", "command 1031, up 8"},                // of a command without an entry
+        {"Ctrl+Shift+O", "down 16, down 17, down 79, char 15, up 79, up 17, up 16"},
+        {"Ctrl+S", "down 17, up 83, up 17"},  // of a grayed entry: taken, and nothing done
+        {"Backspace", "command 1031, up 8"},  // of a command without an entry
         {"Shift+Backspace", "down 16, down 8, char 8, up 8, up 16"},
     };
     for (const auto& c : cases) {
