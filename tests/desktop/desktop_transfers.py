@@ -176,11 +176,9 @@ def receive_on_the_other_port(shop):
     shop.lathe.stdin.write(b"\n")             # the operator of the lathe presses its start key
     shop.lathe.stdin.flush()
     wait_for("bytes from the lathe", lambda: read(shop.received_file))
-    shop.hold_mill(False)
     shop.click(0.5, 0.35, button=0)           # the pointer rests on the upper row
     display.wait_still("the tip of the upper row", still=8)
     shop.picture("both-rows")
-    shop.hold_mill(True)
 
 
 def edit_meanwhile(shop):
