@@ -98,6 +98,19 @@ Refusal person_points_at_menu(int id) {
     return "";
 }
 
+Refusal person_walks_menu() {
+    Refusal refusal;
+    for (const MenuPopup& popup : desktop.main.popups) {
+        refusal = person_points_at_menu(popup.id);
+        for (const MenuItem& item : desktop.main.items) {
+            if (refusal.empty() && item.spec.popup == popup.id && item.spec.id != 0) {
+                refusal = person_points_at_menu(item.spec.id);
+            }
+        }
+    }
+    return refusal;
+}
+
 Refusal person_closes_window() {
     Refusal refusal = main_window_refuses("the close box");
     if (refusal.empty()) {

@@ -37,6 +37,7 @@ Refusal person_sends_character(int code, int repeat);
 
 Refusal person_chooses_command(int id);  // records `grayed ID` when it is not enabled
 Refusal person_points_at_menu(int id);   // an entry or popup: its hint comes up and goes away
+Refusal person_walks_menu();             // each popup and its entries, in menu order
 Refusal person_closes_window();
 Refusal person_leaves_window();  // the focus goes elsewhere
 Refusal person_returns_to_window();

@@ -85,6 +85,9 @@ Refusal do_command(const Words& words) {
 
 Refusal do_hint(const Words& words) {
     int id = 0;
+    if (has(words, 0, 0)) {
+        return person_walks_menu();
+    }
     return has(words, 1, 1) && number_at(words, 1, 1, INT16_MAX, &id) ? person_points_at_menu(id) : WRONG_USE;
 }
 
@@ -273,7 +276,7 @@ const Action ACTIONS[] = {
     {"type", "\"TEXT\"", WHILE_RUNNING, do_type},
     {"char", "CODE [REPEAT]", WHILE_RUNNING, do_char},
     {"command", "ID", WHILE_RUNNING, do_command},
-    {"hint", "ID", WHILE_RUNNING, do_hint},
+    {"hint", "[ID]", WHILE_RUNNING, do_hint},
     {"later", "N LINE", WHILE_RUNNING, do_later},
     {"mouse", "[PANE] down|move|up|right COL ROW [Shift] [Ctrl]", WHILE_RUNNING, do_mouse},
     {"pointer", "COL ROW", WHILE_RUNNING, do_pointer},
