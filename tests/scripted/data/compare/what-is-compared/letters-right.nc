@@ -1,6 +1,10 @@
 P
 Q
 R
+S
+A
+B
+C
 D
 E
 F
