@@ -16,6 +16,7 @@ struct Place {
 };
 
 bool printed = false;
+std::vector<std::string>* aside = nullptr;
 std::vector<std::string> kept;
 std::vector<Place> places;  // longest path first
 const char* (*prefix_source)() = nullptr;
@@ -39,8 +40,8 @@ bool path_stands_at(std::string_view text, std::size_t at, const std::string& pa
 }  // namespace
 
 void record_line(const std::string& line) {
-    if (!printed) {
-        kept.push_back(line);
+    if (aside != nullptr || !printed) {
+        (aside != nullptr ? *aside : kept).push_back(line);
         return;
     }
     std::fputs(line.c_str(), stdout);
@@ -55,6 +56,14 @@ void print_record() {
 
 bool record_is_printed() {
     return printed;
+}
+
+std::vector<std::string> record_aside(const std::function<void()>& act) {
+    std::vector<std::string> lines;
+    aside = &lines;
+    act();
+    aside = nullptr;
+    return lines;
 }
 
 std::vector<std::string>& kept_lines() {
@@ -138,6 +147,7 @@ void set_prefix_source(const char* (*prefix)()) {
 }
 
 void stop_run(const std::string& reason) {
+    aside = nullptr;
     if (stop_handler != nullptr) {
         stop_handler(reason);
     }

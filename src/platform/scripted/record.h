@@ -2,6 +2,7 @@
 // unit test keeps it. Also how texts and paths are written in it. Main thread only.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,9 @@ namespace hexlane::platform {
 void record_line(const std::string& line);
 void print_record();
 bool record_is_printed();
+
+// The lines that `act` adds; they stay out of the record.
+std::vector<std::string> record_aside(const std::function<void()>& act);
 std::vector<std::string>& kept_lines();
 
 // Bytes outside 0x20 to 0x7E as \xHH, the rest as it is: for text that is written in the form of the record

@@ -6,6 +6,7 @@
 #include "platform/scripted/modal.h"
 #include "platform/scripted/record.h"
 #include "platform/scripted/script_actions.h"
+#include "platform/scripted/script_watch.h"
 
 #include <chrono>
 #include <climits>
@@ -157,6 +158,7 @@ void print_start_time() {
 // The person of a script: one line whenever the program waits.
 bool play_next_line() {
     print_start_time();
+    print_watched();
     if (peek_line() != nullptr) {
         play_line();
         return true;

@@ -5,9 +5,11 @@
 #include "platform/scripted/script_actions.h"
 
 #include "platform/messages.h"
+#include "platform/scripted/modal.h"
 #include "platform/scripted/printer.h"
 #include "platform/scripted/record.h"
 #include "platform/scripted/script_files.h"
+#include "platform/scripted/script_watch.h"
 
 #include <climits>
 
@@ -62,7 +64,19 @@ Refusal do_later(const Words&) {
 }
 
 Refusal do_key(const Words& words) {
-    return has(words, 1, 1) && !words[1].is_quoted ? person_presses(words[1].text) : WRONG_USE;
+    int times = 1;
+    if (!has(words, 1, 2) || words[1].is_quoted ||
+        (words.size() == 3 && !number_at(words, 2, 1, INT16_MAX, &times))) {
+        return WRONG_USE;
+    }
+    LongAct act;
+    Refusal refusal;
+    for (begin_long_act(&act, times); refusal.empty() && act.done < act.total && !act.stopped;) {
+        act.done++;
+        refusal = person_presses(words[1].text);
+    }
+    end_long_act(&act);
+    return refusal;
 }
 
 Refusal do_type(const Words& words) {
@@ -121,8 +135,11 @@ Refusal do_mouse(const Words& words) {
     constexpr struct {
         const char* name;
         MouseAct act;
-    } ACTS[] = {
-        {"down", MouseAct::DOWN}, {"move", MouseAct::MOVE}, {"up", MouseAct::UP}, {"right", MouseAct::RIGHT}};
+    } ACTS[] = {{"down", MouseAct::DOWN},
+                {"move", MouseAct::MOVE},
+                {"up", MouseAct::UP},
+                {"right", MouseAct::RIGHT},
+                {"click", MouseAct::DOWN}};
     MouseEvent event;
     event.in_pane = control_at(words, 1, &event.pane);
     const std::size_t at = event.in_pane ? 2 : 1;
@@ -140,7 +157,9 @@ Refusal do_mouse(const Words& words) {
     for (const auto& candidate : ACTS) {
         if (words[at].text == candidate.name) {
             event.act = candidate.act;
-            return person_uses_mouse(event);
+            const Refusal refusal = person_uses_mouse(event);
+            event.act = MouseAct::UP;
+            return refusal.empty() && words[at].text == "click" ? person_uses_mouse(event) : refusal;
         }
     }
     return WRONG_USE;
@@ -272,13 +291,13 @@ constexpr const char* CONTROL_USE = "\"LABEL\"|\"LABEL\"/N|@ID";
 const Action ACTIONS[] = {
     {"size", "COLS ROWS", BEFORE_START | WHILE_RUNNING, do_size},
     {"start", "[\"FILE\"]", BEFORE_START | WHILE_RUNNING, do_start},
-    {"key", "[Shift+][Ctrl+][Alt+]NAME", WHILE_RUNNING, do_key},
+    {"key", "[Shift+][Ctrl+][Alt+]NAME [TIMES]", WHILE_RUNNING, do_key},
     {"type", "\"TEXT\"", WHILE_RUNNING, do_type},
     {"char", "CODE [REPEAT]", WHILE_RUNNING, do_char},
     {"command", "ID", WHILE_RUNNING, do_command},
     {"hint", "[ID]", WHILE_RUNNING, do_hint},
     {"later", "N LINE", WHILE_RUNNING, do_later},
-    {"mouse", "[PANE] down|move|up|right COL ROW [Shift] [Ctrl]", WHILE_RUNNING, do_mouse},
+    {"mouse", "[PANE] down|move|up|click|right COL ROW [Shift] [Ctrl]", WHILE_RUNNING, do_mouse},
     {"pointer", "COL ROW", WHILE_RUNNING, do_pointer},
     {"scroll", "line-up|line-down|page-up|page-down|top|bottom|thumb POS", WHILE_RUNNING, do_scroll},
     {"tick", "MS", WHILE_RUNNING, do_tick},
@@ -306,6 +325,8 @@ const Action ACTIONS[] = {
     {"rows", "[FIRST LAST]", WHILE_RUNNING, do_rows},
     {"bytes", "\"PATH\"", ALWAYS, print_bytes},
     {"files", "\"DIR\"", ALWAYS, print_files},
+    {"watch", "[screen] [colors] [status] [menu] [title] [caret] [rows] [state]",
+     BEFORE_START | WHILE_RUNNING, do_watch},
     {"write", "\"PATH\" \"BYTES\"", ALWAYS, do_write},
 };
 

@@ -55,11 +55,15 @@ void run_long() {
     }
 }
 
-int64_t window_proc(WindowHandle, uint32_t message, int64_t first, int64_t) {
+int64_t window_proc(WindowHandle window, uint32_t message, int64_t first, int64_t) {
     if (message == WM_CHAR && first == 'o') {
         open_line();
     } else if (message == WM_CHAR && first == 'r') {
         run_long();
+    } else if (message == WM_CHAR && first == 'b') {
+        message_box("Up", "Test", BoxIcon::NONE, BUTTONS_OK);
+    } else if (message == WM_CHAR && first == 't') {
+        set_window_title(window, "Other");
     } else if (message == WM_CLOSE) {
         post_quit(0);
     }
@@ -97,6 +101,35 @@ Played play(std::string script) {
     waitpid(child, &status, 0);
     played.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return played;
+}
+
+TEST(Script, WatchedLinesPrintWhenTheirAnswerHasChanged) {
+    reset_desktop();
+    const Played played = play("watch title status\n"
+                               "char 98\n"
+                               "press \"OK\"\n"
+                               "char 116\n"
+                               "watch\n"
+                               "title\n");
+    EXPECT_EQ(played.record, "> watch title status\n"
+                             "title \"Test\"\n"
+                             "status: there is no status line\n"
+                             "> char 98\n"
+                             "message \"Up\" title \"Test\" icon none buttons \"OK\"\n"
+                             "> press \"OK\"\n"
+                             "> char 116\n"
+                             "title \"Other\"\n"
+                             "> watch\n"
+                             "> title\n"
+                             "title \"Other\"\n");
+}
+
+TEST(Script, KeyThatRepeatsDropsItsRestWhenSomethingComesUp) {
+    reset_desktop();
+    const Played played = play("key b 3\npress \"OK\"\nkey b\npress \"OK\"\n");
+    const std::string box = "message \"Up\" title \"Test\" icon none buttons \"OK\"\n";
+    EXPECT_EQ(played.record,
+              "> key b 3\n" + box + "stopped after 1\n> press \"OK\"\n> key b\n" + box + "> press \"OK\"\n");
 }
 
 TEST(Script, LineThatWaitsForAPumpInVainStopsTheRun) {
@@ -160,7 +193,8 @@ TEST(Script, WrongWordsForALineStopTheRun) {
     for (const char* words :
          {"line 5 sent", "line 0 sent", "line 1", "line 1 cts up", "line 1 feed x", "line 1 rate",
           "line 1 feed \"x\" -1", "line 1 fifo 0", "line 1 sent now", "line 1 fail 3", "line 1 purge",
-          "later 0 caret", "later 1", "later 1\"caret\"", "later", "later 1 later 1 caret"}) {
+          "key b 0", "mouse click 1", "watch bytes", "later 0 caret", "later 1", "later 1\"caret\"", "later",
+          "later 1 later 1 caret"}) {
         reset_desktop();
         const Played played = play(std::string(words) + "\nchar 114\n");
         EXPECT_EQ(played.code, SCRIPT_STOPPED) << words;
