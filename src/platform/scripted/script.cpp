@@ -158,7 +158,7 @@ void print_start_time() {
 // The person of a script: one line whenever the program waits.
 bool play_next_line() {
     print_start_time();
-    print_watched();
+    print_watched(WHILE_RUNNING);
     if (peek_line() != nullptr) {
         play_line();
         return true;
@@ -201,6 +201,7 @@ void run_program() {
     print_start_time();
     phase = AFTER_EXIT;
     record_line("exit " + std::to_string(code));
+    print_watched(AFTER_EXIT);
 }
 
 bool may_stand_before_start(const ScriptLine& line) {

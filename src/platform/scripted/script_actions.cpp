@@ -325,7 +325,8 @@ const Action ACTIONS[] = {
     {"rows", "[FIRST LAST]", WHILE_RUNNING, do_rows},
     {"bytes", "\"PATH\"", ALWAYS, print_bytes},
     {"files", "\"DIR\"", ALWAYS, print_files},
-    {"watch", "[screen] [colors] [status] [menu] [title] [caret] [rows] [state]",
+    {"watch",
+     "[screen] [colors] [status] [menu] [title] [caret] [rows] [state] [bytes \"PATH\"] [files \"DIR\"]",
      BEFORE_START | WHILE_RUNNING, do_watch},
     {"write", "\"PATH\" \"BYTES\"", ALWAYS, do_write},
 };

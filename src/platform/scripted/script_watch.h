@@ -6,10 +6,11 @@
 
 namespace hexlane::platform {
 
-// `watch [NAME...]`: lines that print and need no more than their name. They replace what was watched before.
+// `watch [LINE...]`: lines that print, in short. They replace what was watched before.
 Refusal do_watch(const Words& words);
 
-// Prints the answers that have changed since they were last printed here. For script.cpp, before each line.
-void print_watched();
+// Prints the answers that have changed since they were last printed here, of the lines that may stand at that
+// time. For script.cpp, before each line and at the exit.
+void print_watched(unsigned when);
 
 }  // namespace hexlane::platform

@@ -190,11 +190,26 @@ TEST(Script, MachineOnASerialLine) {
 }
 
 TEST(Script, WrongWordsForALineStopTheRun) {
-    for (const char* words :
-         {"line 5 sent", "line 0 sent", "line 1", "line 1 cts up", "line 1 feed x", "line 1 rate",
-          "line 1 feed \"x\" -1", "line 1 fifo 0", "line 1 sent now", "line 1 fail 3", "line 1 purge",
-          "key b 0", "mouse click 1", "watch bytes", "later 0 caret", "later 1", "later 1\"caret\"", "later",
-          "later 1 later 1 caret"}) {
+    for (const char* words : {"line 5 sent",
+                              "line 0 sent",
+                              "line 1",
+                              "line 1 cts up",
+                              "line 1 feed x",
+                              "line 1 rate",
+                              "line 1 feed \"x\" -1",
+                              "line 1 fifo 0",
+                              "line 1 sent now",
+                              "line 1 fail 3",
+                              "line 1 purge",
+                              "key b 0",
+                              "mouse click 1",
+                              "watch bytes",
+                              "watch view",
+                              "later 0 caret",
+                              "later 1",
+                              "later 1\"caret\"",
+                              "later",
+                              "later 1 later 1 caret"}) {
         reset_desktop();
         const Played played = play(std::string(words) + "\nchar 114\n");
         EXPECT_EQ(played.code, SCRIPT_STOPPED) << words;
