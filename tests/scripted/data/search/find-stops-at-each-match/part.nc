@@ -1,0 +1,5 @@
+N1 g0 X1
+N2 G0X2
+N3 Y5
+N4 (go)
+N5 G0 G0
