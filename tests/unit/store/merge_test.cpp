@@ -101,19 +101,6 @@ TEST_F(MergeTest, TheBackupBelongsToItsFileAlone) {
     EXPECT_EQ(bytes("DX1"), "A\r\n");
 }
 
-TEST_F(MergeTest, AFileThatTheMergeDidNotMakeIsNeverReplaced) {
-    write("other.nc", "X\r\n");
-    start_with("A\r\n");
-    merge_at(0);
-    std::filesystem::remove(path("part.nc"));
-    write("part.nc", "somebody else's\r\n");
-    answer_box("No");
-    answer_box("OK");
-    command(1007);
-    EXPECT_EQ(bytes(), "somebody else's\r\n");
-    EXPECT_EQ(bytes("DX1"), "A\r\n");
-}
-
 // The backup of a link's target lies beside the target: the link may be on another file system, where no file
 // can be put back in one step.
 TEST_F(MergeTest, TheBackupLiesBesideTheTargetOfALink) {
@@ -140,6 +127,8 @@ TEST_F(MergeTest, EachReasonForNotUndoingIsTold) {
     } cases[] = {
         {"changed", [&] { write("part.nc", "other"); }, "no longer the one that the merge made", "other",
          "A\r\n"},
+        {"replaced", [&] { std::filesystem::remove(path("part.nc")), write("part.nc", "new"); },
+         "no longer the one that the merge made", "new", "A\r\n"},
         {"deleted", [&] { std::filesystem::remove(path("part.nc")); }, "moved or deleted", "", "A\r\n"},
         {"no backup", [&] { std::filesystem::remove(path("DX1")); }, "is no longer there", "X\r\nA\r\n", ""},
         {"folder refuses", [] { fail_file_call(FileCall::RENAME, 1, EACCES, "", -1); },

@@ -1,7 +1,6 @@
-// Putting rows in and taking rows out. Long random sequences are in model_test.cpp; here are the told cases.
+// Deletions at every place of a segment. Random edits of all kinds are in model_test.cpp.
 
 #include "store/row_edits.h"
-#include "store/row_table.h"
 
 #include "unit/store/store_fixture.h"
 
@@ -20,105 +19,6 @@ protected:
         start_with(text);
     }
 };
-
-TEST_F(RowEditsTest, BlankRowsGoInFrontButBehindAnEmptyLastRow) {
-    start_with_rows(2);
-    insert_blank_rows(1, 2);
-    EXPECT_EQ(rows(), (Rows{"0", "", "", "1", ""}));
-    EXPECT_EQ(origins(), "OBBOO");
-    insert_blank_rows(4, 1);  // the end row
-    EXPECT_EQ(origins(), "OBBOOB");
-    begin_anew();
-    start_with_rows(3);
-    delete_rows(3, 1);  // the end row goes, and the text row is the last one now
-    EXPECT_EQ(origins(), "OOC");
-    insert_blank_rows(2, 1);
-    EXPECT_EQ(rows(), (Rows{"0", "1", "", "2"}));
-    check_table();
-}
-
-TEST_F(RowEditsTest, ASplitPutsTheTextWhereTheCaretStood) {
-    start_with("ABCDEF\r\nB\r\n");
-    split_row(0, 0);
-    EXPECT_EQ(rows(), (Rows{"", "ABCDEF", "B", ""}));
-    split_row(1, 2);
-    EXPECT_EQ(rows(), (Rows{"", "AB", "CDEF", "B", ""}));
-    EXPECT_EQ(origins(), "BCCOO");
-    split_row(2, 4);
-    EXPECT_EQ(rows(), (Rows{"", "AB", "CDEF", "", "B", ""}));
-    EXPECT_EQ(origins(), "BCCBOO");
-    EXPECT_TRUE(child[0].modified);
-}
-
-TEST_F(RowEditsTest, ASplitTakesTheUnseenBytesAlongBehindTheCut) {
-    const std::string row = repeated('a', 100) + repeated('b', 300);
-    start_with(row + "\r\nB\r\n");
-    split_row(0, 100);
-    command(1002);
-    EXPECT_EQ(bytes(), repeated('a', 100) + "\r\n" + repeated('b', 300) + "\r\nB\r\n");
-}
-
-TEST_F(RowEditsTest, AJoinStopsAtTheRowLimitAndBeforeUnseenBytes) {
-    start_with(repeated('a', 100) + "\r\n" + repeated('b', 150) + "\r\n" + repeated('c', 101) + "\r\n");
-    fetch_row(1);
-    EXPECT_FALSE(join_rows(1));
-    EXPECT_EQ(child[0].last_file_row, 3);
-    EXPECT_EQ(child[0].row_text, repeated('b', 150));
-    fetch_row(0);
-    EXPECT_TRUE(join_rows(0));
-    EXPECT_EQ(rows()[0], repeated('a', 100) + repeated('b', 150));
-    EXPECT_EQ(child[0].last_file_row, 2);
-
-    begin_anew();
-    start_with("A\x1A"
-               "unseen\nB\x1A"
-               "too\nC\n");
-    fetch_row(0);
-    EXPECT_FALSE(join_rows(0));
-    begin_anew();
-    start_with("A\nB\x1A"
-               "too\nC\n");
-    fetch_row(0);
-    EXPECT_TRUE(join_rows(0));
-    command(1002);
-    EXPECT_EQ(bytes(), "AB\x1A"
-                       "too\r\nC\n");
-}
-
-TEST_F(RowEditsTest, AJoinWithTheEndRowLeavesAnEndRow) {
-    start_with("A\r\nB\r\n");
-    fetch_row(1);
-    EXPECT_TRUE(join_rows(1));
-    EXPECT_EQ(rows(), (Rows{"A", "B", ""}));
-    fetch_row(2);
-    EXPECT_FALSE(join_rows(2));
-}
-
-TEST_F(RowEditsTest, DeletedRowsDoNotComeBackInTheFile) {
-    start_with_rows(6);
-    delete_rows(2, 2);
-    EXPECT_EQ(rows(), (Rows{"0", "1", "4", "5", ""}));
-    EXPECT_EQ(origins(), "OCOOO");
-    child[0].modified = 1;
-    command(1002);
-    EXPECT_EQ(bytes(), "0\r\n1\r\n4\r\n5\r\n");
-}
-
-TEST_F(RowEditsTest, ADocumentKeepsOneRowWhateverIsDeleted) {
-    start_with_rows(2);
-    delete_rows(1, 2);
-    EXPECT_EQ(rows(), Rows{"0"});
-    EXPECT_EQ(origins(), "C");
-    child[0].modified = 1;
-    command(1002);
-    EXPECT_EQ(bytes(), "0\r\n");
-    delete_rows(0, 1000);
-    EXPECT_EQ(rows(), Rows{""});
-    EXPECT_EQ(origins(), "C");
-    child[0].modified = 1;
-    command(1002);
-    EXPECT_EQ(bytes(), "\r\n");
-}
 
 TEST_F(RowEditsTest, DeletionsAcrossSegmentsKeepTheTableWhole) {
     struct Case {
@@ -159,14 +59,6 @@ TEST_F(RowEditsTest, DeletionsAcrossSegmentsKeepTheTableWhole) {
             expected.emplace_back();
         EXPECT_EQ(rows(), expected);
     }
-}
-
-TEST_F(RowEditsTest, NoEndRowIsAddedBehindAnEmptyLastRow) {
-    // The row in front of the last one is longer than a fetch, so its line end is not seen.
-    start_with(repeated('x', 300) + "\r\nA\r\n");
-    delete_rows(1, 1);
-    EXPECT_EQ(child[0].last_file_row, 1);
-    EXPECT_EQ(rows()[1], "");
 }
 
 }  // namespace

@@ -126,8 +126,7 @@ TEST_F(RowLimitTest, AFileHasPlaceForItsEndRowOrIsRefused) {
     command(1002);
     EXPECT_EQ(child[0].last_file_row, MAX_ROWS - 1);
     EXPECT_EQ(bytes(), "Y" + fits + "\r\n");
-    TearDown();
-    SetUp();
+    begin_anew();
     write("part.nc", line_ends(MAX_ROWS - 1) + "X");
     start("part.nc");
     EXPECT_NE(told().find("more rows than"), std::string::npos);
@@ -173,8 +172,7 @@ TEST_F(RowLimitTest, AMergeThatNoLoadWouldTakeLeavesTheActiveFile) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(&c - cases));
-        TearDown();
-        SetUp();
+        begin_anew();
         write("other.nc", c.merged);
         start_with(c.active);
         child[0].current_row = c.row;

@@ -18,45 +18,6 @@ void put_text(const std::string& text) {
     std::memcpy(child[0].row_text, text.data(), text.size());
 }
 
-TEST_F(RowTableTest, AFetchTellsLineEndAndOrigin) {
-    start_with(repeated('a', 253) + "\r\n" + repeated('b', 254) + "\r\n\r\nlast");
-    struct Case {
-        int32_t row;
-        std::string text;
-        int had_lf;
-        char origin;
-    };
-    const Case cases[] = {{0, repeated('a', 253), 1, 'O'},
-                          {1, repeated('b', 254), 0, 'O'},
-                          {2, "", 1, 'O'},
-                          {3, "last", 0, 'O'},
-                          {4, "", 0, 'B'},
-                          {5, "", 0, 'B'}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.row);
-        ASSERT_TRUE(fetch_row(c.row));
-        EXPECT_EQ(child[0].row_text, c.text);
-        EXPECT_EQ(row_had_lf, c.had_lf);
-        EXPECT_EQ(child[0].row_origin, c.origin);  // a row past the end leaves it as it was
-    }
-}
-
-TEST_F(RowTableTest, ACommitLeavesTextAndOriginAsTheyWereAndTheLastOneCounts) {
-    start_with("A\r\nB\r\n");
-    fetch_row(0);
-    put_text("first");
-    ASSERT_TRUE(commit_row(0));
-    EXPECT_STREQ(child[0].row_text, "first");
-    EXPECT_EQ(child[0].row_origin, 'O');
-    EXPECT_EQ(child[0].modified, 0);
-    put_text("second");
-    ASSERT_TRUE(commit_row(0));
-    EXPECT_EQ(stream_end(child[0].change_stream), 7 + 8);
-    EXPECT_EQ(rows(), (std::vector<std::string>{"second", "B", ""}));
-    EXPECT_EQ(origins(), "COO");
-    EXPECT_EQ(bytes(), "A\r\nB\r\n");
-}
-
 TEST_F(RowTableTest, BytesThatAFetchDoesNotShowStayWithTheRow) {
     const std::string tail = "TAIL" + repeated('t', 200);
     start_with(repeated('x', 254) + tail +
@@ -88,20 +49,6 @@ TEST_F(RowTableTest, ARowOfManyThousandBytesIsCarriedWhole) {
     set_row(0, "*" + row.substr(1, 253));
     command(1002);
     EXPECT_EQ(bytes(), "*" + row.substr(1) + "\r\nB\r\n");
-}
-
-TEST_F(RowTableTest, TextInTheEndRowGetsANewEndRowWhoeverCommitsIt) {
-    start_with("A\r\n");
-    fetch_row(1);
-    put_text("typed");
-    child[0].pending_row = 1;
-    ASSERT_TRUE(commit_pending());
-    EXPECT_EQ(child[0].pending_row, -1);
-    EXPECT_EQ(origins(), "OCB");
-    fetch_row(2);
-    child[0].pending_row = 2;  // still empty: no further row
-    ASSERT_TRUE(commit_pending());
-    EXPECT_EQ(origins(), "OCC");
 }
 
 TEST_F(RowTableTest, RowsAreFoundPastEmptySegmentsAndAtTheirEdges) {
