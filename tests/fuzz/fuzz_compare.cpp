@@ -1,12 +1,12 @@
 // fuzz_compare.cpp: the compare of any two files under any options: it ends, its list is that of its steps
 // done one by one, its screen lines and its report take whatever comes.
 
-#include "../support/compare_model.h"
 #include "compare/compare.h"
 #include "compare/report.h"
 #include "compare/result_line.h"
 #include "fuzz_program.h"
 #include "shell/directories.h"
+#include "support/compare_model.h"
 
 #include <algorithm>
 #include <fstream>

@@ -4,38 +4,12 @@
 #include "fuzz_program.h"
 #include "shell/child.h"
 #include "store/row_table.h"
+#include "support/store_model.h"
 
 #include <algorithm>
 #include <string>
-#include <vector>
-
-namespace {
 
 using namespace hexlane;
-
-bool ends_row(char c) {
-    return c == '\n' || c == '\0';
-}
-
-std::vector<std::string> rows_shown(const std::string& bytes) {
-    std::vector<std::string> rows;
-    std::size_t begin = 0;
-    for (;;) {
-        const auto end =
-            std::find_if(bytes.begin() + static_cast<std::ptrdiff_t>(begin), bytes.end(), ends_row);
-        std::string row(bytes.begin() + static_cast<std::ptrdiff_t>(begin), end);
-        if (end != bytes.end() && *end == '\n' && !row.empty() && row.back() == '\r')
-            row.pop_back();
-        row.resize(std::min(row.find('\x1a'), row.size()));
-        row.resize(std::min<std::size_t>(row.size(), ROW_FETCH_MAX));
-        rows.push_back(row);
-        if (end == bytes.end())
-            return rows;
-        begin = static_cast<std::size_t>(end - bytes.begin()) + 1;
-    }
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const char* const ANSWERS[] = {"No", "Yes", "Cancel"};
@@ -56,18 +30,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     else
         fuzz::require(before == (bytes.empty() ? "\r\n" : bytes), "opening has changed the file");
 
-    std::vector<std::string> rows = rows_shown(before);
-    const bool lacks_end = !rows.back().empty();
-    if (lacks_end)
-        rows.push_back("");
+    const Model model(before);
     fuzz::check_table();
-    fuzz::require(child[0].last_file_row + 1 == std::ssize(rows), "the number of rows is wrong");
-    for (std::size_t row = 0; row < rows.size(); row++) {
+    fuzz::require(child[0].last_file_row + 1 == std::ssize(model.rows), "the number of rows is wrong");
+    for (std::size_t row = 0; row < model.rows.size(); row++) {
         fuzz::require(fetch_row(static_cast<int32_t>(row)) == 1, "a row can't be read");
-        fuzz::require(rows[row] == child[0].row_text, "a row shows another text");
+        fuzz::require(shown(model.rows[row]) == child[0].row_text, "a row shows another text");
     }
     fuzz::save_and_reload(answer == ANSWERS[0] ? answer : nullptr);
-    fuzz::require(fuzz::bytes_on_disk() == before + (lacks_end ? "\r\n" : ""),
-                  "a save has changed untouched bytes");
+    fuzz::require(fuzz::bytes_on_disk() == model.save(), "a save has changed untouched bytes");
     return 0;
 }

@@ -114,9 +114,12 @@ void save_and_reload(const char* answer) {
 void check_table() {
     const int32_t last = child[0].last_file_row;
     require(last >= 0, "there is no row");
-    require(segment_table[0].first_row == 0, "the first segment does not begin at row 0");
-    for (int i = 1; i < child[0].segment_count; i++)
-        require(segment_table[i - 1].first_row <= segment_table[i].first_row, "segments are out of order");
+    int32_t rows = 0;
+    for (int segment = 0; segment < child[0].segment_count; segment++) {
+        require(segment_table[segment].first_row == rows, "a segment's first row is wrong");
+        rows += segment_rows(segment);
+    }
+    require(rows == last + 1, "the segments do not add up to the document");
     RowRecord record;
     require(read_record(0, &record) == 1, "a record can't be read");
     for (int32_t row = 0; row < last; row++) {

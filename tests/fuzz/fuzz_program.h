@@ -8,6 +8,20 @@
 
 namespace hexlane::fuzz {
 
+// The fuzzer's bytes, one by one; zeros behind the last.
+class Bytes {
+public:
+    Bytes(const uint8_t* data, std::size_t size) : next_(data), end_(data + size) {}
+    bool empty() const { return next_ == end_; }
+    uint8_t take() { return empty() ? 0 : *next_++; }
+    int below(int limit) { return take() % limit; }
+    std::size_t size_below(std::size_t limit) { return take() % limit; }
+
+private:
+    const uint8_t* next_;
+    const uint8_t* end_;
+};
+
 // Ends the process with `what` when `holds` is false, so that the fuzzer keeps the input.
 void require(bool holds, const char* what);
 
