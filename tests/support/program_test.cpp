@@ -47,6 +47,11 @@ void write_bytes(const std::string& path, const std::string& bytes) {
         throw std::runtime_error("cannot write " + path);
 }
 
+void put_row_text(const std::string& text) {
+    std::memset(child[0].row_text, 0, sizeof child[0].row_text);
+    std::memcpy(child[0].row_text, text.data(), std::min(text.size(), sizeof child[0].row_text - 1));
+}
+
 std::string make_test_folder() {
     char name[] = "/tmp/hexlane-test-XXXXXX";
     if (mkdtemp(name) == nullptr)
@@ -125,8 +130,7 @@ void ProgramTest::command(int id) {
 
 void ProgramTest::set_row(int32_t row, const std::string& text) {
     ASSERT_TRUE(fetch_row(row));
-    std::memset(child[0].row_text, 0, sizeof child[0].row_text);
-    std::memcpy(child[0].row_text, text.data(), std::min(text.size(), sizeof child[0].row_text - 1));
+    put_row_text(text);
     ASSERT_TRUE(commit_row(row));
     child[0].modified = 1;
 }

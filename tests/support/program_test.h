@@ -51,6 +51,9 @@ protected:
     std::string work;
 };
 
+// Makes row_text this text, as a key that types would.
+void put_row_text(const std::string& text);
+
 // Whole content of a file, "" when it cannot be read; and a file made anew.
 std::string read_bytes(const std::string& path);
 void write_bytes(const std::string& path, const std::string& bytes);

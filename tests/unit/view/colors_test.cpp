@@ -31,14 +31,6 @@ protected:
     }
 };
 
-TEST_F(ColorFileTest, TheFirstRunMakesAFileOfBlackSlots) {
-    child[0].color_table[5] = {0x123456, 1, 0};
-    load_colors();
-    EXPECT_EQ(read_file(), std::string(COLOR_FILE_SIZE, '\0'));
-    EXPECT_EQ(child[0].color_table[5].color, 0u);
-    EXPECT_EQ(child[0].color_table[5].include_numbers, 0);
-}
-
 TEST_F(ColorFileTest, SlotsAreLittleEndianAndReservedBytesStay) {
     std::string bytes(COLOR_FILE_SIZE, '\0');
     bytes.replace(23 * 8, 8, std::string("\x11\x22\x33\x00\x01\x00\xAA\xBB", 8));
@@ -56,16 +48,6 @@ TEST_F(ColorFileTest, SlotsAreLittleEndianAndReservedBytesStay) {
     ASSERT_EQ(save_colors(), 1);
     bytes.replace(0, 6, "\xEF\xCD\xAB\x00\xFF\xFF", 6);
     EXPECT_EQ(read_file(), bytes);
-}
-
-TEST_F(ColorFileTest, AShortFileFillsTheSlotsItReaches) {
-    std::string bytes(COLOR_FILE_SIZE, '\x10');
-    write_file(bytes);
-    load_colors();
-    write_file(std::string(8 * 3, '\x20'));
-    load_colors();
-    EXPECT_EQ(child[0].color_table[2].color, 0x20202020u);
-    EXPECT_EQ(child[0].color_table[3].color, 0x10101010u);
 }
 
 TEST_F(ColorFileTest, AFileThatMayNotBeWrittenIsLeftAlone) {
@@ -142,20 +124,6 @@ TEST_F(ColorFileTest, ModesExcludeEachOtherAndKeepTheirChecks) {
     command_nc_mode();
     EXPECT_EQ(child[0].nc_mode, 0);
     EXPECT_FALSE(platform::menu_checked(1019));
-}
-
-TEST_F(ColorFileTest, ASwitchOfModeRepaintsTheView) {
-    std::string bytes(COLOR_FILE_SIZE, '\0');
-    bytes[8 * ('G' - 'A')] = '\x7F';
-    write_file(bytes);
-    open_rows("N1G1/");
-    command_enable_colors();
-    EXPECT_EQ(platform::screen_cell(2, 0).ink, 0x7Fu);
-    command_nc_mode();
-    EXPECT_EQ(platform::screen_row(0), "N1   G1");
-    command_enable_colors();
-    EXPECT_EQ(platform::screen_cell(5, 0).ink, platform::BLACK);
-    EXPECT_TRUE(platform::caret_shown());
 }
 
 }  // namespace

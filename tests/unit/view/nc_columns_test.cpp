@@ -1,6 +1,7 @@
 // NC Mode's columns, without a window.
 
 #include "shell/child.h"
+#include "support/program_test.h"
 #include "view/nc_columns.h"
 
 #include <gtest/gtest.h>
@@ -11,14 +12,8 @@
 namespace hexlane {
 namespace {
 
-void set_text(const std::string& text) {
-    ASSERT_LT(text.size(), sizeof child[0].row_text);
-    std::memset(child[0].row_text, 0, sizeof child[0].row_text);
-    std::memcpy(child[0].row_text, text.data(), text.size());
-}
-
 std::string formatted(const std::string& text) {
-    set_text(text);
+    put_row_text(text);
     format_nc_row();
     return child[0].row_text;
 }
@@ -49,7 +44,7 @@ TEST(NcColumns, EveryWordStartsOnAMultipleOfTheFieldWidth) {
         SCOPED_TRACE(c.label);
         EXPECT_EQ(formatted(c.text), c.shown);
         EXPECT_EQ(nc_display_length(c.text), static_cast<int32_t>(std::strlen(c.shown)));
-        set_text(c.text);
+        put_row_text(c.text);
         build_nc_columns();
         for (size_t i = 0; i <= std::strlen(c.text); ++i)
             EXPECT_EQ(c.shown[child[0].nc_columns[i]], c.text[i]) << "index " << i;
@@ -57,7 +52,7 @@ TEST(NcColumns, EveryWordStartsOnAMultipleOfTheFieldWidth) {
 }
 
 TEST(NcColumns, TextIndexOfAColumnInsideAndBesideTheText) {
-    set_text("N10G1X5");  // N10  G1   X5
+    put_row_text("N10G1X5");  // N10  G1   X5
     build_nc_columns();
     //                             N  1  0  .  .  G  1  .  .  .  X  5  end
     const int32_t index_of[] = {0, 1, 2, 3, 3, 3, 4, 5, 5, 5, 5, 6, 7, 7};
@@ -75,7 +70,7 @@ TEST(NcColumns, ARowThatOutgrowsTheLimitIsCutOnTheScreenOnly) {
     const std::string shown = formatted(letters);
     EXPECT_EQ(shown.size(), 255u);
     EXPECT_EQ(shown.substr(245), "X    X    ");
-    set_text(letters);
+    put_row_text(letters);
     build_nc_columns();
     for (size_t i = 0; i < letters.size(); ++i)
         ASSERT_LT(child[0].nc_columns[i], child[0].nc_columns[i + 1]) << "index " << i;

@@ -103,37 +103,6 @@ TEST_F(TextViewTest, BehindTheLastRowAndBehindTheTextAllIsBlank) {
     EXPECT_TRUE(platform::caret_shown());
 }
 
-TEST_F(TextViewTest, ChangedRowsShowInTheirModeOnly) {
-    open_rows("X1/X2/");
-    child[0].changes_colored = 1;
-    child[0].colors_enabled = 0;
-    fetch_row(1);
-    commit_row(1);
-    paint_view();
-    EXPECT_EQ(looks(0, 3), "...");
-    EXPECT_EQ(looks(1, 3), "CCC") << "the blanks behind it have the row's color";
-    fetch_row(0);
-    repaint_row(0, true);
-    EXPECT_EQ(looks(0, 2), "CC") << "the caller has just changed it";
-    child[0].changes_colored = 0;
-    paint_view();
-    EXPECT_EQ(looks(1, 3), "...");
-}
-
-TEST_F(TextViewTest, ABlockOfRowsIsWhiteOnBlackToTheWindowsEdge) {
-    set_rows_shown(9, 300);
-    open_rows("X1/X2/X3/");
-    block_rows(1, 2);
-    paint_view();
-    EXPECT_EQ(looks(0, 3), "XX.");
-    EXPECT_EQ(looks(1, 300), std::string(300, '#'));
-    EXPECT_EQ(looks(2, 1), "#");
-    EXPECT_EQ(looks(3, 1), ".");
-    block_clear();
-    paint_view();
-    EXPECT_EQ(looks(1, 300), "XX" + std::string(298, '.')) << "no cell of it stays";
-}
-
 TEST_F(TextViewTest, ABlockInsideARowShowsInEveryDisplayMode) {
     open_rows("X123/X123/");
     child[0].block_active = 1;
@@ -166,18 +135,6 @@ TEST_F(TextViewTest, ABlockThatGrowsOrShrinksPaintsItsOwnRowsOnly) {
     paint_block_rows(0, 9, 40, 0);
     EXPECT_EQ(looks(0, 1) + looks(1, 1) + looks(2, 1) + looks(3, 1), "..#.");
     EXPECT_EQ(previous_block.start.row, 2);
-}
-
-TEST_F(TextViewTest, NcModeSpreadsTheWordsAndTheirColors) {
-    open_rows("X1Y2/X1/");
-    child[0].nc_mode = 1;
-    paint_view();
-    EXPECT_EQ(screen_row(0), "X1   Y2");
-    EXPECT_EQ(looks(0, 7), "XX...Y.");
-    fetch_row(0);
-    repaint_row(0, false);
-    EXPECT_EQ(screen_row(0), "X1   Y2");
-    EXPECT_STREQ(child[0].row_text, "X1Y2");
 }
 
 TEST_F(TextViewTest, ARowOffTheScreenComesUpNearTheTop) {
