@@ -107,14 +107,6 @@ TEST_F(EditingTest, TheCaretNeverStandsBehindTheLastRow) {
     EXPECT_TRUE(caret_past_end);
 }
 
-TEST_F(EditingTest, CtrlEnterInOverwriteModeLeavesTheScreenToTheNextRepaint) {
-    child[0].overwrite_mode = 1;
-    open_rows("ab|cd/");
-    press("Ctrl+Enter");
-    EXPECT_EQ(rows_with_caret(), "ab|/");
-    EXPECT_EQ(screen_row(0), "abcd");
-}
-
 // Row length and caret column before and after one key.
 TEST_F(EditingTest, RowsEndAtTheirLimits) {
     const struct {
@@ -200,37 +192,6 @@ TEST_F(EditingTest, InNcModeTheCaretMeansTheTextUnderIt) {
     }
 }
 
-TEST_F(EditingTest, ACommentColorsWhatFollowsAsItIsTyped) {
-    constexpr platform::Color GREEN = 0x008000;
-    child[0].colors_enabled = 1;
-    child[0].color_table[COMMENT_SLOT].color = GREEN;
-    open_rows("1|2/");
-    const struct {
-        const char* press;
-        const char* row;
-        const char* colors;
-    } steps[] = {{"'(", "1(2", ".cc.."}, {"'a)", "1(a)2", ".ccc."}, {"Backspace 'b", "1(ab2", ".cccc"}};
-    for (const auto& step : steps) {
-        press(step.press);
-        EXPECT_EQ(screen_row(0), step.row);
-        std::string colors;
-        for (int col = 0; col < 5; ++col)
-            colors += screen_cell(col, 0).ink == GREEN ? 'c' : '.';
-        EXPECT_EQ(colors, step.colors);
-    }
-}
-
-TEST_F(EditingTest, AnEditedRowShowsTheColorOfChangesAtOnce) {
-    child[0].changes_colored = 1;
-    child[0].color_table[CHANGES_SLOT].color = 0x808000;
-    for (const char* key : {"'X", "Delete"}) {
-        open_rows("a|b/cd/");
-        press(key);
-        EXPECT_EQ(screen_cell(0, 0).ink, 0x808000u) << key;
-        EXPECT_EQ(screen_cell(0, 1).ink, platform::BLACK) << key;
-    }
-}
-
 TEST_F(EditingTest, RepeatsAndCodesThatAreNotTaken) {
     open_rows("ab/");
     for (const int code : {0x80, 0xC4, 0xFF, 1, 0x1A, -1})
@@ -244,20 +205,6 @@ TEST_F(EditingTest, RepeatsAndCodesThatAreNotTaken) {
     EXPECT_EQ(rows_with_caret(), "xx|ab/");
     handle_char(13, 2);
     EXPECT_EQ(rows_with_caret(), "xx//|ab/");
-}
-
-TEST_F(EditingTest, TextTypedIntoTheEndRowGetsANewEndRowBehindIt) {
-    for (const char* key : {"Left", "Home", "Up", "Delete", "PageUp", "Insert"}) {
-        open_rows("ab/|");
-        press(std::string("'X ") + key);
-        EXPECT_EQ(rows(), "ab/X/") << key;
-    }
-    open_rows("ab/|");
-    press("'X Down");
-    EXPECT_EQ(rows_with_caret(), "ab/X/ |");
-    open_rows("ab/|");
-    press("Delete Up");
-    EXPECT_EQ(rows(), "ab/") << "an end row that is still empty gets none";
 }
 
 // NC Mode can bring the caret so far out; the sanitizers watch.

@@ -47,29 +47,6 @@ TEST_F(MouseTest, AClickMovesTheCaretToItsCell) {
     }
 }
 
-TEST_F(MouseTest, APressStoresTheRowInEdit) {
-    open_numbered_rows(3);
-    set_caret(3, 0);
-    press("'X");
-    click(0, 1);
-    EXPECT_EQ(child[0].pending_row, -1);
-    EXPECT_EQ(rows(), "0/1/2/X/");
-    EXPECT_EQ(child[0].current_row, 1);
-}
-
-TEST_F(MouseTest, APressEndsABlock) {
-    open_numbered_rows(5);
-    child[0].block_active = 1;
-    block.start = {0, 0, 1};
-    block.end = {0, 0, 2};
-    paint_view();
-    handle_mouse_down(platform::MK_LBUTTON, 0, 0);
-    EXPECT_EQ(child[0].block_active, 0);
-    EXPECT_EQ(platform::screen_cell(0, 1).paper, platform::WHITE);
-    handle_mouse_up(0, 0);
-    EXPECT_EQ(child[0].current_row, 0);
-}
-
 TEST_F(MouseTest, LinesScrollTheDocumentUnderTheCaret) {
     open_numbered_rows(100);
     set_caret(9, 2);

