@@ -327,25 +327,5 @@ TEST_F(MacroTest, ARunEndsBehindTheLastRow) {
     EXPECT_EQ(child[0].current_row, 3);
 }
 
-TEST_F(MacroTest, MenuEntriesFollowRecordingAndTable) {
-    const auto enabled = [] {
-        std::string all;
-        for (const int id : {PLAY, RECORD, END_RECORD})
-            all += menu_enabled(id) ? "1" : "0";
-        return all;
-    };
-    start();
-    EXPECT_EQ(enabled(), "000");
-    reset_desktop();
-    start_with("\r\n");
-    EXPECT_EQ(enabled(), "010");
-    macros.count = 1;
-    update_menus_by_key();
-    EXPECT_EQ(enabled(), "110");
-    macros.recording = true;
-    update_menus_by_key();
-    EXPECT_EQ(enabled(), "001");
-}
-
 }  // namespace
 }  // namespace hexlane
