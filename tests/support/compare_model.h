@@ -7,6 +7,9 @@
 #include <map>
 #include <string>
 
+#include "compare/compare.h"
+#include "compare/compare_record_format.h"
+
 namespace hexlane {
 
 class CompareModel {
@@ -226,5 +229,27 @@ private:
     bool previous_matched = true;
     bool finished = false;
 };
+
+// What the engine's list has otherwise than the steps give; empty for nothing.
+inline std::string difference_from(const CompareModel& model) {
+    if (compare.last_record != model.last || compare.left.last_record != model.left_last ||
+        compare.right.last_record != model.right_last)
+        return "the list or a side of it ends in another record";
+    const auto stored = [&model](char kind) {
+        const auto found = model.stores.find(kind);
+        return found == model.stores.end() ? 0 : found->second;
+    };
+    if (compare.matches != stored('S') || compare.mods != stored('M') || compare.inserts != stored('I') ||
+        compare.deletes != stored('D'))
+        return "the counters are not those of the stores";
+    for (int64_t number = 0; number <= model.last; number++) {
+        CompareRecord record;
+        const CompareModel::Record& wanted = model.records.at(number);
+        if (!load_record(number, &record) || record.kind != wanted.kind ||
+            record.left_offset != wanted.left || record.right_offset != wanted.right)
+            return "record " + std::to_string(number) + " is another or cannot be read";
+    }
+    return "";
+}
 
 }  // namespace hexlane
