@@ -1,7 +1,6 @@
 // When a text in a row matches, and which line number a row begins with.
 
 #include <algorithm>
-#include <cstring>
 
 #include "platform/scripted/test_hooks.h"
 #include "search/match_view.h"
@@ -12,18 +11,11 @@
 namespace hexlane {
 namespace {
 
-using namespace std::string_literals;
-
 class MatchTest : public ProgramTest {
 protected:
-    static void hold(const std::string& text) {
-        std::memset(child[0].row_text, 0, sizeof child[0].row_text);
-        std::memcpy(child[0].row_text, text.data(), std::min(text.size(), sizeof child[0].row_text - 1));
-    }
-
     // Candidates and matches of a text in a row, as columns with blanks between them.
     static std::string candidates(const std::string& row, const char* text, bool matches_only) {
-        hold(row);
+        put_row_text(row);
         SearchPattern pattern;
         prepare_pattern(text, &pattern);
         uint8_t positions[ROW_BUFFER_SIZE];
@@ -66,7 +58,7 @@ TEST_F(MatchTest, OnlyTheLettersAToZMatchInEitherCase) {
 }
 
 TEST_F(MatchTest, AMatchIsAskedForAtAnyIndex) {
-    hold("G1");
+    put_row_text("G1");
     SearchPattern pattern;
     prepare_pattern("1", &pattern);
     for (const int32_t index : {-2, -1, 0, 2, 3, 300})
