@@ -3,7 +3,6 @@
 #include "ncutils/utilities.h"
 #include "platform/posix/file_faults.h"
 #include "platform/scripted/test_hooks.h"
-#include "search/match_view.h"
 #include "shell/block.h"
 #include "shell/child.h"
 #include "store/row_edits.h"
@@ -31,23 +30,8 @@ protected:
         forget_shown_boxes();
     }
 
-    static void select(int32_t first, int32_t last) {
-        block = NO_BLOCK;
-        block.start = {0, 0, first};
-        block.end = {0, 0, last};
-        child[0].block_active = 1;
-    }
-
-    static RowRun number(bool unnumbered = true) {
-        RowRun run;
-        EXPECT_EQ(renumber_rows(1, 1, unnumbered, 0, 0, &run), 1);
-        return run;
-    }
-
-    static RowRun shift(const std::string& letters, int precision = 0) {
-        WordRun words = {0, precision, shift_number, 1, {}};
-        for (const char letter : letters)
-            words.letters |= letter_bit(letter);
+    static RowRun shift() {
+        WordRun words = {letter_bit('X'), 0, shift_number, 1, {}};
         RowRun run;
         EXPECT_EQ(run_over_words(&words, 13, &run), 1);
         return run;
@@ -55,10 +39,10 @@ protected:
 };
 
 // A long document that crosses segments and windows of the tiny limits.
-Rows many_rows(const std::string& word) {
+Rows many_rows() {
     Rows texts;
     for (int i = 0; i < 40; i++)
-        texts.push_back(word + std::to_string(i));
+        texts.push_back("X" + std::to_string(i));
     return texts;
 }
 
@@ -82,107 +66,11 @@ TEST_F(UtilitiesTest, TheRunTakesTheBlockOrAllButTheEndRow) {
         EXPECT_EQ(row_range().run_end, c.end) << c.label;
     }
     block = {{0, 0, 1}, {1, 0, -1}};
-    const RowRun run = number();
+    RowRun run;
+    ASSERT_TRUE(renumber_rows(1, 1, true, 0, 0, &run));
     EXPECT_EQ(child[0].modified, 0);
     EXPECT_FALSE(run.stopped);
     EXPECT_EQ(origins(), "OOOOO");
-}
-
-TEST_F(UtilitiesTest, OnlyTheRowsOfTheBlockChange) {
-    open({"N1 X1", "N2 X1", "(X1)", "N4 X1", "N5 X1"});
-    select(1, 3);
-    number();
-    shift("X");
-    EXPECT_EQ(rows(), (Rows{"N1 X1", "N1 X2", "N2 (X1)", "N3 X2", "N5 X1", ""}));
-    EXPECT_EQ(origins(), "OCCCOO");
-    EXPECT_EQ(child[0].modified, 1);
-    EXPECT_EQ(block.start.row, 1);
-    EXPECT_EQ(block.end.row, 3);
-}
-
-TEST_F(UtilitiesTest, RowsThatARunDoesNotTouchAreNotCommitted) {
-    open({"%", "N1 X1", "", "(X1)", "G1 Y2"});
-    shift("X");
-    EXPECT_EQ(origins(), "OCOOOO");
-    number(false);
-    EXPECT_EQ(origins(), "OCOOOO");
-}
-
-// All rows are committed, but not the empty end row, which a save would give a line end of its own.
-TEST_F(UtilitiesTest, StripCommitsAllRowsAndAddsNoneToTheFile) {
-    open({"N1 X1", "G1", ""});
-    select(0, 3);
-    RowRun run;
-    EXPECT_EQ(strip_line_numbers(&run), 1);
-    EXPECT_EQ(origins(), "CCCO");
-    EXPECT_EQ(child[0].modified, 1);
-    command(1002);
-    EXPECT_EQ(bytes(), "X1\r\nG1\r\n\r\n");
-}
-
-// A deletion of the end row leaves a last row with text, which is a row of the program like any other.
-TEST_F(UtilitiesTest, ALastRowWithTextBelongsToTheProgram) {
-    open({"N7 X10", "N8 X20", "N9 X30"});
-    ASSERT_TRUE(delete_rows(3, 1));
-    ASSERT_EQ(rows().size(), 3U);
-    WordRun words = {letter_bit('X'), 2, increment_from_absolute, 0, {}};
-    RowRun run;
-    ASSERT_TRUE(run_over_words(&words, 15, &run));
-    EXPECT_EQ(rows(), (Rows{"N7 X10.00", "N8 X10.00", "N9 X10.00"}));
-    number();
-    EXPECT_EQ(rows()[2], "N3 X10.00");
-    EXPECT_EQ(find_line_number(3), 2);
-    ASSERT_TRUE(strip_line_numbers(&run));
-    EXPECT_EQ(rows()[2], "X10.00");
-    command(1002);
-    EXPECT_EQ(bytes(), "X10.00\r\nX10.00\r\nX10.00\r\n");
-}
-
-TEST_F(UtilitiesTest, ALongDocumentIsDoneRowByRow) {
-    open(many_rows("N7 X"));
-    number();
-    shift("X", 1);
-    Rows expected;
-    for (int i = 0; i < 40; i++)
-        expected.push_back("N" + std::to_string(i + 1) + " X" + std::to_string(i + 1) + ".0");
-    expected.push_back("");
-    EXPECT_EQ(rows(), expected);
-    EXPECT_EQ(origins(), repeated('C', 40) + "O");
-    check_table();
-    RowRun run;
-    strip_line_numbers(&run);
-    command(1002);
-    std::string file;
-    for (int i = 0; i < 40; i++)
-        file += "X" + std::to_string(i + 1) + ".0\r\n";
-    EXPECT_EQ(bytes(), file);
-}
-
-TEST_F(UtilitiesTest, RowsThatDoNotFitStayAndAreToldOnce) {
-    const std::string filler = repeated('G', 248);
-    open({"X1", filler + "X5", "X2", filler + "X", "X4"});
-    RowRun run = shift("X", 6);
-    EXPECT_EQ(rows(), (Rows{"X2.000000", filler + "X5", "X3.000000", filler + "X", "X5.000000", ""}));
-    EXPECT_EQ(run.left, 2);
-    EXPECT_EQ(run.first_left, 1);
-
-    run = number();
-    EXPECT_EQ(run.left, 0);
-    EXPECT_EQ(rows()[1], "N2 " + filler + "X5");
-    run = number();
-    EXPECT_EQ(run.left, 0);
-
-    // Six more characters do not fit, and the row takes no number.
-    RowRun wide;
-    ASSERT_TRUE(renumber_rows(1, 1, true, 0, 9, &wide));
-    EXPECT_EQ(wide.left, 2);
-    EXPECT_EQ(rows()[0], "N000000001 X2.000000");
-    EXPECT_EQ(rows()[2], "N000000002 X3.000000");
-    answer_box("OK");
-    tell_run(wide);
-    ASSERT_EQ(shown_boxes().size(), 1U);
-    EXPECT_NE(shown_boxes()[0].text.find("Rows left as they were: 2. The first is row 2."),
-              std::string::npos);
 }
 
 // A row shows ROW_FETCH_MAX characters, and nothing behind a 0x1A. With a chosen word there, or the rest of a
@@ -210,7 +98,7 @@ TEST_F(UtilitiesTest, ARowWithWordsThatItDoesNotShowStaysWhole) {
         shifted += (c.after.empty() ? c.before : c.after) + "\r\n";
     }
     open(texts);
-    const RowRun run = shift("X");
+    const RowRun run = shift();
     EXPECT_EQ(run.left, 5);
     EXPECT_EQ(run.first_left, 0);
     command(1002);
@@ -232,8 +120,8 @@ TEST_F(UtilitiesTest, ARowWithWordsThatItDoesNotShowStaysWhole) {
 }
 
 TEST_F(UtilitiesTest, ARunEndsWithItsRowCountAndNoMessage) {
-    open(many_rows("X"));
-    shift("X");
+    open(many_rows());
+    shift();
     EXPECT_EQ(status_text(105), "40");
     EXPECT_EQ(status_text(101), "                              ");
 }
@@ -244,10 +132,10 @@ protected:
     // happened. Then the person goes on after the medium has recovered, or saves while it has not.
     bool run_with_fault(int n, bool recovers) {
         record_file_calls();
-        open(many_rows("X"));
+        open(many_rows());
         answer_other_boxes("OK");
         fail_file_call(FileCall::WRITE, n, EIO, directories.temp_dir, -1);
-        const RowRun run = shift("X");
+        const RowRun run = shift();
         const bool fired = file_fault_fired();
         const int32_t done = run.stopped ? run.row + 1 : 40;  // the last of them is the unsaved row
         Rows expected;
