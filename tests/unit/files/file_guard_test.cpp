@@ -51,33 +51,12 @@ TEST_F(FileGuardTest, AFileWrittenInPlaceIsNotSavedUnderAnyName) {
         EXPECT_EQ(bytes(), "G7\r\nG1\r\n");
         EXPECT_EQ(child[0].modified, 1);
     }
-    // Neither does the end of the program or another file take a Yes for a save.
-    for (const int id : {1007, 1035, 1001}) {
-        SCOPED_TRACE(id);
-        answer_box("Yes");
-        answer_box("Cancel");
-        command(id);
-        EXPECT_TRUE(child[0].file_open);
-        EXPECT_EQ(child[0].modified, 1);
-    }
     answer_box("Reload");
     command(1002);
     EXPECT_EQ(rows(), (std::vector<std::string>{"G7", "G1", ""}));
     EXPECT_EQ(child[0].modified, 0);
     EXPECT_EQ(bytes(), "G7\r\nG1\r\n");
     EXPECT_EQ(unused_answers(), 0);
-}
-
-TEST_F(FileGuardTest, AFileWrittenInPlaceIsNotMerged) {
-    write("other.nc", "X\r\n");
-    start_with("G0\r\n");
-    write_in_place("G7");
-    answer_box("Yes");
-    answer_file_dialog(path("other.nc").c_str());
-    answer_box("Cancel");
-    command(1004);
-    EXPECT_EQ(bytes(), "G7\r\n");
-    EXPECT_FALSE(exists("DX1"));
 }
 
 TEST_F(FileGuardTest, TheFocusAsksOnceForEachStateOfTheFile) {
@@ -125,25 +104,6 @@ TEST_F(FileGuardTest, ARemovedFileCanBeWrittenAgainOrElsewhere) {
     EXPECT_FALSE(exists("part.nc"));
     EXPECT_STREQ(child[0].file_title, "mine.nc");
     EXPECT_EQ(unused_answers(), 0);
-}
-
-TEST_F(FileGuardTest, AYesToOverwriteHoldsForOneStateOfTheFile) {
-    start_with("G0\r\n");
-    const auto replace = [this](const std::string& text) {
-        fs::remove(path("part.nc"));
-        write("part.nc", text);
-    };
-    replace("first\r\n");
-    type_text("X");
-    answer_box("Overwrite");
-    command(1002);
-    EXPECT_EQ(bytes(), "XG0\r\n");
-    replace("second\r\n");
-    type_text("Y");
-    answer_box("Cancel");
-    command(1002);
-    EXPECT_EQ(unused_answers(), 0);
-    EXPECT_EQ(bytes(), "second\r\n");
 }
 
 TEST_F(FileGuardTest, SaveAsToAnotherNameOfTheFileKeepsTheEditsOnShow) {

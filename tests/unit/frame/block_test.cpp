@@ -31,20 +31,6 @@ protected:
     }
 };
 
-// Typing deletes what is marked, so it must be seen whatever repaints the row.
-TEST_F(BlockTest, APartOfARowStaysLitInEveryDisplayMode) {
-    start_with("ABCDEF\r\nG\r\n");
-    for (int i = 0; i < 3; ++i)
-        press_key("Shift+Right");
-    for (const char* key : {"F4", "F4", "F3", "F3", "F7"}) {
-        press_key(key);
-        ASSERT_EQ(child[0].block_active, 1);
-        EXPECT_EQ(screen_cell(2, 0).paper, BLACK) << key;
-        EXPECT_EQ(screen_cell(79, 0).paper, WHITE) << key;
-        EXPECT_EQ(screen_cell(2, 1).paper, WHITE) << key;
-    }
-}
-
 TEST_F(BlockTest, AStepBehindAPageKeepsTheRowsOfThePage) {
     std::string text;
     for (int i = 0; i < 100; ++i)

@@ -76,32 +76,6 @@ TEST_F(WindowTest, TypingReplacesABlockAndKeysThatMoveDoNot) {
     }
 }
 
-TEST_F(WindowTest, EntriesFollowTheOpenFileAndStayGrayUntilTheyAreBuilt) {
-    start();
-    const auto check = [](bool file) {
-        for (int i = 0; i < COMMAND_COUNT; i++) {
-            const Command& entry = COMMANDS[i];
-            if (entry.id == 0 || entry.popup == 0)
-                continue;
-            // Without a block, cut text or a macro, the entries that need one stay gray.
-            const bool by_file = entry.enabled == Enabled::FILE_OPEN ||
-                                 entry.enabled == Enabled::NOT_RECORDING ||
-                                 entry.enabled == Enabled::PORT_QUIET;
-            const bool wanted =
-                entry.run != nullptr && (entry.enabled == Enabled::ALWAYS || (file && by_file));
-            EXPECT_EQ(menu_enabled(entry.id), wanted)
-                << entry.id << (file ? " with" : " without") << " a file";
-        }
-    };
-    check(false);
-    write("part.nc", "G0\r\n");
-    answer_file_dialog(path("part.nc").c_str());
-    command(COMMAND_OPEN);
-    check(true);
-    command(1035);
-    check(false);
-}
-
 TEST_F(WindowTest, OneTimerServesTwoUsesOneAtATime) {
     start_with("G0\r\n");
     set_ui_timer(UI_TIMER_SLOW);
@@ -130,26 +104,6 @@ TEST_F(WindowTest, OneTimerServesTwoUsesOneAtATime) {
     EXPECT_EQ(timer_period(UI_TIMER), 1000);
     advance_clock(1000);
     EXPECT_FALSE(timer_running(UI_TIMER));
-}
-
-TEST_F(WindowTest, AResizeMeasuresTheTextAreaAndKeepsTheCaretsRowInIt) {
-    struct Case {
-        int cols, rows;
-        int window_cols, window_rows, caret_row;
-    };
-    start_with("0\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n8\r\n");
-    const Case cases[] = {{80, 28, 80, 25, 9}, {1, 1, 1, 1, 1}, {20, 4, 20, 1, 1}, {40, 8, 40, 5, 1}};
-    press_key("Ctrl+End");
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.cols);
-        set_window_size(c.cols, c.rows);
-        EXPECT_EQ(child[0].window_cols, c.window_cols);
-        EXPECT_EQ(child[0].window_rows, c.window_rows);
-        EXPECT_EQ(child[0].current_row, 9);
-        EXPECT_EQ(child[0].caret_row, c.caret_row);
-        EXPECT_EQ(caret_cell_row(), c.caret_row);
-    }
-    set_window_size(80, 28);
 }
 
 }  // namespace

@@ -13,10 +13,6 @@ using namespace platform;
 
 constexpr int MESSAGE = 101;
 constexpr int FILE_NAME = 102;
-constexpr int MARK = 103;
-constexpr int COLUMN = 104;
-constexpr int ROW = 105;
-constexpr int ICON = 106;
 
 class StatusLineTest : public ProgramTest {
 protected:
@@ -51,29 +47,6 @@ TEST_F(StatusLineTest, TitlesOfFortyCharactersAreCut) {
     EXPECT_EQ(shown_title(""), times(45, " "));
 }
 
-TEST_F(StatusLineTest, RowAndColumnCountFromOne) {
-    struct Case {
-        int32_t row;
-        int32_t col;
-        const char* shown_row;
-        const char* shown_col;
-    };
-    const Case cases[] = {{0, 0, "1", "1"}, {-5, 250, "1", "251"}, {999999998, 9, "999999999", "10"}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.shown_row);
-        child[0].current_row = c.row;
-        child[0].caret_col = c.col;
-        show_position();
-        EXPECT_EQ(status_text(ROW), c.shown_row);
-        EXPECT_EQ(status_text(COLUMN), c.shown_col);
-        EXPECT_GE(child[0].current_row, 0);
-    }
-    child[0].current_row = 0;
-    show_row_count(-1);
-    EXPECT_EQ(status_text(ROW), "0");
-    EXPECT_EQ(status_text(COLUMN), "10");
-}
-
 TEST_F(StatusLineTest, MessagesGoByTheirNumberAndOthersChangeNothing) {
     show_status(STATUS_EDIT_MODE);
     for (const int without_text : {-1, 0, 3, 16, 20, 22, 1000}) {
@@ -82,21 +55,6 @@ TEST_F(StatusLineTest, MessagesGoByTheirNumberAndOthersChangeNothing) {
     }
     show_status(STATUS_BLANK);
     EXPECT_EQ(status_text(MESSAGE), times(30, " "));
-    child[0].overwrite_mode = 1;
-    show_position();
-    EXPECT_EQ(status_text(MARK), " OVR");
-    child[0].overwrite_mode = 0;
-    show_position();
-    EXPECT_EQ(status_text(MARK), "    ");
-    EXPECT_EQ(status_text(MESSAGE), times(30, " "));
-}
-
-TEST_F(StatusLineTest, TheIconIsHiddenUntilATransferShowsIt) {
-    EXPECT_FALSE(status_shown(ICON));
-    show_activity_icon(true);
-    EXPECT_TRUE(status_shown(ICON));
-    show_activity_icon(false);
-    EXPECT_FALSE(status_shown(ICON));
 }
 
 }  // namespace
