@@ -5,7 +5,6 @@
 
 #include "dnc/crc32.h"
 #include "dnc/machine_fields.h"
-#include "dnc/machine_presets.h"
 #include "dnc/machine_table.h"
 #include "shell/directories.h"
 #include "support/program_test.h"
@@ -61,31 +60,6 @@ TEST_F(MachineTest, AFileIsReadAsFarAsItGoesAndKeptAsItIs) {
     EXPECT_EQ(machine_table[2].reserved_113[784 - 113], 0) << "of the default, not of the file before";
     EXPECT_STREQ(machine_table[3].name, "Machine 4");
     EXPECT_EQ(slot_machine[0], 0);  // 0x2222 is no machine
-}
-
-TEST_F(MachineTest, ProtocolsAndDataTypesForceTheirSettings) {
-    set_machine_defaults();
-    MachineParams& m = machine_table[0];
-    m.port_index = 2;
-    m.eob_delay_ms = 500;
-    m.start_string[3] = 9;
-    apply_protocol_preset(&m, PROTOCOL_HEIDENHAIN);
-    EXPECT_EQ(m.baud_index, 5);
-    EXPECT_EQ(m.port_index, 0);
-    EXPECT_EQ(m.start_string[3], BLANK_BYTE);
-    EXPECT_EQ(m.data_type, DATA_ASCII);
-    m.data_type = DATA_EIA;
-    apply_data_type(&m);
-    EXPECT_EQ(m.data_bits_index, 1);
-    EXPECT_EQ(m.eob_conversion, EOB_LF);
-    m.data_type = DATA_BINARY;
-    m.xoff_char = XOFF_EIA_ALTERNATE;
-    m.eob_delay_ms = 500;
-    apply_data_type(&m);
-    EXPECT_EQ(m.eob_conversion, EOB_NO_CONVERSION);
-    EXPECT_EQ(m.xoff_char, XOFF_DEFAULT);
-    EXPECT_TRUE(drop_delay_without_conversion(&m));
-    EXPECT_FALSE(drop_delay_without_conversion(&m));
 }
 
 TEST(Crc32, IsThePublishedOne) {
