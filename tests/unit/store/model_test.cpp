@@ -104,8 +104,7 @@ void ModelTest::step(Model* model, std::mt19937& random) {
     case 2: {
         const std::string text = random_text(random, ROW_PASTE_MAX);
         ASSERT_TRUE(fetch_row(row));
-        std::memset(child[0].row_text, 0, sizeof child[0].row_text);
-        std::memcpy(child[0].row_text, text.data(), text.size());
+        put_row_text(text);
         child[0].pending_row = row;
         child[0].modified = 1;
         ASSERT_TRUE(commit_pending());

@@ -13,11 +13,6 @@ using namespace platform;
 
 class RowTableTest : public ProgramTest {};
 
-void put_text(const std::string& text) {
-    std::memset(child[0].row_text, 0, sizeof child[0].row_text);
-    std::memcpy(child[0].row_text, text.data(), text.size());
-}
-
 TEST_F(RowTableTest, BytesThatAFetchDoesNotShowStayWithTheRow) {
     const std::string tail = "TAIL" + repeated('t', 200);
     start_with(repeated('x', 254) + tail +
@@ -25,14 +20,14 @@ TEST_F(RowTableTest, BytesThatAFetchDoesNotShowStayWithTheRow) {
                "behind\nend\n");
     // Shortened twice without a fetch between, then again after one: nothing behind row_text is lost.
     fetch_row(0);
-    put_text("one");
+    put_row_text("one");
     commit_row(0);
-    put_text("two");
+    put_row_text("two");
     commit_row(0);
     fetch_row(2);
     fetch_row(0);
     EXPECT_EQ(child[0].row_text, "two" + tail);
-    put_text("three" + tail);
+    put_row_text("three" + tail);
     commit_row(0);
     set_row(1, "SHORT");
     command(1002);
