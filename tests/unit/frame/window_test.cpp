@@ -77,6 +77,7 @@ TEST_F(WindowTest, TypingReplacesABlockAndKeysThatMoveDoNot) {
 }
 
 TEST_F(WindowTest, OneTimerServesTwoUsesOneAtATime) {
+    stop_ui_timer();  // of a test before, in the same process
     start_with("G0\r\n");
     set_ui_timer(UI_TIMER_SLOW);
     EXPECT_EQ(timer_period(UI_TIMER), 1000);
