@@ -60,6 +60,7 @@ std::string make_test_folder() {
 }
 
 void ProgramTest::SetUp() {
+    files_before = platform::open_file_count();
     platform::reset_file_faults();
     platform::reset_desktop();
     home = make_test_folder();
@@ -74,6 +75,8 @@ void ProgramTest::SetUp() {
 void ProgramTest::TearDown() {
     platform::reset_file_faults();
     close_document();
+    // Also a step that was given up or has failed lets go of its files.
+    EXPECT_EQ(platform::open_file_count(), files_before);
     fs::remove_all(home);
 }
 

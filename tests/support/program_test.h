@@ -49,6 +49,9 @@ protected:
 
     std::string home;  // the launch directory, with a folder ZOLT
     std::string work;
+
+private:
+    int files_before = 0;
 };
 
 // Makes row_text this text, as a key that types would.

@@ -22,6 +22,7 @@ protected:
     void SetUp() override {
         ProgramTest::SetUp();
         start();
+        begin_compare("", "", "", "");  // no side is open yet
     }
     void TearDown() override {
         close_compare();
