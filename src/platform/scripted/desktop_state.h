@@ -8,6 +8,7 @@
 #include "platform/views.h"
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -95,6 +96,7 @@ struct Desktop {
     Person person;
     std::deque<std::string> handovers;  // files of second starts that the program has not taken yet
     PointerShape pointer_shape = PointerShape::ARROW;
+    std::function<void(const std::string& text)> see_painted_text;  // of a test
 };
 extern Desktop desktop;
 

@@ -231,6 +231,10 @@ bool status_shown(int id) {
     return control != nullptr && !control->hidden;
 }
 
+void watch_painted_texts(const std::function<void(const std::string& text)>& see) {
+    desktop.see_painted_text = see;
+}
+
 // ---- Time, messages and keys -------------------------------------------------------------------------
 
 void pump_messages() {

@@ -82,6 +82,10 @@ std::string menu_text(int id);
 std::string status_text(int id);  // a field of the status line; empty before it is made
 bool status_shown(int id);
 
+// Calls `see` with the text of each control that the program paints without waiting for a message, as long
+// runs do; an empty function ends that.
+void watch_painted_texts(const std::function<void(const std::string& text)>& see);
+
 // ---- Time, messages and keys -------------------------------------------------------------------------
 
 // Runs posted messages until none is left.

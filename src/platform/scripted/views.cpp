@@ -342,8 +342,9 @@ WindowHandle view_pane(ViewHandle handle, int id) {
 
 // A control is on show as soon as it changes; there is nothing to draw. The id is looked at all the same.
 void view_repaint_control(ViewHandle handle, int id) {
-    if (id != -1) {
-        find_control(handle, id, "view_repaint_control");
+    const Control* control = id != -1 ? find_control(handle, id, "view_repaint_control") : nullptr;
+    if (control != nullptr && desktop.see_painted_text) {
+        desktop.see_painted_text(control->text);
     }
 }
 
