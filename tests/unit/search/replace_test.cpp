@@ -231,5 +231,22 @@ TEST_F(ReplaceTest, AFullDiskStopsTheRunAndLosesNothing) {
                   "N" + std::to_string(i) + (i <= stopped ? " X11" : " X1") + " Y22 Z3 A4 B5 C6");
 }
 
+// The last write is that of the records that wait for the end of the run.
+TEST_F(ReplaceTest, AWriteThatFailsIsToldAlsoAtTheEnd) {
+    bool fired = true;
+    for (int n = 1; fired; n++) {
+        begin_anew();
+        start_with("X1\r\nX2\r\nX3\r\n");
+        platform::answer_other_boxes("OK");
+        platform::fail_file_call(platform::FileCall::WRITE, n, ENOSPC);
+        replace_all("X", "Y", 0);
+        fired = platform::file_fault_fired();
+        const bool told = shown_boxes()[0].text.find("has stopped at row") != std::string::npos;
+        EXPECT_EQ(told, fired) << "write " << n;
+        ASSERT_LT(n, 20);
+    }
+    platform::answer_other_boxes("");
+}
+
 }  // namespace
 }  // namespace hexlane

@@ -94,6 +94,17 @@ TEST_F(RowIndex, AWalkReadsManyRowsAtOnceInBothDirections) {
     EXPECT_EQ(temp_names().size(), files);
 }
 
+// The first program's offsets are gone from the temporary file.
+TEST_F(RowIndex, ASecondLongProgramHasItsOwnOffsets) {
+    for (const std::string row : {"N1\r\n", "N10\r\n"}) {
+        std::string bytes;
+        for (int i = 0; i < ROW_TABLE_SIZE + 2000; i++)
+            bytes += row;
+        ASSERT_TRUE(open(bytes));
+        EXPECT_EQ(row_offset(ROW_TABLE_SIZE + 1999), static_cast<int64_t>(bytes.size() - row.size()));
+    }
+}
+
 TEST_F(RowIndex, WithoutAFileThereAreNoRows) {
     EXPECT_FALSE(open_row_index(path("nothing.nc").c_str()));
     EXPECT_EQ(row_count(), 0);
