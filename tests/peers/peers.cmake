@@ -13,14 +13,17 @@ target_link_libraries(two_slots_test PRIVATE hexlane_core hexlane_console hexlan
                                              GTest::gtest_main)
 gtest_discover_tests(two_slots_test TEST_PREFIX two_slots_test. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 
-# Not sanitized: it is loaded ahead of a sanitizer's own library.
-add_library(flush_fails MODULE ${peers}/flush_fails.cpp)
-target_compile_options(flush_fails PRIVATE -fno-sanitize=all)
-target_link_options(flush_fails PRIVATE -fno-sanitize=all)
+# Not sanitized: they are loaded ahead of a sanitizer's own library.
+foreach(name flush_fails bytes_lost)
+  add_library(${name} MODULE ${peers}/${name}.cpp)
+  target_compile_options(${name} PRIVATE -fno-sanitize=all)
+  target_link_options(${name} PRIVATE -fno-sanitize=all)
+endforeach()
 
 foreach(name send receive random tools machines simulator wire_forms readme files)
   add_test(NAME peers.${name}
            COMMAND Python3::Interpreter ${peers}/${name}_test.py --cli $<TARGET_FILE:hexlane-cli>
-                   --simulator $<TARGET_FILE:control-simulator> --flush-fails $<TARGET_FILE:flush_fails>)
+                   --simulator $<TARGET_FILE:control-simulator> --flush-fails $<TARGET_FILE:flush_fails>
+                   --bytes-lost $<TARGET_FILE:bytes_lost>)
   set_tests_properties(peers.${name} PROPERTIES TIMEOUT 600)
 endforeach()

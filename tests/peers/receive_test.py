@@ -103,9 +103,7 @@ class ReceiveTest(Case):
         self.assertIn('bytes still to send', machine.report['text'])
 
     def test_ctrl_c_tells_a_file_that_the_disk_did_not_take(self):
-        preload = self.home.path('flush_fails.so')  # a path without blanks, which would end it
-        preload.symlink_to(programs.flush_fails)
-        failing = self.home.environment(LD_PRELOAD=str(preload), ASAN_OPTIONS='verify_asan_link_order=0')
+        failing = self.home.preloaded(programs.flush_fails)
         with self.half_received(environment=failing) as (_, cli):
             cli.interrupt()
             self.assertEqual(cli.finish(), 4)
@@ -187,6 +185,21 @@ class ReceiveTest(Case):
         done = self.home.run('receive', '--port', '/dev/not-there', '--replace', 'got.nc')
         self.assertEqual(done.returncode, 3)
         self.assertEqual(self.home.path('got.nc').read_bytes(), b'old')
+
+    def test_a_lost_byte_is_told_whatever_ends_the_receive(self):
+        self.home.write('part.nc', PROGRAM[:3000])
+        losing = self.home.preloaded(programs.bytes_lost)
+        _, cli = self.receive({}, environment=losing)
+        self.assertEqual((cli.process.returncode, cli.receipt['result']), (1, 'not complete'), self.errors)
+        self.assertIn('Bytes were lost', self.errors)
+        self.assertEqual(self.what_is_left(cli), PROGRAM[:3000])
+        with Simulator(self.home, '--send', 'part.nc', '--rate', 9600, '--start-key') as machine, \
+                Cli(self.home, 'receive', '--port', machine.line, '--replace', 'got.nc', environment=losing) as cli:
+            machine.press_start()
+            wait_for(lambda: self.home.path('got.nc.part').stat().st_size > 0)
+            cli.interrupt()
+            self.assertEqual(cli.finish(), 4)
+            self.assertIn('Bytes were lost', cli.error_text())
 
 
 if __name__ == '__main__':

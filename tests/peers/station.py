@@ -1,6 +1,6 @@
 """The programs of the serial station for tests: a home with machine sets, hexlane-cli, and the control simulator.
 
-Each test program takes --cli, --simulator and --flush-fails (see main). Nothing here waits for a fixed time: a
+Each test program takes the programs and what is preloaded into them (see main). Nothing here waits for a fixed time: a
 simulated machine begins when its start key is pressed, and that happens when the other side has said that it is ready.
 """
 
@@ -19,7 +19,7 @@ import unittest
 TIMEOUT_S = 60  # of any single step; a step that works takes a fraction of a second
 TOP = pathlib.Path(__file__).resolve().parents[2]
 
-programs = argparse.Namespace(cli=None, simulator=None, flush_fails=None)
+programs = argparse.Namespace(cli=None, simulator=None, flush_fails=None, bytes_lost=None)
 
 
 class Home:
@@ -35,6 +35,12 @@ class Home:
     def write(self, name, data):
         self.path(name).write_bytes(data)
         return self.path(name)
+
+    def preloaded(self, library):
+        """An environment in which the programs load a library of tests first."""
+        link = self.path(library.name)  # a path without blanks, which would end it
+        link.symlink_to(library)
+        return self.environment(LD_PRELOAD=str(link), ASAN_OPTIONS='verify_asan_link_order=0')
 
     def environment(self, **more):
         kept = {name: value for name, value in os.environ.items() if not name.startswith('HEXLANE_')}
@@ -154,10 +160,7 @@ class Case(unittest.TestCase):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument('--cli', required=True, type=pathlib.Path)
-    parser.add_argument('--simulator', required=True, type=pathlib.Path)
-    parser.add_argument('--flush-fails', required=True, type=pathlib.Path)
-    known, rest = parser.parse_known_args()
-    programs.cli, programs.simulator = known.cli.resolve(), known.simulator.resolve()
-    programs.flush_fails = known.flush_fails.resolve()
+    for name in vars(programs):
+        parser.add_argument('--' + name.replace('_', '-'), required=True, type=lambda path: pathlib.Path(path).resolve())
+    _, rest = parser.parse_known_args(namespace=programs)
     unittest.main(module='__main__', argv=[sys.argv[0], *rest], verbosity=2)
