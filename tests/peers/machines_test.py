@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The commands of hexlane-cli around the machine sets and ports, and its ways of saying no."""
 
+import resource
 import struct
 
 import station
@@ -85,6 +86,20 @@ class MachinesTest(Case):
         self.run_well('machines', 'set', 5, 'name=Other')
         self.run_well('machines', 'import', 'copy.ini')
         self.assertEqual(self.table(), exported)
+
+    def test_an_export_that_is_not_whole_is_told(self):
+        self.run_well('machines', 'list')
+        done = self.home.run('machines', 'export', 'sets.txt',
+                             preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000, 5000)))
+        self.assertEqual(done.returncode, 3)
+
+    def test_an_imported_text_gets_what_its_data_types_force(self):
+        self.home.write('sets.txt', b'[2]\ndata_type=eia\nparity=even\neob=cr\n[16]\ndata_type=binary\nxoff_char=147\n'
+                                    b'eob=lf\neob_delay_ms=5\n')
+        self.run_well('machines', 'import', 'sets.txt')
+        for machine, forced in ((2, {'data_bits': '8', 'parity': 'none', 'eob': 'lf'}),
+                                (16, {'eob': 'none', 'eob_delay_ms': '0', 'xoff_char': '19'})):
+            self.assertEqual(forced, {name: self.shown(machine)[name] for name in forced})
 
     def test_an_import_with_a_fault_changes_nothing(self):
         self.run_well('machines', 'list')

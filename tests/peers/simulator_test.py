@@ -32,6 +32,8 @@ FAULTS = (
      BRIDGEPORT + b'M30\x17\x4e\x04', 'ahead of the answer'),
     ('check of the last block', '--protocol bridgeport', b'M30\x17\x4f\x04', 'check of the last block'),
     ('block too long', '--protocol bridgeport', b'1' * 252 + b'\x17\x00\x04', 'longer than 251'),
+    ('last block too long', '--protocol bridgeport --end-string 37', b'1' * 251 + b'%\x17\x31\x04',
+     'the last block is too long'),
     ('no EOT', '--protocol bridgeport', b'M30\x17\x4eX', 'EOT is missing'),
     ('end missing in BRIDGEPORT', '--protocol bridgeport', BRIDGEPORT, "ahead of the program's end"),
     ('PHILLIPS without EOT', '--protocol phillips', b'M30\r\n', "ahead of the program's end"),
@@ -178,6 +180,16 @@ class SimulatorTest(Case):
                 os.close(line)
                 self.assertEqual(machine.finish(), code, machine.report['text'])
             self.assertEqual(machine.report['bytes behind XOFF'], more)
+
+    def test_one_byte_ahead_of_the_answer_is_told(self):
+        with Simulator(self.home, '--receive', 'machine.nc', '--protocol', 'bridgeport', '--ack-delay', '50') as machine:
+            line = os.open(machine.line, os.O_RDWR | os.O_NOCTTY)
+            os.write(line, BRIDGEPORT + b'M')
+            self.assertEqual(os.read(line, 1), b'\x06')
+            os.write(line, b'30\x17\x4e\x04')
+            os.close(line)
+            self.assertEqual(machine.finish(), 1)
+        self.assertIn('ahead of the answer', machine.report['text'])
 
     def test_a_full_disk(self):
         with Simulator(self.home, '--receive', '/dev/full') as machine:
