@@ -107,6 +107,8 @@ TEST(CodePage, TextsTurnIntoBytesAndBack) {
     }
     EXPECT_EQ(bytes_to_text(text, 4, "a\xD6\xD6"), 0);
     EXPECT_STREQ(text, "a\xC3\x96");
+    EXPECT_EQ(bytes_to_text(text, 5, "a\xD6\xD6"), 0);
+    EXPECT_STREQ(text, "a\xC3\x96");
 }
 
 TEST(InputRules, CapitalsOnlyWhereTheRuleWantsThem) {
