@@ -72,7 +72,7 @@ class ReceiveTest(Case):
     def test_a_fault_ends_the_receive_and_keeps_what_came(self):
         self.home.write('part.nc', PROGRAM)
         for name, options, more, told in (
-            ('the machine hangs up', ('--hang-up-after', 5000), {}, '({line}) has gone'),
+            ('the machine hangs up', ('--hang-up-after', 3000, '--rate', 9600), {}, '({line}) has gone'),
             ('the disk is full', (), {'preexec_fn': small_files, 'restore_signals': False}, 'could not be written to'),
         ):
             with self.subTest(name):

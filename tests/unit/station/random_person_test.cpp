@@ -459,14 +459,14 @@ TEST_P(RandomPerson, FindsRowsPortsAndFilesInOrder) {
     start();
     make_machines();
     close_document();
-    const int files_before = open_files();
+    const int open_before = open_files();
     set_person(act);
     run_message_loop();
     EXPECT_GE(steps_taken, STEPS);
     for (int slot = 0; slot < SLOT_COUNT; slot++)
         port_close(slot);
     close_document();
-    EXPECT_LE(open_files(), files_before) << "a file is left open";
+    EXPECT_LE(open_files(), open_before) << "a file is left open";
     for (const std::string& name : temp_names())
         EXPECT_EQ(name.find("idx.twr"), std::string::npos) << name;
 }
