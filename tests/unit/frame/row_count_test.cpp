@@ -50,7 +50,7 @@ TEST_F(RowCountTest, EachLongRunShowsHowFarItIs) {
     expect_counts("utility", [&run] { strip_line_numbers(&run); });
     expect_counts("save", save_file);
     ASSERT_EQ(copy_rows_to_cut_file(0, ROWS), 1);
-    expect_counts("paste", [] { paste_rows_from_cut_file(0, ROWS); });
+    expect_counts("paste", [] { EXPECT_EQ(paste_rows_from_cut_file(0, ROWS), 1); });
 }
 
 }  // namespace
