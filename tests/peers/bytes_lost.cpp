@@ -17,7 +17,6 @@ extern "C" int ioctl(int file, unsigned long request, ...) noexcept {
         return static_cast<int>(syscall(SYS_ioctl, file, request, argument));
     auto* counts = static_cast<serial_icounter_struct*>(argument);
     *counts = {};
-    counts->buf_overrun = lost;
-    lost = 1;
+    counts->buf_overrun = lost++;
     return 0;
 }

@@ -167,5 +167,33 @@ TEST_F(LongCompareTest, AListThatIsLostIsTold) {
     platform::reset_file_faults();
 }
 
+// The list's records are written once, at the end.
+TEST_F(LongCompareTest, TakesNothingOverFromACompareThatFailed) {
+    const auto last_box = [&](const char* fault, const std::vector<const char*>& presses) {
+        platform::forget_shown_boxes();
+        platform::reset_file_faults();
+        EXPECT_EQ(platform::arm_file_faults_from_text(fault), 1);
+        answer_file_dialog(path("right.nc").c_str());
+        for (const char* button : presses)
+            answer_box(button);
+        command(COMPARE);
+        return shown_boxes().empty() ? "" : shown_boxes().back().text;
+    };
+    const char* const no_fault = "full 1000000000";
+    EXPECT_NE(last_box("fail write 2 ENOSPC tmpx.twr", {"Compare", "OK"}).find("no space"),
+              std::string::npos);
+    EXPECT_EQ(last_box(no_fault, {"Compare", "SEARCH FWD", "EXIT"}), "");
+    EXPECT_NE(last_box("fail read 1 EIO tmpx.twr", {"Compare", "SEARCH FWD", "OK", "EXIT"}), "");
+    EXPECT_EQ(last_box(no_fault, {"Compare", "SEARCH FWD", "EXIT"}), "");
+}
+
+TEST_F(CompareCommandTest, ACopyThatTheDiskDidNotTakeIsNotCompared) {
+    set_row(1, "EDITED");
+    answer_box("OK");
+    platform::fail_file_call(platform::FileCall::CLOSE, 1, EIO);
+    command(COMPARE);
+    EXPECT_EQ(shown_boxes().size(), 1U);
+}
+
 }  // namespace
 }  // namespace hexlane

@@ -1,5 +1,3 @@
-// The count that stands on the screen while a long run goes on.
-
 #include <cstdlib>
 #include <functional>
 #include <set>

@@ -248,5 +248,15 @@ TEST_F(ReplaceTest, AWriteThatFailsIsToldAlsoAtTheEnd) {
     platform::answer_other_boxes("");
 }
 
+// Unseen bytes are read in pieces: a match may begin in one and end in the next.
+TEST_F(ReplaceTest, AMatchIsSeenWhereverTheRowsBytesAreParted) {
+    std::string file;
+    for (std::size_t i = 0; i < 1100; ++i)
+        file += std::string(400 + i, 'x') + "G0\r\n";
+    start_with(file);
+    replace_all("G0", "Y", 2);
+    EXPECT_EQ(shown_boxes().back().text.find("Rows left with a match: 1100."), 0u);
+}
+
 }  // namespace
 }  // namespace hexlane

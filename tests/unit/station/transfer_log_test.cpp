@@ -167,5 +167,30 @@ TEST(ShortenedPath, CountsCharactersAndCutsBetweenThem) {
     }
 }
 
+TEST_F(TransferLog, NumbersOfMoreThan32BitsAreToldWhole) {
+    begin_log_entry(0, false);
+    transfer_state[0].tally.line_bytes = 5'000'000'001;
+    transfer_state[0].tally.file_bytes = 4'500'000'002;
+    char tip[300];
+    format_row_tip(0, tip, sizeof tip);
+    EXPECT_NE(std::string(tip).find("\n5000000001 bytes over the line, 4500000002 of"), std::string::npos);
+    end_log_entry(0);
+    EXPECT_NE(log().find("file 4500000002 bytes"), std::string::npos);
+    EXPECT_NE(log().find("line 5000000001 bytes"), std::string::npos);
+}
+
+// Its size in 32 bits would be that of a short program.
+TEST_F(TransferLog, AFileOfFourGigabytesAndALittleIsNotSent) {
+    write("huge.nc", "N1\r\n");
+    fs::resize_file(path("huge.nc"), (int64_t{1} << 32) + 100);
+    copy_text(transfer_state[0].file_name, PATH_SIZE, path("huge.nc").c_str());
+    EXPECT_EQ(prepare_send(0), 0);
+    answer_box("OK");
+    cancel_file_dialog();
+    EXPECT_FALSE(press_send(0));
+    ASSERT_EQ(shown_boxes().size(), 1U);
+    EXPECT_NE(shown_boxes()[0].text.find("too large to be sent"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace hexlane

@@ -70,6 +70,7 @@ TEST(NcColumns, ARowThatOutgrowsTheLimitIsCutOnTheScreenOnly) {
     const std::string shown = formatted(letters);
     EXPECT_EQ(shown.size(), 255u);
     EXPECT_EQ(shown.substr(245), "X    X    ");
+    EXPECT_EQ(formatted(std::string(254, '1') + "X").back(), ' ') << "the word begins behind the last cell";
     put_row_text(letters);
     build_nc_columns();
     for (size_t i = 0; i < letters.size(); ++i)
