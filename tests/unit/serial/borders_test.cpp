@@ -63,7 +63,7 @@ TEST(Borders, ErrorsCountFromTheOpeningOn) {
         overruns += more;
         LineErrors errors;
         EXPECT_EQ(line_errors(line, &errors), 1);
-            EXPECT_EQ(errors.overrun, more);
+        EXPECT_EQ(errors.overrun, more);
         line_close(line);
     }
     line_driver = TTY_DRIVER;
