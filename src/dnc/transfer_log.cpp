@@ -107,7 +107,10 @@ void join_entries(const Receipt& receipt, char line[LOG_LINE_SIZE]) {
 }  // namespace
 
 int name_log(const char* title, char* path) {
-    return format_text(path, PATH_SIZE, "%s/%s", directories.launch_dir, title);
+    if (format_text(path, PATH_SIZE, "%s/%s", directories.launch_dir, title))
+        return 1;
+    set_last_file_error(FileError::NAME_TOO_LONG);
+    return 0;
 }
 
 void write_log_line(char line[LOG_LINE_SIZE]) {

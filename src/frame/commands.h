@@ -8,7 +8,7 @@
 
 namespace hexlane {
 
-// When a menu entry may be chosen, worked out in command_state.cpp.
+// When a menu entry may be chosen, worked out in menus.cpp.
 enum class Enabled : uint8_t {
     ALWAYS,
     FILE_OPEN,

@@ -1,4 +1,4 @@
-// dnc_texts.cpp: the table behind show_dnc_box, in the order of DncBox.
+// station_texts.cpp: the table behind show_dnc_box, in the order of DncBox.
 
 #include "station/station_texts.h"
 

@@ -1,4 +1,4 @@
-// dnc_texts.h: every message box of the communications. A new one is a line here and in the table.
+// station_texts.h: every message box of the communications. A new one is a line here and in the table.
 #pragma once
 
 namespace hexlane {

@@ -1,8 +1,8 @@
 // cut_file.h: CUT.INX, the records of the whole rows that were cut or copied last (row_record_format.h,
 // without a header). The rows' text stays where it stands, in the active file or in the change file, and is
 // read when they are pasted: cutting a million rows moves no text. How many records count is told by the
-// block record that goes with the file (block_buffer.h). A load makes the file worthless: the positions in it
-// are those of the streams of one document. Main thread only.
+// block record that goes with the file (edit/block_commands.h). A load makes the file worthless: the
+// positions in it are those of the streams of one document. Main thread only.
 #pragma once
 
 #include <cstdint>

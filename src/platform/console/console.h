@@ -1,6 +1,7 @@
 // console.h: desktop services for programs without a window: one message queue, timers, and boxes on standard
-// error. It serves desktop.h's messages and timers and message_box; what needs a window is not here, and a
-// program that calls it does not link. A "window" is only a procedure that takes messages.
+// error. It serves desktop.h's messages and timers and message_box, and an empty surface for what the
+// program's own logic draws beside its work; views are not here, and a program that calls one does not link.
+// A "window" is only a procedure that takes messages.
 //
 // start_console comes first, on the main thread; workers may post and send from then on.
 #pragma once
